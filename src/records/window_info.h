@@ -1,0 +1,27 @@
+#pragma once
+
+#include "base/geometry.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tavrin {
+
+/// A process identifier.
+using ProcessID = std::int32_t;
+
+/// A window on screen, as the window list gives it.
+struct WindowInfo {
+    std::int64_t id = 0; ///< the window number
+    std::string appName;
+    std::optional<std::string> bundleIdentifier;
+    std::optional<ProcessID> ownerPID;
+    std::string title; ///< empty when the window has none
+    Rect frame;        ///< points, top-left origin
+    bool isOnScreen = false;
+
+    bool operator==(const WindowInfo&) const = default;
+};
+
+} // namespace tavrin
