@@ -13,7 +13,7 @@ namespace tavrin {
 enum class SavedLayoutKind { generic, appSpecific };
 
 /// The texts that stand for the kinds in files.
-inline constexpr std::array enumTexts(SavedLayoutKind) {
+constexpr auto enumTexts(SavedLayoutKind) {
     return std::array{std::pair{SavedLayoutKind::generic, "generic"},
                       std::pair{SavedLayoutKind::appSpecific, "appSpecific"}};
 }
