@@ -1,0 +1,77 @@
+#pragma once
+
+#include "ports/profile_providing.h"
+#include "ports/wall_clock.h"
+#include "storage/app_support_paths.h"
+#include "storage/store_migration.h"
+
+namespace tavrin {
+
+/// The owner of the profiles file and the layouts file. Every operation reads what it needs from disk and
+/// writes back at once; there is no cache. A file that cannot be read fails the operation before anything
+/// is written. Operations that change both files write the layouts first; there is no transaction across
+/// the two. Names are trimmed of white space and line breaks.
+class ProfileStore : public ProfileProviding {
+public:
+    ProfileStore(AppSupportPaths paths, WallClock& clock) : paths_(std::move(paths)), clock_(clock) {}
+
+    std::expected<std::vector<MonitorProfile>, StoreError> loadProfiles() override;
+    std::expected<std::vector<SavedLayout>, StoreError> loadLayouts() override;
+    std::optional<Uuid> defaultLayoutID(const MonitorProfile& profile) override;
+
+    /// The layouts of one profile, in file order.
+    std::expected<std::vector<SavedLayout>, StoreError> layouts(const Uuid& profileID);
+
+    /// Appends a profile without layouts. `EmptyProfileName` for a blank name.
+    std::expected<MonitorProfile, StoreError> createProfile(std::string_view name,
+                                                            const DisplayFingerprint& fingerprint);
+
+    /// `EmptyProfileName` for a blank name, `ProfileNotFound` for an unknown id.
+    std::expected<void, StoreError> renameProfile(const Uuid& profileID, std::string_view name);
+
+    /// Removes the profile with its layouts; `ProfileNotFound` for an unknown id.
+    std::expected<void, StoreError> deleteProfile(const Uuid& profileID);
+
+    /// Remembers that the user took `signature` for this profile; a signature is remembered once, the
+    /// latest confirmation last. `ProfileNotFound` for an unknown id.
+    std::expected<void, StoreError> learnAssociation(const Uuid& profileID, std::string_view signature,
+                                                     std::string_view explanation);
+
+    /// Appends the layout to the layouts and to its profile. `ProfileNotFound` when that is missing.
+    std::expected<void, StoreError> saveLayout(const SavedLayout& layout);
+
+    /// Replaces kind, windows and displays of a layout; its name stays. `LayoutNotFound` for an unknown id.
+    std::expected<void, StoreError> replaceLayout(const Uuid& layoutID, SavedLayoutKind kind,
+                                                  std::vector<SavedLayoutEntry> entries,
+                                                  std::optional<std::vector<SavedDisplay>> savedDisplays);
+
+    /// `EmptyLayoutName` for a blank name, `LayoutNotFound` for an unknown id.
+    std::expected<void, StoreError> renameLayout(const Uuid& layoutID, std::string_view name);
+
+    /// Removes the layout from the layouts and from its profile, as its default too. `LayoutNotFound` for
+    /// an unknown id.
+    std::expected<void, StoreError> deleteLayout(const Uuid& layoutID);
+
+    /// An absent layout clears the default. `ProfileNotFound` for an unknown profile.
+    std::expected<void, StoreError> setDefaultLayout(const Uuid& profileID, std::optional<Uuid> layoutID);
+
+private:
+    using Profiles = std::vector<MonitorProfile>;
+    using Layouts = std::vector<SavedLayout>;
+
+    /// Loads the profiles, lets `change` alter the one with that id, dates it and writes the file.
+    template <class Change>
+    std::expected<void, StoreError> changeProfile(const Uuid& profileID, Change change);
+    template <class Change>
+    std::expected<void, StoreError> changeLayout(const Uuid& layoutID, Change change);
+
+    std::expected<void, StoreError> write(const Profiles& profiles, Timestamp now);
+    std::expected<void, StoreError> write(const Layouts& layouts, Timestamp now);
+    std::expected<void, StoreError> write(const Layouts& layouts, const Profiles& profiles, Timestamp now);
+
+    AppSupportPaths paths_;
+    WallClock& clock_;
+    StoreMigration migration_{1};
+};
+
+} // namespace tavrin
