@@ -1,0 +1,44 @@
+#pragma once
+
+#include "base/signal.h"
+#include "ports/application_host.h"
+
+#include <QObject>
+
+class QApplication;
+class QWindow;
+
+namespace tavrin {
+
+/// The program as a Qt application: one that lives on without windows.
+class QtApplicationHost final : public QObject, public ApplicationHost {
+    Q_OBJECT
+
+public:
+    static constexpr const char* applicationId = "org.tavrin.Tavrin";
+
+    /// `application` must not have shown a window yet.
+    explicit QtApplicationHost(QApplication& application);
+
+    /// A window of this program has the focus.
+    bool isActive() const { return isActive_; }
+
+    /// `handler` is called every time the program comes to the front until the token is released.
+    Token observeDidBecomeActive(std::function<void()> handler);
+
+    /// Nothing to do: task bars and switchers list windows, and an accessory program shows none.
+    void setActivationPolicy(ActivationPolicy policy) override;
+
+    void activate() override;
+    void terminate() override;
+    std::filesystem::path bundlePath() override;
+    std::string shortVersion() override;
+
+private:
+    void applicationStateChanged(Qt::ApplicationState state);
+
+    Signal<> didBecomeActive_;
+    bool isActive_ = false;
+};
+
+} // namespace tavrin

@@ -1,0 +1,41 @@
+#include "platform/qt/qt_user_defaults.h"
+
+#include <QFile>
+#include <QStandardPaths>
+
+namespace tavrin {
+
+QtUserDefaults::QtUserDefaults(const std::filesystem::path& file)
+    : settings_(QFile::decodeName(file.c_str()), QSettings::IniFormat) {}
+
+std::filesystem::path QtUserDefaults::defaultFile() {
+    const auto folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    return std::filesystem::path(QFile::encodeName(folder).toStdString()) / "Tavrin" / "defaults.ini";
+}
+
+std::int64_t QtUserDefaults::integer(const std::string& key) {
+    bool isNumber = false;
+    const auto value = text(key).toLongLong(&isNumber);
+    return isNumber ? value : 0;
+}
+
+bool QtUserDefaults::boolean(const std::string& key) { return text(key) == "true"; }
+
+void QtUserDefaults::setInteger(const std::string& key, std::int64_t value) {
+    setText(key, QString::number(value));
+}
+
+void QtUserDefaults::setBoolean(const std::string& key, bool value) {
+    setText(key, value ? QStringLiteral("true") : QStringLiteral("false"));
+}
+
+QString QtUserDefaults::text(const std::string& key) {
+    return settings_.value(QString::fromStdString(key)).toString();
+}
+
+void QtUserDefaults::setText(const std::string& key, const QString& text) {
+    settings_.setValue(QString::fromStdString(key), text);
+    settings_.sync();
+}
+
+} // namespace tavrin
