@@ -8,7 +8,8 @@
 namespace tavrin {
 
 /// Runs tasks on the main thread after a time on the monotonic clock. Releasing the token cancels the
-/// task; a task is never run inside the call that schedules it.
+/// task; a task is never run inside the call that schedules it. A task may release its own token: it is
+/// kept until it returns.
 class Scheduler {
 public:
     virtual ~Scheduler() = default;

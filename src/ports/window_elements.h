@@ -85,4 +85,14 @@ public:
     virtual AXError setAttribute(const AXElement& element, AXAttribute attribute, const AXValue& value) = 0;
 };
 
+/// The attribute's value as a `Value`; absent when it cannot be read or is something else.
+template <class Value>
+std::optional<Value> readAttribute(WindowElements& elements, const AXElement& element,
+                                   AXAttribute attribute) {
+    auto value = elements.attribute(element, attribute);
+    if (!value || !std::holds_alternative<Value>(*value))
+        return std::nullopt;
+    return std::get<Value>(std::move(*value));
+}
+
 } // namespace tavrin

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "ports/display_snapshot_providing.h"
+#include "ports/restore_servicing.h"
+#include "ports/scheduler.h"
+#include "ports/settings_providing.h"
+#include "ports/system_events.h"
+#include "ports/wall_clock.h"
+#include "restore/matched_default_layout_resolver.h"
+#include "restore/restore_debug_store.h"
+
+#include <functional>
+#include <optional>
+
+namespace tavrin {
+
+/// Restores the default layout of the recognised setup after the displays changed, after wake and after
+/// unlock, each as the settings allow. A burst of events gives one restore; a restore that did not place
+/// every window is tried again for a bounded time, and only its last attempt is reported.
+class AutoRestoreCoordinator {
+public:
+    struct Collaborators {
+        SettingsProviding& settingsProvider;
+        ProfileProviding& profileProvider;
+        RestoreServicing& restoreService;
+        DisplaySnapshotProviding& displaySnapshotProvider;
+        RestoreDebugStore* restoreDebugStore; ///< may be null
+        SystemEvents& systemEvents;
+        Scheduler& scheduler;
+        WallClock& clock;
+    };
+
+    explicit AutoRestoreCoordinator(Collaborators collaborators);
+
+    Seconds debounceInterval{0.5};
+    Seconds initialDelay{2.0};
+    Seconds retryInterval{2.0};
+    Seconds maxTotalDuration{10.0};
+
+    /// Called with the result of the last attempt of a sequence.
+    std::function<void(const RestoreResult&)> onFeedback;
+
+    /// Starts observing; does nothing when it already does.
+    void start();
+
+    /// Stops observing and ends a sequence that is under way, without a report.
+    void stop();
+
+private:
+    void observe(SystemEvent event, bool (*isAllowed)(const AppSettings&), Token& token);
+    /// Begins a new sequence at its debounce; one that is under way ends without a report.
+    void schedule();
+    void resolve();
+    void attempt(const SavedLayout& layout, int number);
+    void report(const SavedLayout& layout, const RestoreResult& result);
+    int attemptCount() const;
+
+    Collaborators collaborators_;
+    MatchedDefaultLayoutResolver resolver_;
+    Token displayObserver_;
+    Token wakeObserver_;
+    Token unlockObserver_;
+    Token restoreTask_; ///< the sleep that the sequence is in; empty when idle
+};
+
+} // namespace tavrin

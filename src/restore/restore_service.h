@@ -1,0 +1,47 @@
+#pragma once
+
+#include "ports/accessibility_permission_servicing.h"
+#include "ports/display_snapshot_providing.h"
+#include "ports/restore_servicing.h"
+#include "ports/running_application_resolving.h"
+#include "ports/settings_providing.h"
+#include "ports/window_list_providing.h"
+#include "ports/window_moving.h"
+#include "restore/restore_matcher.h"
+
+#include <filesystem>
+
+namespace tavrin {
+
+/// Carries out one restore: pairs the layout's entries with the open windows, moves every window that is
+/// not in place, and sends surplus windows of the same applications after them. It never starts an
+/// application and never creates a window.
+class RestoreService : public RestoreServicing {
+public:
+    struct Collaborators {
+        WindowListProviding& windowProvider;
+        WindowMoving& windowMover;
+        DisplaySnapshotProviding& displaySnapshotProvider;
+        SettingsProviding* settingsProvider; ///< null: surplus windows are always sent after the others
+        RunningApplicationResolving& pidResolver;
+        AccessibilityPermissionServicing& permissionService;
+    };
+
+    /// `bundlePath`: the running program's file, named in the text about a missing permission.
+    RestoreService(Collaborators collaborators, std::filesystem::path bundlePath,
+                   RestoreMatcher matcher = RestoreMatcher{})
+        : collaborators_(collaborators), bundlePath_(std::move(bundlePath)), matcher_(matcher) {}
+
+    RestoreResult restore(const SavedLayout& layout) override;
+
+private:
+    static constexpr double frameMatchTolerance = 2.0;
+
+    bool clustersExtraWindows() const;
+
+    Collaborators collaborators_;
+    std::filesystem::path bundlePath_;
+    RestoreMatcher matcher_;
+};
+
+} // namespace tavrin

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "ports/running_application_resolving.h"
+#include "ports/running_applications.h"
+
+namespace tavrin {
+
+/// Finds the process of a window: the one it names, else the first running application with its bundle
+/// identifier, else the first with exactly its application name.
+class RunningApplicationResolver : public RunningApplicationResolving {
+public:
+    explicit RunningApplicationResolver(RunningApplications& runningApplications)
+        : runningApplications_(runningApplications) {}
+
+    std::optional<ProcessID> processIdentifier(const WindowInfo& window) override;
+
+private:
+    RunningApplications& runningApplications_;
+};
+
+} // namespace tavrin

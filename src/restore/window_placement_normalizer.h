@@ -1,0 +1,29 @@
+#pragma once
+
+#include "records/saved_layout_entry.h"
+#include "restore/display_placement_input.h"
+
+#include <optional>
+#include <vector>
+
+namespace tavrin {
+
+/// A window's frame as fractions of the display it lies on.
+struct NormalizedWindowPlacement {
+    std::string displayIdentifier;
+    SavedLayoutFrame normalizedFrame;
+
+    bool operator==(const NormalizedWindowPlacement&) const = default;
+};
+
+/// Decides on which display a window lies.
+class WindowPlacementNormalizer {
+public:
+    /// The display with the largest overlap, the earlier one of equals; absent when the window overlaps no
+    /// display with an area. The window frame (top-left origin) and the visible frames (bottom-left origin)
+    /// are used as they are: restoring uses the same mix, so a round trip is exact.
+    std::optional<NormalizedWindowPlacement>
+    normalize(const Rect& windowFrame, const std::vector<DisplayPlacementInput>& displays) const;
+};
+
+} // namespace tavrin

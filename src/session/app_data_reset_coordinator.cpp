@@ -1,0 +1,33 @@
+#include "session/app_data_reset_coordinator.h"
+
+namespace tavrin {
+namespace {
+
+constexpr auto* resetVersionKey = "tavrin.beta.appDataResetVersion";
+constexpr auto* noticePendingKey = "tavrin.beta.resetNoticePending";
+
+} // namespace
+
+AppDataResetCoordinator::Outcome AppDataResetCoordinator::applyIfNeeded() {
+    if (defaults_.integer(resetVersionKey) >= targetVersion_)
+        return Outcome::alreadyApplied;
+    for (const auto& file : {paths_.profilesFile(), paths_.layoutsFile(), paths_.settingsFile()})
+        if (paths_.fileManager.exists(file))
+            static_cast<void>(paths_.fileManager.remove(file));
+    defaults_.setInteger(resetVersionKey, targetVersion_);
+    defaults_.setBoolean(noticePendingKey, true);
+    return Outcome::didReset;
+}
+
+bool AppDataResetCoordinator::isResetNoticePending() {
+    return defaults_.boolean(noticePendingKey);
+}
+
+bool AppDataResetCoordinator::consumeResetNotice() {
+    if (!isResetNoticePending())
+        return false;
+    defaults_.setBoolean(noticePendingKey, false);
+    return true;
+}
+
+} // namespace tavrin

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "ports/user_defaults.h"
+#include "storage/app_support_paths.h"
+
+#include <cstdint>
+
+namespace tavrin {
+
+/// Removes the program's data files once, the first time a build that demands it starts, and leaves a
+/// notice for the settings window.
+class AppDataResetCoordinator {
+public:
+    static constexpr std::int64_t currentTargetVersion = 1;
+
+    enum class Outcome { didReset, alreadyApplied };
+
+    /// `targetVersion`: the reset this build demands; a reset that was applied before is not repeated.
+    AppDataResetCoordinator(AppSupportPaths paths, UserDefaults& defaults,
+                            std::int64_t targetVersion = currentTargetVersion)
+        : paths_(std::move(paths)), defaults_(defaults), targetVersion_(targetVersion) {}
+
+    /// To be called before anything reads the files. A file that cannot be removed stays, and the reset
+    /// counts as applied all the same.
+    Outcome applyIfNeeded();
+
+    /// A reset happened and the user has not been told yet.
+    bool isResetNoticePending();
+
+    /// As above; from now on the user counts as told.
+    bool consumeResetNotice();
+
+private:
+    AppSupportPaths paths_;
+    UserDefaults& defaults_;
+    std::int64_t targetVersion_;
+};
+
+} // namespace tavrin

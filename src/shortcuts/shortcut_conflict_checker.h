@@ -1,0 +1,28 @@
+#pragma once
+
+#include "records/key_combo.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tavrin {
+
+/// Tells why a proposed shortcut should not be used.
+class ShortcutConflictChecker {
+public:
+    /// A shortcut that exists already, with its owner as the user knows it.
+    struct Assignment {
+        std::string label;
+        KeyCombo combo;
+    };
+
+    /// The reason when the system reserves the combo; any further modifier makes it free.
+    std::optional<std::string> reservedMessage(const KeyCombo& combo) const;
+
+    /// The reservation, else the first assignment with the same combo; absent when the combo is free.
+    std::optional<std::string> conflictMessage(const KeyCombo& combo,
+                                               const std::vector<Assignment>& assignments) const;
+};
+
+} // namespace tavrin

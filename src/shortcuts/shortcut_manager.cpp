@@ -1,0 +1,119 @@
+#include "shortcuts/shortcut_manager.h"
+
+#include <algorithm>
+
+namespace tavrin {
+namespace {
+
+std::optional<KeyCombo> accepted(std::optional<KeyCombo> combo) {
+    return combo && combo->hasControl() ? combo : std::nullopt;
+}
+
+} // namespace
+
+ShortcutManager::ShortcutManager(SettingsStore& settingsStore, KeyMonitors& keyMonitors, WallClock& clock)
+    : settingsStore_(settingsStore), keyMonitors_(keyMonitors), clock_(clock) {
+    const auto settings = settingsStore_.load();
+    if (!settings)
+        return;
+    autoDetectShortcut.set(accepted(settings->autoDetectShortcut));
+    std::map<Uuid, KeyCombo> kept;
+    for (const auto& [text, combo] : settings->layoutShortcuts)
+        if (const auto layoutID = Uuid::parse(text); layoutID && combo.hasControl())
+            kept[*layoutID] = combo;
+    layoutShortcuts.set(kept);
+    if (autoDetectShortcut.value() != settings->autoDetectShortcut ||
+        kept.size() < settings->layoutShortcuts.size())
+        persist();
+}
+
+void ShortcutManager::start() {
+    if (isStarted_)
+        return;
+    isStarted_ = true;
+    globalMonitor_ = keyMonitors_.addGlobalMonitor([this](const KeyEvent& event) { handle(event); });
+    localMonitor_ = keyMonitors_.addLocalMonitor([this](const KeyEvent& event) { return handle(event); });
+}
+
+void ShortcutManager::stop() {
+    isStarted_ = false;
+    globalMonitor_.release();
+    localMonitor_.release();
+}
+
+void ShortcutManager::setAutoDetectShortcut(std::optional<KeyCombo> combo) {
+    autoDetectShortcut.set(accepted(combo));
+    armSuppression(accepted(combo));
+    persist();
+}
+
+void ShortcutManager::setLayoutShortcut(std::optional<KeyCombo> combo, const Uuid& layoutID) {
+    auto shortcuts = layoutShortcuts.value();
+    if (const auto kept = accepted(combo))
+        shortcuts[layoutID] = *kept;
+    else
+        shortcuts.erase(layoutID);
+    layoutShortcuts.set(std::move(shortcuts));
+    armSuppression(accepted(combo));
+    persist();
+}
+
+void ShortcutManager::removeLayoutShortcut(const Uuid& layoutID) {
+    setLayoutShortcut(std::nullopt, layoutID);
+}
+
+void ShortcutManager::pruneLayoutShortcuts(const std::vector<Uuid>& layoutIDs) {
+    auto shortcuts = layoutShortcuts.value();
+    std::erase_if(shortcuts, [&](const auto& shortcut) {
+        return std::ranges::find(layoutIDs, shortcut.first) == layoutIDs.end();
+    });
+    layoutShortcuts.set(std::move(shortcuts));
+    persist();
+}
+
+bool ShortcutManager::handle(const KeyEvent& event) {
+    const Timestamp now = clock_.now();
+    if (suppressionExpiry_ && now > *suppressionExpiry_)
+        armSuppression(std::nullopt);
+    if (suppressedRecordedCombo_ && suppressedRecordedCombo_->matches(event)) {
+        armSuppression(std::nullopt);
+        return true;
+    }
+    if (autoDetectShortcut.value() && autoDetectShortcut.value()->matches(event)) {
+        if (onAutoDetect)
+            onAutoDetect();
+        return true;
+    }
+    for (const auto& [layoutID, combo] : layoutShortcuts.value()) {
+        if (!combo.matches(event))
+            continue;
+        // The callback may change the shortcuts.
+        const Uuid restored = layoutID;
+        if (onLayoutRestore)
+            onLayoutRestore(restored);
+        return true;
+    }
+    return false;
+}
+
+void ShortcutManager::armSuppression(std::optional<KeyCombo> combo) {
+    suppressedRecordedCombo_ = combo;
+    suppressionExpiry_.reset();
+    if (combo)
+        suppressionExpiry_ =
+            clock_.now() + std::chrono::duration_cast<Timestamp::duration>(suppressionDuration);
+}
+
+void ShortcutManager::persist() {
+    auto settings = settingsStore_.load();
+    if (!settings)
+        return;
+    settings->autoDetectShortcut = autoDetectShortcut.value();
+    settings->layoutShortcuts.clear();
+    for (const auto& [layoutID, combo] : layoutShortcuts.value())
+        settings->layoutShortcuts[layoutID.text()] = combo;
+    // What could not be saved still holds until the program ends.
+    static_cast<void>(settingsStore_.save(*settings));
+}
+
+} // namespace tavrin

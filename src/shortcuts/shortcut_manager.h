@@ -1,0 +1,61 @@
+#pragma once
+
+#include "base/observable.h"
+#include "base/uuid.h"
+#include "ports/key_monitors.h"
+#include "ports/wall_clock.h"
+#include "storage/settings_store.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <vector>
+
+namespace tavrin {
+
+/// Owns the user's keyboard shortcuts: one that restores the layout of the recognised setup, and one per
+/// layout. Every stored combo contains Control. A press that was just recorded is swallowed once, so that
+/// recording a shortcut does not also trigger it.
+class ShortcutManager {
+public:
+    static constexpr Seconds suppressionDuration{0.75};
+
+    /// Reads the settings; shortcuts that break a rule are dropped, and then the rest is written back.
+    ShortcutManager(SettingsStore& settingsStore, KeyMonitors& keyMonitors, WallClock& clock);
+
+    Observable<std::optional<KeyCombo>> autoDetectShortcut;
+    Observable<std::map<Uuid, KeyCombo>> layoutShortcuts;
+
+    std::function<void()> onAutoDetect;
+    std::function<void(const Uuid&)> onLayoutRestore;
+
+    /// Starts listening to key presses; does nothing when it already listens.
+    void start();
+    void stop();
+
+    /// Stores a combo with Control; anything else clears the shortcut.
+    void setAutoDetectShortcut(std::optional<KeyCombo> combo);
+    void setLayoutShortcut(std::optional<KeyCombo> combo, const Uuid& layoutID);
+    void removeLayoutShortcut(const Uuid& layoutID);
+
+    /// Removes the shortcuts of all layouts but these.
+    void pruneLayoutShortcuts(const std::vector<Uuid>& layoutIDs);
+
+    /// One key press. True when it was a shortcut (or the press that recorded one) and is used up.
+    bool handle(const KeyEvent& event);
+
+private:
+    void armSuppression(std::optional<KeyCombo> combo);
+    void persist();
+
+    SettingsStore& settingsStore_;
+    KeyMonitors& keyMonitors_;
+    WallClock& clock_;
+    Token globalMonitor_;
+    Token localMonitor_;
+    bool isStarted_ = false;
+    std::optional<KeyCombo> suppressedRecordedCombo_;
+    std::optional<Timestamp> suppressionExpiry_;
+};
+
+} // namespace tavrin
