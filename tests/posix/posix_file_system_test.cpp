@@ -1,0 +1,166 @@
+#include "platform/posix/posix_file_system.h"
+#include "temporary_directory.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace tavrin {
+namespace {
+
+namespace fs = std::filesystem;
+
+class PosixFileSystemTest : public testing::Test {
+protected:
+    TemporaryDirectory directory;
+    PosixFileSystem files;
+
+    fs::path at(const std::string& name) const { return directory.path() / name; }
+
+    static unsigned mode(const fs::path& path) {
+        struct stat status {};
+        return ::lstat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0U;
+    }
+
+    template <class Value>
+    static int code(const std::expected<Value, FileError>& result) {
+        return result ? 0 : result.error().code;
+    }
+};
+
+TEST_F(PosixFileSystemTest, aWrittenFileReadsBackAndIsPrivate) {
+    const auto oldMask = ::umask(0);
+    std::string bytes(300'000, 'x'); // more than one piece
+    bytes[1234] = '\0';
+    const bool written = files.writeFlushed(at("file"), bytes).has_value();
+    const bool made = files.createDirectories(at("one/two/three/")).has_value();
+    ::umask(oldMask);
+
+    ASSERT_TRUE(written && made);
+    EXPECT_EQ(files.read(at("file")), bytes);
+    EXPECT_EQ(mode(at("file")), 0600U);
+    EXPECT_EQ(mode(at("one")), 0700U);
+    EXPECT_EQ(mode(at("one/two/three")), 0700U);
+    EXPECT_TRUE(files.createDirectories(at("one/two")));
+    EXPECT_TRUE(files.flushDirectory(at("one/two")));
+}
+
+TEST_F(PosixFileSystemTest, writingReplacesWhatStandsThereInsteadOfWritingThroughIt) {
+    const auto precious = directory.write("precious", "keep me");
+    fs::create_symlink(precious, at("link"));
+    fs::create_hard_link(precious, at("hard"));
+    ASSERT_EQ(::mkfifo(at("fifo").c_str(), 0666), 0);
+    ::chmod(precious.c_str(), 0644);
+
+    for (const auto* name : {"link", "hard", "fifo"}) {
+        EXPECT_TRUE(files.writeFlushed(at(name), "new")) << name;
+        EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(at(name)))) << name;
+        EXPECT_EQ(mode(at(name)), 0600U) << name;
+        EXPECT_EQ(directory.read(name), "new") << name;
+    }
+    EXPECT_EQ(directory.read("precious"), "keep me");
+}
+
+TEST_F(PosixFileSystemTest, readsOnlyRegularFilesAndNeverHangs) {
+    fs::create_directory(at("folder"));
+    ASSERT_EQ(::mkfifo(at("fifo").c_str(), 0600), 0);
+    fs::create_symlink("circle", at("circle"));
+    directory.write("file", "text");
+    fs::create_symlink("file", at("link"));
+
+    EXPECT_EQ(files.read(at("link")), "text");
+    EXPECT_EQ(code(files.read(at("missing"))), ENOENT);
+    EXPECT_EQ(code(files.read(at("folder"))), EISDIR);
+    EXPECT_EQ(code(files.read(at("fifo"))), EINVAL);
+    EXPECT_EQ(code(files.read(at("circle"))), ELOOP);
+    EXPECT_EQ(code(files.read("/dev/zero")), EINVAL);
+    EXPECT_EQ(code(files.read(fs::path(at("file").string() + std::string("\0x", 2)))), EINVAL);
+
+    const auto error = files.read(at("missing")).error();
+    EXPECT_EQ(error.description(), "open " + at("missing").string() + ": No such file or directory");
+}
+
+TEST_F(PosixFileSystemTest, refusesToReadBeyondItsBound) {
+    PosixFileSystem bounded(4);
+    directory.write("fits", "1234");
+    directory.write("exceeds", "12345");
+    EXPECT_EQ(bounded.read(at("fits")), "1234");
+    EXPECT_EQ(code(bounded.read(at("exceeds"))), EFBIG);
+    // The kernel says 0 bytes for these, so that only the reading itself can find out.
+    EXPECT_EQ(code(bounded.read("/proc/self/status")), EFBIG);
+}
+
+TEST_F(PosixFileSystemTest, existsFollowsLinksAndReportsDoubtAsExisting) {
+    directory.write("file", "");
+    fs::create_symlink("file", at("link"));
+    fs::create_symlink("nowhere", at("dangling"));
+    fs::create_symlink("circle", at("circle"));
+    EXPECT_TRUE(files.exists(at("file")));
+    EXPECT_TRUE(files.exists(at("link")));
+    EXPECT_TRUE(files.exists(directory.path()));
+    EXPECT_TRUE(files.exists(at("circle")));
+    EXPECT_FALSE(files.exists(at("dangling")));
+    EXPECT_FALSE(files.exists(at("missing")));
+    EXPECT_FALSE(files.exists(at("file/below")));
+}
+
+TEST_F(PosixFileSystemTest, linksLeadToTheirEndEvenWhereNothingIsYet) {
+    directory.write("folder/file", "");
+    fs::create_symlink("folder/file", at("relative"));
+    fs::create_symlink(at("relative"), at("chain"));
+    fs::create_symlink("../later", at("folder/dangling"));
+    fs::create_symlink("there", at("back"));
+    fs::create_symlink("back", at("there"));
+
+    EXPECT_EQ(files.resolveLink(at("folder/file")), at("folder/file"));
+    EXPECT_EQ(files.resolveLink(at("missing")), at("missing"));
+    EXPECT_EQ(files.resolveLink(at("relative")), at("folder/file"));
+    EXPECT_EQ(files.resolveLink(at("chain")), at("folder/file"));
+    EXPECT_EQ(files.resolveLink(at("folder/dangling")), at("folder/../later"));
+    EXPECT_EQ(code(files.resolveLink(at("back"))), ELOOP);
+}
+
+TEST_F(PosixFileSystemTest, somethingInTheWayIsAnErrorAndChangesNothing) {
+    directory.write("file", "old");
+    directory.write("folder/kept", "");
+    fs::create_symlink("file", at("link"));
+
+    EXPECT_EQ(code(files.createDirectories(at("file/below"))), ENOTDIR);
+    EXPECT_EQ(code(files.createDirectories(at("new/" + std::string(300, 'n')))), ENAMETOOLONG);
+    EXPECT_FALSE(fs::exists(at("new")));
+    EXPECT_EQ(code(files.writeFlushed(at("folder"), "x")), EISDIR);
+    EXPECT_EQ(code(files.writeFlushed(at("missing/file"), "x")), ENOENT);
+    EXPECT_EQ(code(files.rename(at("file"), at("folder"))), EISDIR);
+    EXPECT_EQ(code(files.rename(at("missing"), at("file"))), ENOENT);
+    EXPECT_EQ(code(files.flushDirectory(at("file"))), ENOTDIR);
+    EXPECT_EQ(code(files.remove(at("missing"))), ENOENT);
+    EXPECT_EQ(code(files.remove(at("folder"))), EISDIR);
+    EXPECT_EQ(directory.read("file"), "old");
+    EXPECT_TRUE(fs::exists(at("folder/kept")));
+
+    EXPECT_TRUE(files.remove(at("link")));
+    EXPECT_TRUE(fs::exists(at("file")));
+    EXPECT_TRUE(files.rename(at("file"), at("folder/kept")));
+    EXPECT_EQ(directory.read("folder/kept"), "old");
+}
+
+TEST_F(PosixFileSystemTest, aWriteThatDoesNotFitLeavesNothingBehind) {
+    rlimit old{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &old), 0);
+    const auto oldHandler = ::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{1000, old.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    const auto result = files.writeFlushed(at("file"), std::string(5000, 'x'));
+    ::setrlimit(RLIMIT_FSIZE, &old);
+    ::signal(SIGXFSZ, oldHandler);
+
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error(), (FileError{"write", at("file").string(), EFBIG}));
+    EXPECT_FALSE(fs::exists(at("file")));
+}
+
+} // namespace
+} // namespace tavrin
