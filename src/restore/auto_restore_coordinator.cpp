@@ -70,12 +70,7 @@ void AutoRestoreCoordinator::attempt(const SavedLayout& layout, int number) {
 
 void AutoRestoreCoordinator::report(const SavedLayout& layout, const RestoreResult& result) {
     if (collaborators_.restoreDebugStore)
-        collaborators_.restoreDebugStore->lastAttempt.set(
-            RestoreAttemptDiagnostics{.date = collaborators_.clock.now(),
-                                      .trigger = RestoreTriggerSource::automation,
-                                      .layoutName = layout.name,
-                                      .layoutKind = layout.kind,
-                                      .result = result});
+        collaborators_.restoreDebugStore->record(collaborators_.clock.now(), RestoreTriggerSource::automation, layout, result);
     if (onFeedback)
         onFeedback(result);
 }

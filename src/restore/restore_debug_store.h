@@ -11,6 +11,12 @@ namespace tavrin {
 class RestoreDebugStore {
 public:
     Observable<std::optional<RestoreAttemptDiagnostics>> lastAttempt;
+
+    /// Replaces the record with an attempt to restore `layout` that finished at `date`.
+    void record(Timestamp date, RestoreTriggerSource trigger, const SavedLayout& layout,
+                const RestoreResult& result) {
+        lastAttempt.set(RestoreAttemptDiagnostics{date, trigger, layout.name, layout.kind, result});
+    }
 };
 
 } // namespace tavrin

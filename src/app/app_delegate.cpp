@@ -1,0 +1,150 @@
+#include "app/app_delegate.h"
+
+#include "ports/system_events.h"
+
+#include <algorithm>
+
+namespace tavrin {
+
+AppDelegate::AppDelegate(const Platform& platform, UserInterfaceFactory& userInterface, ProcessID ownProcess)
+    : platform_(platform), resetCoordinator_(paths(), platform_.userDefaults),
+      resetOutcome_(resetCoordinator_.applyIfNeeded()), displaySnapshotProvider_(platform_.screenList),
+      windowListProvider_(platform_.windowList, platform_.runningApplications),
+      axWindowSnapshotProvider_(platform_.runningApplications, platform_.windowElements),
+      windowMover_(platform_.windowElements), runningApplicationResolver_(platform_.runningApplications),
+      permissionService_(platform_.accessibilityTrust, platform_.windowElements),
+      profileStore_(paths(), platform_.clock), settingsStore_(paths(), platform_.clock),
+      permissionStatusViewModel_(permissionService_, platform_.scheduler),
+      currentProfileViewModel_(displaySnapshotProvider_, profileStore_), profileListViewModel_(profileStore_),
+      shortcutManager_(settingsStore_, platform_.keyMonitors, platform_.clock),
+      captureService_({.windowProvider = windowListProvider_,
+                       .axWindowProvider = &axWindowSnapshotProvider_,
+                       .profileStore = profileStore_,
+                       .settingsStore = settingsStore_,
+                       .displaySnapshotProvider = displaySnapshotProvider_,
+                       .clock = platform_.clock},
+                      ownProcess),
+      restoreService_({.windowProvider = windowListProvider_,
+                       .windowMover = windowMover_,
+                       .displaySnapshotProvider = displaySnapshotProvider_,
+                       .settingsProvider = &settingsStore_,
+                       .pidResolver = runningApplicationResolver_,
+                       .permissionService = permissionService_},
+                      platform_.applicationHost.bundlePath()),
+      autoRestoreCoordinator_({.settingsProvider = settingsStore_,
+                               .profileProvider = profileStore_,
+                               .restoreService = restoreService_,
+                               .displaySnapshotProvider = displaySnapshotProvider_,
+                               .restoreDebugStore = &restoreDebugStore_,
+                               .systemEvents = platform_.systemEvents,
+                               .scheduler = platform_.scheduler,
+                               .clock = platform_.clock}),
+      launchAtLoginService_(platform_.loginItem), popover_(userInterface.makePopover()),
+      settingsWindow_(userInterface.makeSettingsWindow({
+          .permissionStatusViewModel = permissionStatusViewModel_,
+          .profileListViewModel = profileListViewModel_,
+          .currentProfileViewModel = currentProfileViewModel_,
+          .shortcutManager = shortcutManager_,
+          .settingsStore = settingsStore_,
+          .captureService = captureService_,
+          .profileStore = profileStore_,
+          .restoreDebugStore = restoreDebugStore_,
+          .launchAtLoginService = launchAtLoginService_,
+      })),
+      settingsWindowController_(*settingsWindow_, platform_.applicationHost, resetCoordinator_),
+      capturePopoverController_(captureService_, profileStore_, currentProfileViewModel_,
+                                profileListViewModel_, *popover_) {}
+
+void AppDelegate::applicationDidFinishLaunching() {
+    reconcileLaunchAtLogin();
+    profileListViewModel_.reload();
+    if (!statusItemController_)
+        statusItemController_ = std::make_unique<StatusItemController>(StatusItemController::Collaborators{
+            .permissionStatusViewModel = permissionStatusViewModel_,
+            .settingsWindowController = settingsWindowController_,
+            .currentProfileViewModel = currentProfileViewModel_,
+            .profileListViewModel = profileListViewModel_,
+            .capturePopoverController = capturePopoverController_,
+            .profileStore = profileStore_,
+            .restoreService = restoreService_,
+            .restoreDebugStore = restoreDebugStore_,
+            .shortcutManager = shortcutManager_,
+            .statusItem = platform_.statusItem,
+            .host = platform_.applicationHost,
+            .linkOpener = platform_.linkOpener,
+            .scheduler = platform_.scheduler,
+            .clock = platform_.clock,
+        });
+
+    // The services that call back live in this object, so these callbacks cannot outlive it.
+    autoRestoreCoordinator_.onFeedback = [this](const RestoreResult& result) {
+        statusItemController_->showRestoreFeedback(result);
+    };
+    shortcutManager_.onAutoDetect = [this] { restoreMatchedDefaultLayout(); };
+    shortcutManager_.onLayoutRestore = [this](const Uuid& layoutID) { restoreLayout(layoutID); };
+
+    permissionSubscription_ = permissionStatusViewModel_.state.subscribe(
+        [this](AccessibilityPermissionState state) { permissionChanged(state); });
+    if (observers_.empty())
+        for (const SystemEvent event : {SystemEvent::screenParametersChanged, SystemEvent::didWake,
+                                        SystemEvent::screenIsUnlocked, SystemEvent::didBecomeActive})
+            observers_.push_back(platform_.systemEvents.observe(event, [this] { refresh(); }));
+    refresh();
+}
+
+AppSupportPaths AppDelegate::paths() const {
+    return {platform_.fileSystem, platform_.applicationSupportDirectory / "Tavrin"};
+}
+
+void AppDelegate::reconcileLaunchAtLogin() {
+    auto settings = settingsStore_.load();
+    if (!settings)
+        return;
+    const bool isEnabled = launchAtLoginService_.isEnabled();
+    if (settings->launchAtLogin == isEnabled)
+        return;
+    if (settings->launchAtLogin && launchAtLoginService_.enable())
+        return;
+    // Enabling failed, or the user enabled it elsewhere: the program never disables a login item by itself.
+    settings->launchAtLogin = !settings->launchAtLogin;
+    static_cast<void>(settingsStore_.save(*settings));
+}
+
+void AppDelegate::permissionChanged(AccessibilityPermissionState state) {
+    if (state == AccessibilityPermissionState::granted) {
+        shortcutManager_.start();
+        autoRestoreCoordinator_.start();
+    } else {
+        shortcutManager_.stop();
+        autoRestoreCoordinator_.stop();
+    }
+}
+
+void AppDelegate::refresh() {
+    permissionStatusViewModel_.refresh();
+    currentProfileViewModel_.refresh();
+}
+
+void AppDelegate::restoreMatchedDefaultLayout() {
+    refresh();
+    if (const auto layout =
+            MatchedDefaultLayoutResolver(profileStore_).resolve(displaySnapshotProvider_.currentSnapshot()))
+        restoreByShortcut(*layout);
+}
+
+void AppDelegate::restoreLayout(const Uuid& layoutID) {
+    permissionStatusViewModel_.refresh();
+    const auto layouts = profileStore_.loadLayouts();
+    if (!layouts)
+        return;
+    if (const auto layout = std::ranges::find(*layouts, layoutID, &SavedLayout::id); layout != layouts->end())
+        restoreByShortcut(*layout);
+}
+
+void AppDelegate::restoreByShortcut(const SavedLayout& layout) {
+    const RestoreResult result = restoreService_.restore(layout);
+    restoreDebugStore_.record(platform_.clock.now(), RestoreTriggerSource::shortcut, layout, result);
+    statusItemController_->showRestoreFeedback(result);
+}
+
+} // namespace tavrin

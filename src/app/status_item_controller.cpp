@@ -1,0 +1,121 @@
+#include "app/status_item_controller.h"
+
+#include <algorithm>
+
+namespace tavrin {
+
+StatusItemController::StatusItemController(Collaborators collaborators) : collaborators_(collaborators) {
+    StatusItemSurface& statusItem = collaborators_.statusItem;
+    statusItem.setToolTip("Tavrin");
+    showNormalIcon();
+    rebuildMenu();
+    statusItem.setMenuCallbacks(
+        [this] { menuNeedsUpdate(); },
+        [this](MenuAction action, const std::optional<Uuid>& layoutID) { perform(action, layoutID); });
+    const auto rebuild = [this](const auto&) { rebuildMenuSoon(); };
+    subscriptions_.push_back(collaborators_.permissionStatusViewModel.state.subscribe(rebuild));
+    subscriptions_.push_back(collaborators_.currentProfileViewModel.currentProfileName.subscribe(rebuild));
+    subscriptions_.push_back(collaborators_.currentProfileViewModel.suggestedProfileName.subscribe(rebuild));
+    subscriptions_.push_back(collaborators_.profileListViewModel.profiles.subscribe(rebuild));
+    subscriptions_.push_back(collaborators_.shortcutManager.layoutShortcuts.subscribe(rebuild));
+    statusItem.show();
+}
+
+StatusItemController::~StatusItemController() {
+    collaborators_.statusItem.setMenuCallbacks({}, {});
+}
+
+void StatusItemController::showRestoreFeedback(const RestoreResult& result) {
+    collaborators_.statusItem.setTemplateImage(feedbackSymbol(result));
+    feedbackTask_ = collaborators_.scheduler.after(feedbackDuration, [this] { showNormalIcon(); });
+}
+
+void StatusItemController::perform(MenuAction action, const std::optional<Uuid>& layoutID) {
+    switch (action) {
+    case MenuAction::none:
+        return;
+    case MenuAction::saveCurrentLayout:
+        return collaborators_.capturePopoverController.show();
+    case MenuAction::quickUpdateLayout:
+        return layoutID ? quickUpdateLayout(*layoutID) : void();
+    case MenuAction::restoreLayout:
+        return layoutID ? restoreLayout(*layoutID) : void();
+    case MenuAction::confirmSuggestedProfile:
+        return collaborators_.currentProfileViewModel.confirmSuggestedProfile();
+    case MenuAction::openSettings:
+        return collaborators_.settingsWindowController.show(SettingsPane::layouts);
+    case MenuAction::openAccessibilitySettings:
+        static_cast<void>(collaborators_.linkOpener.openAccessibilitySettings());
+        return;
+    case MenuAction::recheckPermission:
+        collaborators_.permissionStatusViewModel.recheckAndPoll();
+        return collaborators_.currentProfileViewModel.refresh();
+    case MenuAction::quit:
+        return collaborators_.host.terminate();
+    }
+}
+
+void StatusItemController::restoreLayout(const Uuid& layoutID) {
+    collaborators_.permissionStatusViewModel.refresh();
+    const auto saved = layout(layoutID);
+    if (!saved)
+        return;
+    const RestoreResult result = collaborators_.restoreService.restore(*saved);
+    collaborators_.restoreDebugStore.record(collaborators_.clock.now(), RestoreTriggerSource::menuBar, *saved, result);
+    showRestoreFeedback(result);
+}
+
+void StatusItemController::quickUpdateLayout(const Uuid& layoutID) {
+    if (const auto saved = layout(layoutID))
+        collaborators_.capturePopoverController.updateLayout(saved->name, saved->profileID);
+}
+
+void StatusItemController::menuNeedsUpdate() {
+    collaborators_.permissionStatusViewModel.recheck();
+    collaborators_.currentProfileViewModel.refresh();
+    rebuildMenu();
+}
+
+void StatusItemController::showNormalIcon() {
+    if (!collaborators_.statusItem.setTemplateImage("MenuBarGlyph"))
+        collaborators_.statusItem.setTitle("T");
+}
+
+void StatusItemController::rebuildMenu() {
+    rebuildTask_.release();
+    CurrentProfileViewModel& current = collaborators_.currentProfileViewModel;
+    collaborators_.statusItem.setMenu(statusItemMenu(
+        {.permission = collaborators_.permissionStatusViewModel.state.value(),
+         .currentProfileName = current.currentProfileName.value(),
+         .suggestedProfileName = current.suggestedProfileName.value(),
+         .matchExplanation = current.matchExplanation.value(),
+         .requiresConfirmation = current.requiresConfirmation.value(),
+         .matchedProfile = current.currentProfile(),
+         .profiles = collaborators_.profileListViewModel.profiles.value(),
+         .layouts = collaborators_.profileStore.loadLayouts().value_or(std::vector<SavedLayout>{}),
+         .layoutShortcuts = collaborators_.shortcutManager.layoutShortcuts.value(),
+         .version = collaborators_.host.shortVersion()}));
+}
+
+void StatusItemController::rebuildMenuSoon() {
+    // One refresh publishes several values; one menu is enough for them.
+    rebuildTask_ = collaborators_.scheduler.after(Seconds{0}, [this] { rebuildMenu(); });
+}
+
+std::optional<SavedLayout> StatusItemController::layout(const Uuid& layoutID) {
+    const auto layouts = collaborators_.profileStore.loadLayouts();
+    if (!layouts)
+        return std::nullopt;
+    const auto found = std::ranges::find(*layouts, layoutID, &SavedLayout::id);
+    return found == layouts->end() ? std::nullopt : std::optional(*found);
+}
+
+std::string feedbackSymbol(const RestoreResult& result) {
+    if (result.isCompleteSuccess())
+        return "checkmark.circle.fill";
+    if (result.isPartialSuccess())
+        return "exclamationmark.triangle.fill";
+    return "xmark.circle";
+}
+
+} // namespace tavrin

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "app/status_item_menu.h"
+#include "ports/link_opener.h"
+#include "ports/restore_servicing.h"
+#include "ports/scheduler.h"
+#include "ports/status_item_surface.h"
+#include "restore/restore_debug_store.h"
+#include "session/permission_status_view_model.h"
+#include "shortcuts/shortcut_manager.h"
+#include "ui/capture_popover_controller.h"
+#include "ui/settings_window_controller.h"
+
+#include <vector>
+
+namespace tavrin {
+
+/// The status item: its icon, its menu, and what the menu's items do. The menu is built anew whenever
+/// something it shows has changed, and again each time it opens.
+class StatusItemController {
+public:
+    struct Collaborators {
+        PermissionStatusViewModel& permissionStatusViewModel;
+        SettingsWindowController& settingsWindowController;
+        CurrentProfileViewModel& currentProfileViewModel;
+        ProfileListViewModel& profileListViewModel;
+        CapturePopoverController& capturePopoverController;
+        ProfileStore& profileStore;
+        RestoreServicing& restoreService;
+        RestoreDebugStore& restoreDebugStore;
+        ShortcutManager& shortcutManager;
+        StatusItemSurface& statusItem;
+        ApplicationHost& host;
+        LinkOpener& linkOpener;
+        Scheduler& scheduler;
+        WallClock& clock;
+    };
+
+    static constexpr Seconds feedbackDuration{1.5};
+
+    /// Shows the status item.
+    explicit StatusItemController(Collaborators collaborators);
+    ~StatusItemController();
+
+    /// Shows on the icon for a moment how a restore went.
+    void showRestoreFeedback(const RestoreResult& result);
+
+private:
+    void perform(MenuAction action, const std::optional<Uuid>& layoutID);
+    void restoreLayout(const Uuid& layoutID);
+    void quickUpdateLayout(const Uuid& layoutID);
+    void menuNeedsUpdate();
+    void showNormalIcon();
+    void rebuildMenu();
+    void rebuildMenuSoon();
+    std::optional<SavedLayout> layout(const Uuid& layoutID);
+
+    Collaborators collaborators_;
+    std::vector<Token> subscriptions_;
+    Token rebuildTask_;
+    Token feedbackTask_; ///< ends the feedback shown last; a newer feedback replaces it
+};
+
+/// The name of the drawing that tells how a restore went.
+std::string feedbackSymbol(const RestoreResult& result);
+
+} // namespace tavrin

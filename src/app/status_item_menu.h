@@ -1,0 +1,32 @@
+#pragma once
+
+#include "records/accessibility_permission_state.h"
+#include "records/menu_model.h"
+#include "records/monitor_profile.h"
+#include "records/saved_layout.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tavrin {
+
+/// Everything that the status item's menu shows.
+struct StatusItemMenuContent {
+    AccessibilityPermissionState permission = AccessibilityPermissionState::unknown;
+    std::optional<std::string> currentProfileName;
+    std::optional<std::string> suggestedProfileName;
+    std::optional<std::string> matchExplanation;
+    bool requiresConfirmation = false;
+    std::optional<MonitorProfile> matchedProfile;
+    std::vector<MonitorProfile> profiles; ///< all, in the order of the list
+    std::vector<SavedLayout> layouts;     ///< all, in the order of the store
+    std::map<Uuid, KeyCombo> layoutShortcuts;
+    std::string version; ///< empty when there is none
+};
+
+/// The menu, item by item.
+MenuModel statusItemMenu(const StatusItemMenuContent& content);
+
+} // namespace tavrin
