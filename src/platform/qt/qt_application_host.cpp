@@ -1,5 +1,7 @@
 #include "platform/qt/qt_application_host.h"
 
+#include "platform/qt/icon_resources.h"
+
 #include <QApplication>
 #include <QFile>
 #include <QPointer>
@@ -41,6 +43,7 @@ QtApplicationHost::QtApplicationHost(QApplication& application) {
     // The application name is what Qt makes the window class of.
     application.setApplicationName(applicationId);
     application.setDesktopFileName(applicationId);
+    registerIconResources();
     application.setWindowIcon(
         QIcon::fromTheme(applicationId, QIcon(QStringLiteral(":/icons/org.tavrin.Tavrin.svg"))));
 
@@ -81,13 +84,17 @@ void QtApplicationHost::activate() {
     });
 }
 
-void QtApplicationHost::terminate() { QCoreApplication::exit(0); }
+void QtApplicationHost::terminate() {
+    QCoreApplication::exit(0);
+}
 
 std::filesystem::path QtApplicationHost::bundlePath() {
     return QFile::encodeName(QCoreApplication::applicationFilePath()).toStdString();
 }
 
-std::string QtApplicationHost::shortVersion() { return QCoreApplication::applicationVersion().toStdString(); }
+std::string QtApplicationHost::shortVersion() {
+    return QCoreApplication::applicationVersion().toStdString();
+}
 
 void QtApplicationHost::applicationStateChanged(Qt::ApplicationState state) {
     const bool wasActive = isActive_;

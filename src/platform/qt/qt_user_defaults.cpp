@@ -19,7 +19,9 @@ std::int64_t QtUserDefaults::integer(const std::string& key) {
     return isNumber ? value : 0;
 }
 
-bool QtUserDefaults::boolean(const std::string& key) { return text(key) == "true"; }
+bool QtUserDefaults::boolean(const std::string& key) {
+    return text(key) == "true";
+}
 
 void QtUserDefaults::setInteger(const std::string& key, std::int64_t value) {
     setText(key, QString::number(value));

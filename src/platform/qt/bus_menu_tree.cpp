@@ -1,0 +1,92 @@
+#include "platform/qt/bus_menu_tree.h"
+
+#include "platform/qt/menu_text.h"
+
+#include <utility>
+
+namespace tavrin {
+
+void BusMenuTree::replace(const MenuModel& menu) {
+    const auto known = std::exchange(identities_, {});
+    nodes_.clear();
+    topLevel_ = adopt(root, menu, known);
+}
+
+std::vector<int> BusMenuTree::adopt(int parent, const std::vector<MenuItem>& items,
+                                    const std::map<Identity, int>& known) {
+    std::vector<int> ids;
+    for (const MenuItem& item : items) {
+        Identity identity{parent, item.title, item.isSeparator, item.action, item.representedObject, 0};
+        while (identities_.contains(identity))
+            ++std::get<5>(identity);
+        const auto found = known.find(identity);
+        const int id = found == known.end() ? nextId_++ : found->second;
+        identities_.emplace(std::move(identity), id);
+
+        Node node{item, adopt(id, item.submenu, known)};
+        node.item.submenu.clear();
+        nodes_.emplace(id, std::move(node));
+        ids.push_back(id);
+    }
+    return ids;
+}
+
+const MenuItem* BusMenuTree::item(int id) const {
+    const auto found = nodes_.find(id);
+    return found == nodes_.end() ? nullptr : &found->second.item;
+}
+
+QVariantMap BusMenuTree::properties(int id, const QStringList& names) const {
+    QVariantMap properties;
+    const auto add = [&](const char* name, QVariant value) {
+        const auto key = QString::fromLatin1(name);
+        if (names.isEmpty() || names.contains(key))
+            properties.insert(key, std::move(value));
+    };
+    const auto found = nodes_.find(id);
+    if (found == nodes_.end()) {
+        if (id == root)
+            add("children-display", QStringLiteral("submenu"));
+        return properties;
+    }
+    const auto& [item, children] = found->second;
+    if (item.isSeparator) {
+        add("type", QStringLiteral("separator"));
+        return properties;
+    }
+    add("label", busMenuLabel(item.title));
+    if (!item.isEnabled)
+        add("enabled", false);
+    if (!children.empty())
+        add("children-display", QStringLiteral("submenu"));
+    if (item.keyEquivalent)
+        if (const auto shortcut = busMenuShortcut(*item.keyEquivalent); !shortcut.isEmpty())
+            add("shortcut", QVariant::fromValue(QList<QStringList>{shortcut}));
+    return properties;
+}
+
+BusMenuLayout BusMenuTree::layout(int id, int depth, const QStringList& names) const {
+    BusMenuLayout layout{id, properties(id, names), {}};
+    if (depth == 0)
+        return layout;
+    const auto found = nodes_.find(id);
+    const auto& children = found == nodes_.end() ? topLevel_ : found->second.children;
+    for (const int child : children)
+        layout.children.append(QDBusVariant(QVariant::fromValue(this->layout(child, depth - 1, names))));
+    return layout;
+}
+
+std::vector<int> BusMenuTree::ids() const {
+    std::vector<int> ids;
+    collectIds(topLevel_, ids);
+    return ids;
+}
+
+void BusMenuTree::collectIds(const std::vector<int>& children, std::vector<int>& ids) const {
+    for (const int id : children) {
+        ids.push_back(id);
+        collectIds(nodes_.at(id).children, ids);
+    }
+}
+
+} // namespace tavrin

@@ -1,0 +1,105 @@
+#include "platform/qt/panel_shade.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QPalette>
+
+namespace tavrin {
+namespace {
+
+const auto portalService = QLatin1String("org.freedesktop.portal.Desktop");
+const auto portalPath = QLatin1String("/org/freedesktop/portal/desktop");
+const auto settingsInterface = QLatin1String("org.freedesktop.portal.Settings");
+const auto appearanceGroup = QLatin1String("org.freedesktop.appearance");
+const auto colorSchemeKey = QLatin1String("color-scheme");
+
+/// The panel of these desktops is dark whatever the colour scheme of the windows is.
+bool desktopHasDarkPanel() {
+    for (const QByteArray& name : qgetenv("XDG_CURRENT_DESKTOP").split(':'))
+        for (const char* dark : {"GNOME", "Unity", "Pantheon"})
+            if (name.compare(dark, Qt::CaseInsensitive) == 0)
+                return true;
+    return false;
+}
+
+/// 1 prefers dark, 2 prefers light, anything else has no preference.
+std::optional<Shade> schemeShade(QVariant value) {
+    for (int depth = 0; depth < 2 && value.canConvert<QDBusVariant>(); ++depth)
+        value = value.value<QDBusVariant>().variant();
+    switch (value.toUInt()) {
+    case 1:
+        return Shade::dark;
+    case 2:
+        return Shade::light;
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+PanelShade::PanelShade(std::function<void()> changed) : changed_(std::move(changed)) {
+    auto bus = QDBusConnection::sessionBus();
+    bus.connect(portalService, portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
+                SLOT(settingChanged(QString, QString, QDBusVariant)));
+    auto* owners =
+        new QDBusServiceWatcher(portalService, bus, QDBusServiceWatcher::WatchForRegistration, this);
+    connect(owners, &QDBusServiceWatcher::serviceRegistered, this, &PanelShade::askPortal);
+    QCoreApplication::instance()->installEventFilter(this);
+    update();
+    askPortal();
+}
+
+Shade PanelShade::shadeOf(const QColor& color) {
+    return qGray(color.rgb()) < 128 ? Shade::dark : Shade::light;
+}
+
+bool PanelShade::eventFilter(QObject* object, QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange)
+        update();
+    return QObject::eventFilter(object, event);
+}
+
+void PanelShade::settingChanged(const QString& group, const QString& key, const QDBusVariant& value) {
+    if (group != appearanceGroup || key != colorSchemeKey)
+        return;
+    scheme_ = schemeShade(value.variant());
+    update();
+}
+
+void PanelShade::askPortal() {
+    auto message =
+        QDBusMessage::createMethodCall(portalService, portalPath, settingsInterface, QStringLiteral("Read"));
+    message.setAutoStartService(false);
+    message << QString(appearanceGroup) << QString(colorSchemeKey);
+    auto* call = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
+        call->deleteLater();
+        answered(*call);
+    });
+}
+
+void PanelShade::answered(QDBusPendingCallWatcher& call) {
+    const QDBusPendingReply<QDBusVariant> reply = call;
+    if (!reply.isValid())
+        return;
+    scheme_ = schemeShade(reply.value().variant());
+    update();
+}
+
+void PanelShade::update() {
+    auto shade = scheme_.value_or(shadeOf(QGuiApplication::palette().color(QPalette::Window)));
+    if (desktopHasDarkPanel())
+        shade = Shade::dark;
+    if (shade == shade_)
+        return;
+    shade_ = shade;
+    changed_();
+}
+
+} // namespace tavrin

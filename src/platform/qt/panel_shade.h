@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/qt/template_icon.h"
+
+#include <QObject>
+
+#include <functional>
+#include <optional>
+
+class QDBusPendingCallWatcher;
+class QDBusVariant;
+
+namespace tavrin {
+
+/// Whether the panels of this desktop are light or dark, as far as the desktop tells: by its kind, by the
+/// colour scheme of its settings portal, else by the program's own palette.
+class PanelShade final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit PanelShade(std::function<void()> changed);
+
+    Shade shade() const { return shade_; }
+
+    /// Whether dark windows go with `color`.
+    static Shade shadeOf(const QColor& color);
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+private Q_SLOTS:
+    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+
+private:
+    void askPortal();
+    void answered(QDBusPendingCallWatcher& call);
+    void update();
+
+    std::function<void()> changed_;
+    std::optional<Shade> scheme_; ///< what the portal says
+    Shade shade_ = Shade::light;
+};
+
+} // namespace tavrin
