@@ -1,0 +1,151 @@
+#include "platform/freedesktop/exec_line.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <filesystem>
+
+namespace tavrin {
+namespace {
+
+constexpr std::string_view escapedInQuotes = "\"`$\\";
+
+/// True when `word` begins with a shell-like name and an equal sign.
+bool isAssignment(std::string_view word) {
+    const auto equals = word.find('=');
+    return equals != std::string_view::npos && equals > 0 &&
+           std::ranges::all_of(word.substr(0, equals),
+                               [](unsigned char c) { return std::isalnum(c) || c == '_'; });
+}
+
+std::string baseName(std::string_view program) {
+    return std::string(program.substr(program.rfind('/') + 1));
+}
+
+} // namespace
+
+std::optional<std::vector<std::string>> execWords(std::string_view exec) {
+    std::vector<std::string> words;
+    std::string word;
+    bool isInWord = false;
+    bool isInQuotes = false;
+    bool isFieldCode = false; // the word holds one
+    const auto finishWord = [&] {
+        if (isInWord && !(isFieldCode && word.empty()))
+            words.push_back(word);
+        word.clear();
+        isInWord = isFieldCode = false;
+    };
+    for (std::size_t i = 0; i < exec.size(); ++i) {
+        const char c = exec[i];
+        if (c == '"') {
+            isInQuotes = !isInQuotes;
+            isInWord = true;
+        } else if (c == '\\' && isInQuotes && i + 1 < exec.size() &&
+                   escapedInQuotes.find(exec[i + 1]) != std::string_view::npos) {
+            word += exec[++i];
+        } else if (c == '%' && i + 1 < exec.size()) {
+            isInWord = true;
+            if (exec[++i] == '%')
+                word += '%';
+            else
+                isFieldCode = true;
+        } else if (!isInQuotes && (c == ' ' || c == '\t' || c == '\n')) {
+            finishWord();
+        } else {
+            word += c;
+            isInWord = true;
+        }
+    }
+    if (isInQuotes)
+        return std::nullopt;
+    finishWord();
+    return words;
+}
+
+std::string programOfCommand(const std::vector<std::string>& words) {
+    if (words.empty())
+        return {};
+    if (const auto first = baseName(words.front()); first != "env")
+        return first;
+    for (std::size_t i = 1; i < words.size(); ++i) {
+        if (words[i] == "-u" || words[i] == "-C") // these options have an argument of their own
+            ++i;
+        else if (!words[i].starts_with('-') && !isAssignment(words[i]))
+            return baseName(words[i]);
+    }
+    return {};
+}
+
+bool isInterpreter(std::string_view program) {
+    static constexpr std::array exact{"sh",
+                                      "bash",
+                                      "dash",
+                                      "zsh",
+                                      "fish",
+                                      "ksh",
+                                      "env",
+                                      "java",
+                                      "node",
+                                      "nodejs",
+                                      "mono",
+                                      "wine",
+                                      "wine64",
+                                      "gjs",
+                                      "ruby",
+                                      "lua",
+                                      "guile",
+                                      "php",
+                                      "electron",
+                                      "sudo",
+                                      "pkexec",
+                                      "gksu",
+                                      "kdesu",
+                                      "flatpak",
+                                      "snap",
+                                      "bwrap",
+                                      "xdg-open",
+                                      "gtk-launch",
+                                      "gio",
+                                      "nohup",
+                                      "setsid",
+                                      "systemd-run",
+                                      "dbus-launch",
+                                      "wine-preloader",
+                                      "wine64-preloader",
+                                      "ld-linux-x86-64.so.2"};
+    return std::ranges::find(exact, program) != exact.end() || program.starts_with("python") ||
+           program.starts_with("perl") || program.starts_with("tclsh") || program.starts_with("wish");
+}
+
+std::string quotedExecWord(std::string_view word) {
+    constexpr std::string_view reserved = " \t\n\"'\\><~|&;$*?#()`";
+    const bool needsQuotes = word.empty() || word.find_first_of(reserved) != std::string_view::npos;
+    std::string quoted;
+    for (const char c : word) {
+        if (escapedInQuotes.find(c) != std::string_view::npos)
+            quoted += '\\';
+        quoted += c;
+        if (c == '%')
+            quoted += '%';
+    }
+    if (needsQuotes)
+        quoted = '"' + quoted + '"';
+
+    std::string escaped; // once more, for the file's own escapes
+    for (const char c : quoted) {
+        if (c == '\\')
+            escaped += "\\\\";
+        else if (c == '\n')
+            escaped += "\\n";
+        else if (c == '\t')
+            escaped += "\\t";
+        else if (c == '\r')
+            escaped += "\\r";
+        else
+            escaped += c;
+    }
+    return escaped;
+}
+
+} // namespace tavrin

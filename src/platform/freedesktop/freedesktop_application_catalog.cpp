@@ -1,0 +1,96 @@
+#include "platform/freedesktop/freedesktop_application_catalog.h"
+
+#include "base/text.h"
+#include "platform/freedesktop/application_matcher.h"
+#include "platform/freedesktop/process_facts.h"
+#include "platform/freedesktop/xdg_paths.h"
+
+#include <utility>
+
+namespace tavrin {
+namespace {
+
+constexpr std::size_t maximumClueLength = 256;
+constexpr std::size_t maximumAnswers = 4096;
+
+std::optional<std::string> clean(const std::optional<std::string>& clue) {
+    if (!clue)
+        return std::nullopt;
+    auto text = trimmed(sanitizedUtf8(*clue, maximumClueLength));
+    return text.empty() ? std::nullopt : std::optional(std::move(text));
+}
+
+std::optional<std::string> presentText(const std::string& text) {
+    return text.empty() ? std::nullopt : std::optional(text);
+}
+
+/// The identity of an application that is not installed.
+ApplicationIdentity identityByClass(const ApplicationClues& clues, const ProcessFacts& facts) {
+    ApplicationIdentity identity;
+    if (clues.instanceName && clues.className)
+        identity.bundleIdentifier = *clues.instanceName + "." + *clues.className;
+    for (const auto& text : {clues.className, clues.instanceName, clues.applicationID,
+                             facts.programs.empty() ? std::nullopt : std::optional(facts.programs.front())}) {
+        if (!identity.bundleIdentifier)
+            identity.bundleIdentifier = text;
+        if (!identity.name)
+            identity.name = text;
+    }
+    return identity;
+}
+
+} // namespace
+
+FreedesktopApplicationCatalog::FreedesktopApplicationCatalog(const Environment& environment)
+    : FreedesktopApplicationCatalog(
+          DesktopEntryIndex(XdgPaths(environment).applicationDirectories(), messageLocales(environment)),
+          "/proc") {}
+
+FreedesktopApplicationCatalog::FreedesktopApplicationCatalog(DesktopEntryIndex index,
+                                                             std::filesystem::path procRoot)
+    : index_(std::move(index)), procRoot_(std::move(procRoot)) {}
+
+void FreedesktopApplicationCatalog::refresh() {
+    index_.refresh();
+    if (index_.generation() == answersGeneration_ && answers_.size() < maximumAnswers)
+        return;
+    answers_.clear();
+    answersGeneration_ = index_.generation();
+}
+
+ApplicationIdentity FreedesktopApplicationCatalog::identify(const ApplicationClues& clues) {
+    refresh();
+    Question question{
+        {clues.pid, clean(clues.applicationID), clean(clues.instanceName), clean(clues.className)}};
+    if (clues.pid)
+        question.processStartTime = processStartTime(procRoot_, *clues.pid).value_or(0);
+    const auto known = answers_.find(question);
+    if (known != answers_.end())
+        return known->second;
+    auto identity = find(question.clues);
+    answers_.emplace(std::move(question), identity);
+    return identity;
+}
+
+ApplicationIdentity FreedesktopApplicationCatalog::find(const ApplicationClues& clues) const {
+    const auto facts = clues.pid ? processFacts(procRoot_, *clues.pid) : ProcessFacts();
+    auto identity = identityByClass(clues, facts);
+    if (const auto* application = matchApplication(index_, clues, facts)) {
+        const auto& entry = application->entry;
+        identity.bundleIdentifier = entry.id;
+        if (!entry.name.empty())
+            identity.name = entry.name;
+        else if (!identity.name)
+            identity.name = entry.id;
+        identity.iconName = presentText(entry.icon);
+    }
+    return identity;
+}
+
+std::optional<std::string> FreedesktopApplicationCatalog::iconName(const std::string& bundleIdentifier) {
+    refresh();
+    const auto* application = index_.find(bundleIdentifier);
+    return application == nullptr ? std::nullopt : presentText(application->entry.icon);
+}
+
+} // namespace tavrin

@@ -1,0 +1,34 @@
+#include "platform/freedesktop/installed_application.h"
+
+#include "base/text.h"
+#include "platform/freedesktop/exec_line.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tavrin {
+
+std::string foldedApplicationName(std::string_view name) {
+    auto folded = lowercased(name);
+    std::ranges::replace(folded, ' ', '-');
+    return folded;
+}
+
+InstalledApplication::InstalledApplication(DesktopEntry description) : entry(std::move(description)) {
+    constexpr std::string_view extension = ".desktop";
+    foldedID = foldedApplicationName(entry.id);
+    foldedStem = foldedID;
+    if (foldedStem.ends_with(extension))
+        foldedStem.resize(foldedStem.size() - extension.size());
+    if (std::ranges::count(foldedStem, '.') >= 2)
+        foldedLastPart = foldedStem.substr(foldedStem.rfind('.') + 1);
+    foldedStartupClass = foldedApplicationName(entry.startupWMClass);
+    const auto words = execWords(entry.exec).value_or(std::vector<std::string>());
+    if (auto name = programOfCommand(words); !isInterpreter(name)) {
+        foldedProgram = foldedApplicationName(name);
+        program = std::move(name);
+        hasArguments = words.size() > 1;
+    }
+}
+
+} // namespace tavrin

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "records/window_info.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrin {
+
+/// The application that a session manager, Flatpak or snap named when it started a group of processes.
+struct LaunchedApplication {
+    enum class Kind { desktop, flatpak, snap };
+    Kind kind = Kind::desktop;
+    std::vector<std::string> ids; ///< without ".desktop", the likeliest first
+
+    bool operator==(const LaunchedApplication&) const = default;
+};
+
+/// What the content of a process's cgroup file says; absent where no application is named.
+std::optional<LaunchedApplication> launchedApplication(std::string_view cgroupFile);
+
+/// What the kernel tells of a process; empty for one that is gone or may not be looked at.
+struct ProcessFacts {
+    std::optional<LaunchedApplication> launched;
+
+    /// The names of the process's own program: as it was called, of the script it runs, of its file.
+    /// Interpreters are left out.
+    std::vector<std::string> programs;
+
+    /// The programs of its parents that were started together with it. A parent that only runs a script
+    /// (many programs are started by one) is left out.
+    std::vector<std::string> parentPrograms;
+
+    bool operator==(const ProcessFacts&) const = default;
+};
+
+/// `procRoot` is where the kernel's process files are, usually /proc.
+ProcessFacts processFacts(const std::filesystem::path& procRoot, ProcessID pid);
+
+/// Together with the number this names a process for all time; absent for one that is gone.
+std::optional<std::uint64_t> processStartTime(const std::filesystem::path& procRoot, ProcessID pid);
+
+} // namespace tavrin
