@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/x11/x11_event_connection.h"
+#include "platform/x11/x11_screen_list.h"
+#include "platform/x11/x11_window_manager.h"
+
+#include <functional>
+
+namespace tavrin {
+
+/// Watches for changes of the screens and of the window manager.
+class X11DesktopWatch {
+public:
+    X11DesktopWatch(X11EventConnection& connection, X11ScreenList& screens, X11WindowManager& windowManager);
+
+    /// A screen came, went, moved or changed its size, or the scale changed.
+    Token observeScreens(std::function<void()> handler) {
+        return screensChanged_.connect(std::move(handler));
+    }
+
+    /// A window manager started, ended or was replaced.
+    Token observeWindowManager(std::function<void()> handler) {
+        return windowManagerChanged_.connect(std::move(handler));
+    }
+
+private:
+    void handleEvent(const xcb_generic_event_t& event);
+    void reportChanges();
+    void watchCheckWindow();
+
+    X11EventConnection& connection_;
+    X11ScreenList& screens_;
+    X11WindowManager& windowManager_;
+    Signal<> screensChanged_;
+    Signal<> windowManagerChanged_;
+    double scale_;
+    xcb_window_t checkWindow_ = XCB_WINDOW_NONE;
+    bool haveScreensChanged_ = false;
+    bool haveResourcesChanged_ = false;
+    bool hasWindowManagerChanged_ = false;
+    Token events_;
+    Token batches_;
+};
+
+} // namespace tavrin

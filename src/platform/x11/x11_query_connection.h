@@ -1,0 +1,69 @@
+#pragma once
+
+#include "base/token.h"
+#include "platform/x11/x11_connection.h"
+#include "ports/scheduler.h"
+
+#include <chrono>
+#include <memory>
+#include <vector>
+
+namespace tavrin {
+
+/// How old an answer may be.
+enum class Freshness {
+    now,    ///< the server is asked whether anything changed
+    recent, ///< a change of the last two milliseconds may be missing; many questions, hardly any round trip
+};
+
+/// Somebody who keeps a mirror of what the server said.
+class X11Mirror {
+public:
+    virtual ~X11Mirror() = default;
+
+    /// An event arrived (its type may carry the bit of a sent event).
+    virtual void handleEvent(const xcb_generic_event_t& event) = 0;
+
+    /// Nobody asked for some time: unselect what was selected and forget everything.
+    virtual void forget() = 0;
+};
+
+/// The connection for questions. It is used synchronously and never watched: events are selected only while
+/// questions come in, and read together with the answers, so an idle program is never woken by them.
+class X11QueryConnection {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    X11QueryConnection(std::unique_ptr<X11Connection> connection, Scheduler& scheduler);
+
+    X11Connection& server() { return *connection_; }
+    xcb_connection_t* get() const { return connection_->get(); }
+    const X11Atoms& atoms() const { return connection_->atoms(); }
+    xcb_window_t root() const { return connection_->root(); }
+
+    /// Mirrors are told of every event, in order of joining; they must outlive this object's use.
+    void join(X11Mirror& mirror) { mirrors_.push_back(&mirror); }
+
+    /// Has the mirrors told of everything that happened, as far as `freshness` demands. Between the first
+    /// call and some idle seconds after the last one, changes of the root window and of the screens are
+    /// selected. False when the server is gone.
+    bool bringUpToDate(Freshness freshness);
+
+    /// Waits until at least one event came and was passed on; false at `deadline` or without a server.
+    bool waitForEvents(Clock::time_point deadline);
+
+private:
+    bool dispatchEvents();
+    void beginUse();
+    void endUseWhenIdle();
+
+    std::unique_ptr<X11Connection> connection_;
+    Scheduler& scheduler_;
+    std::vector<X11Mirror*> mirrors_;
+    bool isInUse_ = false;
+    Clock::time_point lastUse_;
+    Clock::time_point lastRoundTrip_;
+    Token idleTimer_;
+};
+
+} // namespace tavrin

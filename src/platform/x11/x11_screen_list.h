@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/x11/x11_connection.h"
+#include "ports/screen_list.h"
+
+namespace tavrin {
+
+/// The monitors with their hardware identity and what panels leave free of them. Nothing is remembered:
+/// every answer comes from the server, in a handful of round trips.
+class X11ScreenList final : public ScreenList {
+public:
+    explicit X11ScreenList(X11Connection& server) : server_(server) {}
+
+    std::vector<Screen> screens() override;
+
+    /// The scale that the desktop asks for, the same for all screens; 1 where it does not.
+    double backingScaleFactor();
+
+private:
+    X11Connection& server_;
+};
+
+} // namespace tavrin

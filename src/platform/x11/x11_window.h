@@ -1,0 +1,62 @@
+#pragma once
+
+#include "platform/x11/window_frame.h"
+#include "ports/application_catalog.h"
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tavrin {
+
+/// What a window is for, as far as it matters here.
+enum class WindowKind {
+    standard,
+    dialog,
+    floating,       ///< a palette or torn-off tool bar
+    desktopElement, ///< wallpaper, panel, menu, notification: never listed
+};
+
+/// The states the window manager keeps for a window.
+struct WindowStates {
+    bool isHidden = false; ///< minimised
+    bool isFullscreen = false;
+    bool isMaximizedHorizontally = false;
+    bool isMaximizedVertically = false;
+    bool isShaded = false;
+
+    bool operator==(const WindowStates&) const = default;
+
+    /// A window in one of these states does not go where it is told.
+    bool isPinned() const {
+        return isFullscreen || isMaximizedHorizontally || isMaximizedVertically || isShaded;
+    }
+};
+
+/// A client window as the server and the window manager describe it.
+struct X11Window {
+    xcb_window_t id = XCB_WINDOW_NONE;
+    PixelRect client; ///< the window itself, without anything around it
+    std::int32_t borderWidth = 0;
+    bool isViewable = false;
+    FrameInsets decorations;
+    FrameInsets shadows;
+    bool drawsOwnShadows = false; ///< the client says how wide they are, even where it is nothing now
+    WindowStates states;
+    std::optional<std::uint32_t> desktop; ///< absent where there are no desktops
+    WindowKind kind = WindowKind::standard;
+    std::string title;
+    ApplicationClues clues;
+    ApplicationIdentity identity;
+
+    /// The server's own border counts like a frame where the window manager draws none.
+    WindowBorders borders() const {
+        if (borderWidth > 0 && decorations == FrameInsets{})
+            return {{borderWidth, borderWidth, borderWidth, borderWidth}, shadows};
+        return {decorations, shadows};
+    }
+};
+
+} // namespace tavrin

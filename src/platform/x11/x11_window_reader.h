@@ -1,0 +1,64 @@
+#pragma once
+
+#include "platform/x11/x11_connection.h"
+#include "platform/x11/x11_window.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace tavrin {
+
+/// What can be read of a window on its own, as a set of bits.
+enum class WindowPart : std::uint16_t {
+    none = 0,
+    visibility = 1 << 0,
+    geometry = 1 << 1,
+    title = 1 << 2,
+    windowClass = 1 << 3,
+    states = 1 << 4,
+    desktop = 1 << 5,
+    kind = 1 << 6,
+    decorations = 1 << 7,
+    shadows = 1 << 8,
+    applicationID = 1 << 9,
+    process = 1 << 10,
+    all = (1 << 11) - 1,
+};
+
+constexpr WindowPart operator|(WindowPart a, WindowPart b) {
+    return static_cast<WindowPart>(static_cast<std::uint16_t>(a) | static_cast<std::uint16_t>(b));
+}
+constexpr bool contains(WindowPart set, WindowPart part) {
+    return (static_cast<std::uint16_t>(set) & static_cast<std::uint16_t>(part)) != 0;
+}
+
+/// Reads windows: all requests of all windows are sent before the first answer is collected, so any number
+/// of windows costs one round trip.
+class X11WindowReader {
+public:
+    struct Task {
+        X11Window* window = nullptr;
+        WindowPart parts = WindowPart::all;
+        bool isGone = false; ///< the answer: the window does not exist any more
+    };
+
+    explicit X11WindowReader(X11Connection& server);
+
+    void read(std::span<Task> tasks) const;
+
+    /// The part that a change of the property outdates.
+    WindowPart partOf(xcb_atom_t property) const;
+
+private:
+    struct Requests;
+    Requests send(const Task& task) const;
+    void collect(const Requests& requests, Task& task) const;
+    void readClientIDs(std::span<Task> tasks) const;
+
+    X11Connection& server_;
+    std::string hostName_;
+};
+
+} // namespace tavrin

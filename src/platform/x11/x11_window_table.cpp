@@ -1,0 +1,223 @@
+#include "platform/x11/x11_window_table.h"
+
+#include "platform/x11/x11_monitors.h"
+#include "platform/x11/x11_property.h"
+#include "platform/x11/x11_reply.h"
+
+#include <algorithm>
+#include <set>
+
+namespace tavrin {
+namespace {
+
+/// Far more windows than any desktop holds; a longer list is cut.
+constexpr std::size_t windowLimit = 4096;
+
+constexpr std::uint32_t allDesktops = 0xFFFFFFFF;
+
+void selectWindowEvents(xcb_connection_t* connection, xcb_window_t window, std::uint32_t mask) {
+    xcb_change_window_attributes(connection, window, XCB_CW_EVENT_MASK, &mask);
+}
+
+} // namespace
+
+X11WindowTable::X11WindowTable(X11QueryConnection& connection, ApplicationCatalog& catalog)
+    : connection_(connection), catalog_(catalog), reader_(connection.server()) {
+    connection_.join(*this);
+}
+
+bool X11WindowTable::refresh(Freshness freshness) {
+    if (!connection_.bringUpToDate(freshness)) {
+        entries_.clear();
+        stacking_.clear();
+        windows_.clear();
+        return false;
+    }
+    if (isRootOutdated_)
+        readRoot();
+    readOutdated();
+    return hasWindowList_;
+}
+
+bool X11WindowTable::refreshPlaces() {
+    if (!connection_.bringUpToDate(Freshness::now))
+        return refresh(Freshness::recent);
+    for (auto& [id, entry] : entries_)
+        entry.outdated = entry.outdated | WindowPart::visibility | WindowPart::geometry;
+    return refresh(Freshness::recent);
+}
+
+const X11Window* X11WindowTable::find(xcb_window_t window) const {
+    const auto found = entries_.find(window);
+    return found == entries_.end() ? nullptr : &found->second.window;
+}
+
+bool X11WindowTable::isOnScreen(const X11Window& window) const {
+    const bool isOnDesktop = !window.desktop || !currentDesktop_ || *window.desktop == *currentDesktop_ ||
+                             *window.desktop == allDesktops;
+    return window.isViewable && !window.states.isHidden && isOnDesktop;
+}
+
+Rect X11WindowTable::frame(const X11Window& window) const {
+    return windowSpaceRect(visibleRect(window.client, window.borders()), primary_);
+}
+
+void X11WindowTable::markOutdated(xcb_window_t window, WindowPart parts) {
+    if (const auto found = entries_.find(window); found != entries_.end())
+        found->second.outdated = found->second.outdated | parts;
+}
+
+void X11WindowTable::readRoot() {
+    const auto& atoms = connection_.atoms();
+    auto* server = connection_.get();
+    const auto collect = [&](xcb_get_property_cookie_t cookie) {
+        return owned(xcb_get_property_reply(server, cookie, nullptr));
+    };
+    // From here on a change counts as news again, even one that happens before the answers come.
+    isRootOutdated_ = false;
+    const auto list =
+        requestProperty(server, connection_.root(), atoms.netClientListStacking, windowLimit * 4);
+    const auto desktop = requestProperty(server, connection_.root(), atoms.netCurrentDesktop, 4);
+    const auto active = requestProperty(server, connection_.root(), atoms.netActiveWindow, 4);
+    const auto monitors = requestMonitors(connection_.server());
+    const auto listReply = collect(list);
+    hasWindowList_ = listReply && listReply->format == 32;
+    takeWindowList(cardinals(listReply.get()));
+    currentDesktop_ = cardinal(collect(desktop).get());
+    activeWindow_ = cardinal(collect(active).get());
+    primary_ = primaryArea(collectMonitors(connection_.server(), monitors));
+}
+
+void X11WindowTable::takeWindowList(const std::vector<std::uint32_t>& bottomToTop) {
+    for (auto& [id, entry] : entries_)
+        entry.isListed = false;
+    stacking_.clear();
+    for (auto id = bottomToTop.rbegin(); id != bottomToTop.rend(); ++id) {
+        auto [found, isNew] = entries_.try_emplace(*id);
+        auto& entry = found->second;
+        if (entry.isListed)
+            continue;
+        entry.isListed = true;
+        stacking_.push_back(*id);
+        if (isNew) {
+            entry.window.id = *id;
+            // Selected before anything is read, so that no change falls between.
+            selectWindowEvents(connection_.get(), *id,
+                               XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+        }
+    }
+    for (auto entry = entries_.begin(); entry != entries_.end();) {
+        if (entry->second.isListed) {
+            ++entry;
+            continue;
+        }
+        selectWindowEvents(connection_.get(), entry->first, XCB_EVENT_MASK_NO_EVENT);
+        entry = entries_.erase(entry);
+    }
+    rebuildList();
+}
+
+void X11WindowTable::readOutdated() {
+    std::vector<X11WindowReader::Task> tasks;
+    for (auto& [id, entry] : entries_) {
+        if (entry.outdated == WindowPart::none)
+            continue;
+        tasks.push_back({.window = &entry.window, .parts = entry.outdated});
+        entry.outdated = WindowPart::none;
+    }
+    if (tasks.empty())
+        return;
+    reader_.read(tasks);
+    std::set<xcb_window_t> gone;
+    for (const auto& task : tasks) {
+        if (task.isGone)
+            gone.insert(task.window->id);
+        else if (contains(task.parts,
+                          WindowPart::windowClass | WindowPart::applicationID | WindowPart::process))
+            identify(*task.window);
+    }
+    if (gone.empty())
+        return;
+    for (const auto id : gone)
+        entries_.erase(id);
+    rebuildList();
+}
+
+void X11WindowTable::identify(X11Window& window) {
+    const auto known = identities_.find(window.clues);
+    window.identity = known != identities_.end()
+                          ? known->second
+                          : identities_.emplace(window.clues, catalog_.identify(window.clues)).first->second;
+}
+
+void X11WindowTable::rebuildList() {
+    std::erase_if(stacking_, [this](xcb_window_t id) { return !entries_.contains(id); });
+    windows_.clear();
+    for (const auto id : stacking_)
+        windows_.push_back(&entries_.at(id).window);
+}
+
+void X11WindowTable::handleRootProperty(xcb_atom_t property) {
+    const auto& atoms = connection_.atoms();
+    if (property == atoms.netClientListStacking || property == atoms.netActiveWindow) {
+        isRootOutdated_ = true;
+    } else if (property == atoms.netCurrentDesktop) {
+        isRootOutdated_ = true;
+        for (auto& [id, entry] : entries_)
+            entry.outdated = entry.outdated | WindowPart::visibility;
+    }
+}
+
+void X11WindowTable::handleEvent(const xcb_generic_event_t& event) {
+    const auto type = event.response_type & 0x7f;
+    const auto firstRandrEvent = connection_.server().extensions().randrFirstEvent;
+    switch (type) {
+    case XCB_PROPERTY_NOTIFY: {
+        const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        if (change.window == connection_.root())
+            handleRootProperty(change.atom);
+        else
+            markOutdated(change.window, reader_.partOf(change.atom));
+        return;
+    }
+    case XCB_CONFIGURE_NOTIFY: {
+        const auto window = reinterpret_cast<const xcb_configure_notify_event_t&>(event).window;
+        if (window == connection_.root())
+            isRootOutdated_ = true;
+        markOutdated(window, WindowPart::geometry);
+        return;
+    }
+    case XCB_REPARENT_NOTIFY:
+        markOutdated(reinterpret_cast<const xcb_reparent_notify_event_t&>(event).window,
+                     WindowPart::geometry | WindowPart::visibility);
+        return;
+    case XCB_MAP_NOTIFY:
+        markOutdated(reinterpret_cast<const xcb_map_notify_event_t&>(event).window, WindowPart::visibility);
+        return;
+    case XCB_UNMAP_NOTIFY:
+        markOutdated(reinterpret_cast<const xcb_unmap_notify_event_t&>(event).window, WindowPart::visibility);
+        return;
+    case XCB_DESTROY_NOTIFY:
+        if (entries_.erase(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window) > 0)
+            rebuildList();
+        return;
+    default:
+        if (connection_.server().extensions().hasMonitors &&
+            (type == firstRandrEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+             type == firstRandrEvent + XCB_RANDR_NOTIFY))
+            isRootOutdated_ = true;
+    }
+}
+
+void X11WindowTable::forget() {
+    for (const auto& [id, entry] : entries_)
+        selectWindowEvents(connection_.get(), id, XCB_EVENT_MASK_NO_EVENT);
+    entries_.clear();
+    stacking_.clear();
+    windows_.clear();
+    identities_.clear();
+    hasWindowList_ = false;
+    isRootOutdated_ = true;
+}
+
+} // namespace tavrin
