@@ -1,0 +1,29 @@
+#include "desktop_test.h"
+
+#include <iostream>
+
+namespace tavrin {
+
+void PrintTo(const Rect& rect, std::ostream* out) {
+    *out << rect.width << "x" << rect.height << "+" << rect.x << "+" << rect.y;
+}
+
+namespace desktop {
+
+void DesktopTest::begin(Desktop::Options options) {
+    const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
+    options.name = std::string(test->test_suite_name()) + "." + test->name();
+    for (auto& letter : options.name)
+        letter = letter == '/' ? '-' : letter;
+    desktop_ = std::make_unique<Desktop>(options);
+}
+
+void DesktopTest::TearDown() {
+    if (!HasFailure() || !desktop_)
+        return;
+    desktop_->takeScreenshot(desktop_->logs() + "/failure.png");
+    std::cerr << "Logs and a picture of the screen: " << desktop_->logs().toStdString() << '\n';
+}
+
+} // namespace desktop
+} // namespace tavrin

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "support/desktop/desktop.h"
+#include "support/desktop/wait.h"
+
+#include <gtest/gtest.h>
+
+namespace tavrin {
+
+void PrintTo(const Rect& rect, std::ostream* out);
+
+namespace desktop {
+
+/// A test on a private desktop of its own. A failing test leaves a picture of the screen beside its logs.
+class DesktopTest : public ::testing::Test {
+protected:
+    void begin(Desktop::Options options = {});
+    void TearDown() override;
+
+    Desktop& desktop() { return *desktop_; }
+    Windows& windows() { return desktop_->windows(); }
+    Outputs& outputs() { return desktop_->outputs(); }
+    Tray& tray() { return desktop_->tray(); }
+
+    /// Where the window is seen now; an empty rectangle when it is gone.
+    Rect seen(xcb_window_t window) { return windows().visibleFrame(window).value_or(Rect{}); }
+
+private:
+    std::unique_ptr<Desktop> desktop_;
+};
+
+} // namespace desktop
+} // namespace tavrin

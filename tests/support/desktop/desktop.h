@@ -1,0 +1,77 @@
+#pragma once
+
+#include "support/desktop/keyboard.h"
+#include "support/desktop/message_bus.h"
+#include "support/desktop/outputs.h"
+#include "support/desktop/test_client.h"
+#include "support/desktop/tray.h"
+#include "support/desktop/windows.h"
+#include "support/desktop/x_server.h"
+
+#include <QTemporaryDir>
+
+#include <memory>
+
+namespace tavrin::desktop {
+
+/// A whole private desktop: X server, window manager, session bus and a second bus standing in for the system
+/// bus, a home directory of its own. Everything ends with this object. Needs a QCoreApplication.
+class Desktop {
+public:
+    struct Options {
+        std::string name = "desktop"; ///< names the log folder
+        std::vector<Rect> displays{{0, 0, 1920, 1080}};
+        bool hasWindowManager = true;
+        bool hasTray = true;
+    };
+
+    /// Aborts with the log folder's path when a part does not come up: no test can go on without it.
+    explicit Desktop(const Options& options);
+    ~Desktop();
+
+    XConnection& x() { return *x_; }
+    Outputs& outputs() { return *outputs_; }
+    Windows& windows() { return *windows_; }
+    Keyboard& keyboard() { return *keyboard_; }
+    Tray& tray() { return *tray_; }
+    MessageBus& sessionBus() { return sessionBus_; }
+    MessageBus& systemBus() { return systemBus_; }
+    XServer& server() { return server_; }
+
+    /// What a program started on this desktop gets.
+    const QProcessEnvironment& environment() const { return environment_; }
+    QString home() const { return scratch_.filePath("home"); }
+    /// The folder of this desktop's logs; it stays when the desktop goes.
+    const QString& logs() const { return logs_; }
+    QString log(const QString& name) const { return logs_ + "/" + name + ".log"; }
+
+    bool startWindowManager();
+    void stopWindowManager();
+
+    /// A test application, started and ready.
+    std::unique_ptr<TestClient> startClient();
+    /// Any program of the machine; absent when it cannot be started.
+    std::unique_ptr<Process> startProgram(const QString& program, const QStringList& arguments = {});
+
+    /// Writes the picture of the whole screen as PNG.
+    bool takeScreenshot(const QString& file);
+
+private:
+    void prepareEnvironment();
+    xcb_window_t openProbe();
+
+    QTemporaryDir scratch_;
+    QString logs_;
+    QProcessEnvironment environment_;
+    XServer server_;
+    MessageBus sessionBus_;
+    MessageBus systemBus_;
+    std::unique_ptr<XConnection> x_;
+    std::unique_ptr<Outputs> outputs_;
+    std::unique_ptr<Windows> windows_;
+    std::unique_ptr<Keyboard> keyboard_;
+    std::unique_ptr<Tray> tray_;
+    std::unique_ptr<Process> windowManager_;
+};
+
+} // namespace tavrin::desktop

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "support/desktop/process.h"
+#include "support/desktop/windows.h"
+
+#include <csignal>
+
+namespace tavrin::desktop {
+
+/// A window to ask for. `frame` is what the client asks for; the window manager draws its borders around it.
+struct WindowRequest {
+    std::string applicationClass = "TestClient";
+    std::string title = "Untitled";
+    Rect frame{100, 100, 400, 300};
+    std::string type;               ///< such as "DIALOG"; empty for none
+    bool isDecorated = true;        ///< false asks for no title bar and border
+    std::array<int, 4> shadow{};    ///< client-side: left, right, top, bottom
+    std::array<int, 2> increment{}; ///< size steps of a terminal
+    std::optional<int> pid;         ///< another process than its own, to lie about it
+    std::string applicationID;      ///< _GTK_APPLICATION_ID; empty for none
+};
+
+/// An application of the test's making: one process with any number of windows.
+class TestClient {
+public:
+    TestClient(Windows& windows, const QProcessEnvironment& environment, const QString& log);
+
+    bool isRunning() const { return process_.isRunning(); }
+    qint64 pid() const { return process_.pid(); }
+
+    /// Opens a window and waits until the window manager has taken it up.
+    std::optional<xcb_window_t> open(const WindowRequest& request);
+    bool retitle(xcb_window_t window, const std::string& title);
+    bool destroy(xcb_window_t window);
+    /// From now on the first move of one of these windows makes all the others disappear.
+    bool vanishOnMove(const std::vector<xcb_window_t>& windows);
+
+    /// The process stops answering; its windows stay on the screen.
+    void hang() { process_.sendSignal(SIGSTOP); }
+    void resume() { process_.sendSignal(SIGCONT); }
+
+private:
+    std::optional<std::string> ask(const std::string& command);
+
+    Windows& windows_;
+    Process process_;
+};
+
+} // namespace tavrin::desktop

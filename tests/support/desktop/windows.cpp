@@ -1,0 +1,199 @@
+#include "support/desktop/windows.h"
+
+#include "support/desktop/wait.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tavrin::desktop {
+
+namespace {
+
+constexpr std::uint32_t staticGravity = 10;
+constexpr std::uint32_t sourceIsPager = 2;
+
+} // namespace
+
+void Windows::follow(xcb_window_t window) {
+    if (followed_.insert(window).second)
+        x_.watch(window);
+}
+
+std::vector<xcb_window_t> Windows::managed() {
+    auto windows = x_.cardinals(x_.root(), "_NET_CLIENT_LIST_STACKING");
+    // xfwm4 writes the stacking order only once something has been raised.
+    for (const auto window : x_.cardinals(x_.root(), "_NET_CLIENT_LIST"))
+        if (std::find(windows.begin(), windows.end(), window) == windows.end())
+            windows.push_back(window);
+    for (const auto window : windows)
+        follow(window);
+    return windows;
+}
+
+std::string Windows::title(xcb_window_t window) {
+    auto text = x_.text(window, "_NET_WM_NAME");
+    return text.empty() ? x_.text(window, "WM_NAME") : text;
+}
+
+std::optional<xcb_window_t> Windows::find(const std::string& wanted) {
+    for (const auto window : managed())
+        if (title(window) == wanted)
+            return window;
+    return std::nullopt;
+}
+
+std::optional<xcb_window_t> Windows::waitForTitle(const std::string& wanted) {
+    std::optional<xcb_window_t> found;
+    waitUntil([&] { return (found = find(wanted)) && isViewable(*found); });
+    return found;
+}
+
+bool Windows::waitUntilManaged(xcb_window_t window) {
+    // It is shown only after it has been put in its place.
+    return waitUntil([&] {
+        const auto windows = managed();
+        return std::find(windows.begin(), windows.end(), window) != windows.end() && isViewable(window);
+    });
+}
+
+std::uint32_t Windows::processOf(xcb_window_t window) {
+    const auto pid = x_.cardinals(window, "_NET_WM_PID");
+    return pid.empty() ? 0 : pid.front();
+}
+
+std::array<std::uint32_t, 4> Windows::frameExtents(xcb_window_t window) {
+    std::array<std::uint32_t, 4> sides{};
+    const auto values = x_.cardinals(window, "_NET_FRAME_EXTENTS");
+    if (values.size() == sides.size())
+        std::copy(values.begin(), values.end(), sides.begin());
+    return sides;
+}
+
+std::array<std::uint32_t, 4> Windows::shadows(xcb_window_t window) {
+    std::array<std::uint32_t, 4> sides{};
+    const auto values = x_.cardinals(window, "_GTK_FRAME_EXTENTS");
+    if (values.size() == sides.size())
+        std::copy(values.begin(), values.end(), sides.begin());
+    return sides;
+}
+
+std::optional<Rect> Windows::clientArea(xcb_window_t window) {
+    auto* c = x_.raw();
+    const auto geometryCookie = xcb_get_geometry(c, window);
+    const auto originCookie = xcb_translate_coordinates(c, window, x_.root(), 0, 0);
+    const Reply<xcb_get_geometry_reply_t> geometry{xcb_get_geometry_reply(c, geometryCookie, nullptr)};
+    const Reply<xcb_translate_coordinates_reply_t> origin{
+        xcb_translate_coordinates_reply(c, originCookie, nullptr)};
+    if (!geometry || !origin)
+        return std::nullopt;
+    return Rect{double(origin->dst_x), double(origin->dst_y), double(geometry->width),
+                double(geometry->height)};
+}
+
+std::optional<Rect> Windows::visibleFrame(xcb_window_t window) {
+    const auto area = clientArea(window);
+    if (!area)
+        return std::nullopt;
+    const auto [left, right, top, bottom] = frameExtents(window);
+    const auto [shadowLeft, shadowRight, shadowTop, shadowBottom] = shadows(window);
+    const double growLeft = double(left) - double(shadowLeft);
+    const double growTop = double(top) - double(shadowTop);
+    return Rect{area->x - growLeft, area->y - growTop,
+                area->width + growLeft + double(right) - double(shadowRight),
+                area->height + growTop + double(bottom) - double(shadowBottom)};
+}
+
+std::optional<Rect> Windows::outermost(xcb_window_t window) {
+    auto* c = x_.raw();
+    while (true) {
+        const Reply<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(c, xcb_query_tree(c, window), nullptr)};
+        if (!tree)
+            return std::nullopt;
+        if (tree->parent == x_.root() || tree->parent == XCB_NONE)
+            break;
+        window = tree->parent;
+    }
+    const Reply<xcb_get_geometry_reply_t> geometry{
+        xcb_get_geometry_reply(c, xcb_get_geometry(c, window), nullptr)};
+    if (!geometry)
+        return std::nullopt;
+    return Rect{double(geometry->x), double(geometry->y),
+                double(geometry->width) + 2 * geometry->border_width,
+                double(geometry->height) + 2 * geometry->border_width};
+}
+
+bool Windows::isViewable(xcb_window_t window) {
+    auto* c = x_.raw();
+    const Reply<xcb_get_window_attributes_reply_t> attributes{
+        xcb_get_window_attributes_reply(c, xcb_get_window_attributes(c, window), nullptr)};
+    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+}
+
+bool Windows::hasState(xcb_window_t window, const std::string& state) {
+    const auto states = x_.cardinals(window, "_NET_WM_STATE");
+    return std::find(states.begin(), states.end(), x_.atom(state)) != states.end();
+}
+
+bool Windows::isMaximised(xcb_window_t window) {
+    return hasState(window, "_NET_WM_STATE_MAXIMIZED_VERT") &&
+           hasState(window, "_NET_WM_STATE_MAXIMIZED_HORZ");
+}
+
+bool Windows::place(xcb_window_t window, const Rect& frame) {
+    follow(window);
+    const auto now = visibleFrame(window);
+    const auto area = clientArea(window);
+    if (!now || !area)
+        return false;
+    const bool isResized = now->width != frame.width || now->height != frame.height;
+    // With static gravity the numbers are the client's own rectangle, whatever is drawn around it.
+    const std::uint32_t parts = isResized ? 0xf00 : 0x300; // x, y, width, height
+    const auto number = [](double value) {
+        return static_cast<std::uint32_t>(static_cast<std::int32_t>(value));
+    };
+    x_.askWindowManager(window, "_NET_MOVERESIZE_WINDOW",
+                        {staticGravity | parts | sourceIsPager << 12, number(frame.x + area->x - now->x),
+                         number(frame.y + area->y - now->y), number(frame.width + area->width - now->width),
+                         number(frame.height + area->height - now->height)});
+    // Terminals take the nearest whole step.
+    const auto hints = x_.cardinals(window, "WM_NORMAL_HINTS");
+    const bool hasSteps = hints.size() > 10 && (hints[0] & 1U << 6);
+    const double stepWidth = hasSteps ? std::max(hints[9], 1U) : 1;
+    const double stepHeight = hasSteps ? std::max(hints[10], 1U) : 1;
+    return waitUntil([&] {
+        const auto seen = visibleFrame(window);
+        return seen && seen->x == frame.x && seen->y == frame.y &&
+               std::abs(seen->width - frame.width) < stepWidth &&
+               std::abs(seen->height - frame.height) < stepHeight;
+    });
+}
+
+bool Windows::maximise(xcb_window_t window) {
+    follow(window);
+    constexpr std::uint32_t add = 1;
+    x_.askWindowManager(window, "_NET_WM_STATE",
+                        {add, x_.atom("_NET_WM_STATE_MAXIMIZED_VERT"),
+                         x_.atom("_NET_WM_STATE_MAXIMIZED_HORZ"), sourceIsPager, 0});
+    return waitUntil([&] { return isMaximised(window); });
+}
+
+void Windows::activate(xcb_window_t window) {
+    x_.askWindowManager(window, "_NET_ACTIVE_WINDOW", {sourceIsPager, XCB_CURRENT_TIME, 0, 0, 0});
+}
+
+std::uint32_t Windows::processWithKeyboard() {
+    auto* c = x_.raw();
+    const Reply<xcb_get_input_focus_reply_t> focus{
+        xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr)};
+    if (!focus || focus->focus <= XCB_INPUT_FOCUS_POINTER_ROOT)
+        return 0;
+    for (xcb_window_t window = focus->focus; window != XCB_NONE && window != x_.root();) {
+        if (const auto pid = processOf(window))
+            return pid;
+        const Reply<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(c, xcb_query_tree(c, window), nullptr)};
+        window = tree ? tree->parent : XCB_NONE;
+    }
+    return 0;
+}
+
+} // namespace tavrin::desktop
