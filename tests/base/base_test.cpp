@@ -1,0 +1,92 @@
+#include "base/observable.h"
+#include "base/text.h"
+#include "base/timestamp.h"
+#include "base/uuid.h"
+#include "doubles/fake_time.h"
+
+#include <gtest/gtest.h>
+
+namespace tavrin {
+namespace {
+
+TEST(Text, TrimsWhiteSpaceAndLineBreaksOfAllScripts) {
+    EXPECT_EQ(trimmed(" \t\r\n a b\u00a0\u2003\u2028\n"), "a b");
+    EXPECT_EQ(trimmed("\u3000\n"), "");
+    EXPECT_EQ(trimmed("\xff x \xff"), "\xff x \xff") << "broken bytes are no white space";
+}
+
+TEST(Text, FoldsTitlesWithoutCaseAndDiacritics) {
+    EXPECT_EQ(foldedTitle("  ÉCOLE\n"), foldedTitle("ecole"));
+    EXPECT_EQ(foldedTitle("STRASSE"), foldedTitle("straße"));
+    EXPECT_EQ(foldedTitle("Ångström"), foldedTitle("A\u030angstrom"));
+    EXPECT_EQ(foldedTitle("ИЙ"), foldedTitle("ии"));
+    EXPECT_NE(foldedTitle("กา"), foldedTitle("กี")) << "vowel signs are no diacritics";
+    EXPECT_NE(foldedTitle("Report 1"), foldedTitle("Report 2"));
+}
+
+TEST(Text, CountsCharactersAsAPersonDoes) {
+    EXPECT_EQ(characterCount(""), 0u);
+    EXPECT_EQ(characterCount("e\u0301👨‍👩‍👧🇩🇪"), 3u);
+}
+
+TEST(Text, MakesForeignTextSafe) {
+    EXPECT_EQ(sanitizedUtf8("a\xffz", 100), "a\uFFFDz");
+    EXPECT_EQ(sanitizedUtf8("\xed\xa0\x80", 100).find('\xed'), std::string::npos) << "no lone surrogates";
+    EXPECT_EQ(sanitizedUtf8("ab€", 4), "ab") << "never half a character";
+    EXPECT_EQ(sanitizedUtf8("ab€", 5), "ab€");
+    EXPECT_EQ(sanitizedUtf8(std::string(10'000'000, '\xff'), 9).size(), 9u);
+}
+
+TEST(Uuid, IsReadInEitherCaseAndWrittenInUpperCase) {
+    const auto uuid = Uuid::parse("0f9a2b3c-4d5e-6f70-8192-a3b4c5d6e7f8");
+    ASSERT_TRUE(uuid);
+    EXPECT_EQ(uuid->text(), "0F9A2B3C-4D5E-6F70-8192-A3B4C5D6E7F8");
+    EXPECT_EQ(Uuid::parse(uuid->text()), uuid);
+    for (const char* text : {"", "0f9a2b3c4d5e6f708192a3b4c5d6e7f8", "0f9a2b3c-4d5e-6f70-8192-a3b4c5d6e7fg",
+                             "0f9a2b3c-4d5e-6f70-8192-a3b4c5d6e7f8 "})
+        EXPECT_FALSE(Uuid::parse(text)) << text;
+    EXPECT_NE(Uuid::random(), Uuid::random());
+}
+
+TEST(Timestamp, ReadsAndWritesIso8601) {
+    EXPECT_EQ(iso8601Text(testing::at(1'772'357'400) + std::chrono::milliseconds{999}), "2026-03-01T09:30:00Z");
+    EXPECT_EQ(iso8601Text(testing::at(-1)), "1969-12-31T23:59:59Z");
+    EXPECT_EQ(parseIso8601("2026-03-01T09:30:00Z"), testing::at(1'772'357'400));
+    EXPECT_EQ(parseIso8601("2026-03-01T10:30:00+01:00"), testing::at(1'772'357'400));
+    for (const char* text : {"", "2026-03-01", "2026-02-30T00:00:00Z", "2026-03-01T24:00:00Z", "2026-03-01T09:30:00",
+                             "2026-03-01T09:30:00.5Z", "2026-03-01 09:30:00Z", "2026-03-01T09:30:00Zx",
+                             "-026-03-01T09:30:00Z", "9999-01-01T00:00:00Z"})
+        EXPECT_FALSE(parseIso8601(text)) << text;
+}
+
+TEST(Observable, TellsTheCurrentValueAndEveryChangeUntilReleased) {
+    Observable<int> number{1};
+    std::vector<int> seen;
+    Token token = number.subscribe([&](int value) { seen.push_back(value); });
+    number.set(1);
+    number.set(2);
+    token.release();
+    number.set(3);
+    EXPECT_EQ(seen, (std::vector{1, 2}));
+}
+
+TEST(Signal, SurvivesCallbacksThatDisconnectAndDestroy) {
+    auto signal = std::make_unique<Signal<>>();
+    int calls = 0;
+    Token second;
+    Token first = signal->connect([&] {
+        ++calls;
+        second.release();
+    });
+    second = signal->connect([&] { calls += 100; });
+    Token third = signal->connect([&] {
+        ++calls;
+        signal.reset();
+    });
+    Token fourth = signal->connect([&] { calls += 100; });
+    signal->emit();
+    EXPECT_EQ(calls, 2);
+}
+
+} // namespace
+} // namespace tavrin

@@ -1,0 +1,183 @@
+#pragma once
+
+#include "base/signal.h"
+#include "ports/accessibility_permission_servicing.h"
+#include "ports/ax_window_snapshot_providing.h"
+#include "ports/display_snapshot_providing.h"
+#include "ports/key_monitors.h"
+#include "ports/restore_servicing.h"
+#include "ports/running_applications.h"
+#include "ports/system_events.h"
+#include "ports/user_defaults.h"
+#include "ports/window_elements.h"
+#include "ports/window_list_providing.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace tavrin::testing {
+
+struct FixedDisplays : DisplaySnapshotProviding {
+    DisplaySnapshotCollection snapshot;
+    DisplaySnapshotCollection currentSnapshot() override { return snapshot; }
+};
+
+struct FixedWindows : WindowListProviding {
+    std::vector<WindowInfo> windows;
+    std::vector<WindowInfo> currentWindows() override { return windows; }
+};
+
+struct FixedAXWindows : AXWindowSnapshotProviding {
+    std::vector<AXWindowSnapshot> snapshots;
+    int calls = 0;
+    std::vector<AXWindowSnapshot> currentSnapshots() override {
+        ++calls;
+        return snapshots;
+    }
+};
+
+struct FixedPermission : AccessibilityPermissionServicing {
+    AccessibilityPermissionState state = AccessibilityPermissionState::granted;
+    int prompts = 0;
+    AccessibilityPermissionState currentState() override { return state; }
+    AccessibilityPermissionState requestAccess() override {
+        ++prompts;
+        return state;
+    }
+    AccessibilityPermissionState recheckAccess() override { return state; }
+};
+
+struct FixedApplications : RunningApplications {
+    std::vector<RunningApplication> applications;
+    int lookups = 0;
+
+    std::vector<RunningApplication> runningApplications() override {
+        ++lookups;
+        return applications;
+    }
+    std::optional<RunningApplication> applicationWithProcessIdentifier(ProcessID pid) override {
+        ++lookups;
+        for (const auto& application : applications)
+            if (application.processIdentifier == pid)
+                return application;
+        return std::nullopt;
+    }
+    std::vector<RunningApplication> applicationsWithBundleIdentifier(const std::string& identifier) override {
+        ++lookups;
+        auto found = applications;
+        std::erase_if(found, [&](const auto& application) { return application.bundleIdentifier != identifier; });
+        return found;
+    }
+};
+
+/// Answers each restore with the next of `results`, the last one again and again.
+struct ScriptedRestores : RestoreServicing {
+    std::vector<RestoreResult> results;
+    std::vector<SavedLayout> restored;
+    RestoreResult restore(const SavedLayout& layout) override {
+        restored.push_back(layout);
+        return results.at(std::min(restored.size(), results.size()) - 1);
+    }
+};
+
+struct FakeEvents : SystemEvents {
+    std::map<SystemEvent, Signal<>> signals;
+    Token observe(SystemEvent event, std::function<void()> handler) override {
+        return signals[event].connect(std::move(handler));
+    }
+    void emit(SystemEvent event) { signals[event].emit(); }
+};
+
+struct FakeKeys : KeyMonitors {
+    Signal<KeyEvent> global;
+    std::function<bool(const KeyEvent&)> local;
+    Token addGlobalMonitor(std::function<void(const KeyEvent&)> handler) override {
+        return global.connect(std::move(handler));
+    }
+    Token addLocalMonitor(std::function<bool(const KeyEvent&)> handler) override {
+        local = std::move(handler);
+        return Token([this] { local = nullptr; });
+    }
+};
+
+struct FakeDefaults : UserDefaults {
+    std::map<std::string, std::int64_t> integers;
+    std::map<std::string, bool> booleans;
+    int writes = 0;
+    std::int64_t integer(const std::string& key) override { return integers[key]; }
+    bool boolean(const std::string& key) override { return booleans[key]; }
+    void setInteger(const std::string& key, std::int64_t value) override {
+        integers[key] = value;
+        ++writes;
+    }
+    void setBoolean(const std::string& key, bool value) override {
+        booleans[key] = value;
+        ++writes;
+    }
+};
+
+/// Elements whose attributes are a table; what is not in it answers `noValue`.
+class FakeElements : public WindowElements {
+public:
+    using Answer = std::expected<AXValue, AXError>;
+
+    struct Element : AXElementReference {
+        std::map<AXAttribute, Answer> attributes;
+    };
+
+    std::map<ProcessID, std::shared_ptr<Element>> applications;
+    std::shared_ptr<Element> system = std::make_shared<Element>();
+    std::map<AXAttribute, AXError> setResults; ///< success unless told
+    std::vector<std::pair<AXElement, AXAttribute>> sets;
+    int calls = 0;
+
+    /// A window of that process, behind those it has.
+    std::shared_ptr<Element> addWindow(ProcessID pid, Rect frame, std::string title,
+                                       std::optional<std::string> role = "AXWindow",
+                                       std::optional<std::string> subrole = "AXStandardWindow") {
+        auto window = std::make_shared<Element>();
+        window->attributes[AXAttribute::position] = Point{frame.x, frame.y};
+        window->attributes[AXAttribute::size] = Size{frame.width, frame.height};
+        window->attributes[AXAttribute::title] = std::move(title);
+        if (role)
+            window->attributes[AXAttribute::role] = *role;
+        if (subrole)
+            window->attributes[AXAttribute::subrole] = *subrole;
+        auto& windows = application(pid).attributes[AXAttribute::windows];
+        if (!windows || !std::holds_alternative<std::vector<AXElement>>(*windows))
+            windows = std::vector<AXElement>{};
+        std::get<std::vector<AXElement>>(*windows).push_back(window);
+        return window;
+    }
+
+    Element& application(ProcessID pid) {
+        auto& application = applications[pid];
+        if (!application)
+            application = std::make_shared<Element>();
+        return *application;
+    }
+
+    AXElement systemWideElement() override { return system; }
+    AXElement applicationElement(ProcessID pid, const std::optional<std::string>&) override {
+        application(pid);
+        return applications[pid];
+    }
+    Answer attribute(const AXElement& element, AXAttribute attribute) override {
+        ++calls;
+        const auto& attributes = std::static_pointer_cast<const Element>(element)->attributes;
+        const auto found = attributes.find(attribute);
+        return found == attributes.end() ? std::unexpected(AXError::noValue) : found->second;
+    }
+    AXError setAttribute(const AXElement& element, AXAttribute attribute, const AXValue& value) override {
+        sets.emplace_back(element, attribute);
+        const auto result = setResults.find(attribute);
+        if (result != setResults.end() && result->second != AXError::success)
+            return result->second;
+        std::const_pointer_cast<Element>(std::static_pointer_cast<const Element>(element))->attributes[attribute] =
+            value;
+        return AXError::success;
+    }
+};
+
+} // namespace tavrin::testing

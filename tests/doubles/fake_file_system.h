@@ -1,0 +1,80 @@
+#pragma once
+
+#include "ports/file_system.h"
+
+#include <cerrno>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace tavrin::testing {
+
+/// Files in memory that can be told to fail. A name in `failing` is the operation that fails with EIO.
+class FakeFileSystem : public FileSystem {
+public:
+    std::map<std::string, std::string> files;
+    std::map<std::string, std::string> links;
+    std::set<std::string> directories;
+    std::set<std::string> failing;
+    std::vector<std::string> log; ///< the operations that change something, in order
+
+    bool exists(const std::filesystem::path& path) override { return files.contains(path.string()); }
+
+    std::expected<std::string, FileError> read(const std::filesystem::path& path) override {
+        if (failing.contains("read") || !files.contains(path.string()))
+            return failure("read", path);
+        return files.at(path.string());
+    }
+
+    std::expected<void, FileError> createDirectories(const std::filesystem::path& path) override {
+        if (failing.contains("createDirectories"))
+            return failure("createDirectories", path);
+        directories.insert(path.string());
+        return {};
+    }
+
+    std::expected<std::filesystem::path, FileError> resolveLink(const std::filesystem::path& path) override {
+        const auto link = links.find(path.string());
+        return link == links.end() ? path : std::filesystem::path(link->second);
+    }
+
+    std::expected<void, FileError> writeFlushed(const std::filesystem::path& path, std::string_view bytes) override {
+        // A full disk leaves half a file behind.
+        const bool fails = failing.contains("writeFlushed");
+        files[path.string()] = std::string(bytes.substr(0, fails ? bytes.size() / 2 : bytes.size()));
+        return fails ? failure("writeFlushed", path) : done("write " + path.string());
+    }
+
+    std::expected<void, FileError> rename(const std::filesystem::path& from,
+                                          const std::filesystem::path& to) override {
+        if (failing.contains("rename"))
+            return failure("rename", to);
+        files[to.string()] = files.at(from.string());
+        files.erase(from.string());
+        return done("rename " + to.string());
+    }
+
+    std::expected<void, FileError> flushDirectory(const std::filesystem::path& path) override {
+        return failing.contains("flushDirectory") ? failure("flushDirectory", path)
+                                                  : done("flush " + path.string());
+    }
+
+    std::expected<void, FileError> remove(const std::filesystem::path& path) override {
+        if (failing.contains("remove"))
+            return failure("remove", path);
+        files.erase(path.string());
+        return done("remove " + path.string());
+    }
+
+private:
+    std::unexpected<FileError> failure(const char* operation, const std::filesystem::path& path) {
+        return std::unexpected(FileError{operation, path.string(), EIO});
+    }
+    std::expected<void, FileError> done(std::string line) {
+        log.push_back(std::move(line));
+        return {};
+    }
+};
+
+} // namespace tavrin::testing

@@ -1,0 +1,219 @@
+#include "base/text.h"
+#include "doubles/builders.h"
+#include "doubles/fake_file_system.h"
+#include "doubles/fake_time.h"
+#include "storage/profile_store.h"
+#include "storage/settings_store.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace tavrin {
+namespace {
+
+using testing::FakeFileSystem;
+
+const Uuid unknownID = *Uuid::parse("00000000-0000-4000-8000-000000000000");
+
+class StoreTest : public ::testing::Test {
+protected:
+    FakeFileSystem files;
+    testing::FakeTime time;
+    AppSupportPaths paths{files, "/data/Tavrin"};
+    ProfileStore store{paths, time};
+    SettingsStore settingsStore{paths, time};
+
+    MonitorProfile newProfile(std::string name = "Desk") { return store.createProfile(name, {}).value(); }
+
+    SavedLayout newLayout(const MonitorProfile& profile, std::string name = "Work") {
+        SavedLayout layout = testing::layout(name, {});
+        layout.profileID = profile.id;
+        EXPECT_TRUE(store.saveLayout(layout));
+        return layout;
+    }
+
+    MonitorProfile stored(const Uuid& profileID) {
+        const auto profiles = store.loadProfiles().value();
+        return *std::ranges::find(profiles, profileID, &MonitorProfile::id);
+    }
+};
+
+template <class Result>
+void expectError(const Result& result, const StoreError& error, const char* what) {
+    ASSERT_FALSE(result) << what;
+    EXPECT_EQ(result.error(), error) << what;
+}
+
+TEST_F(StoreTest, ReadsNothingAsEmptyAndCreatesNothing) {
+    EXPECT_EQ(store.loadProfiles(), std::vector<MonitorProfile>{});
+    EXPECT_EQ(store.loadLayouts(), std::vector<SavedLayout>{});
+    EXPECT_EQ(settingsStore.load(), AppSettings{});
+    EXPECT_TRUE(files.directories.empty());
+    newProfile();
+    EXPECT_TRUE(files.directories.contains("/data/Tavrin"));
+}
+
+TEST_F(StoreTest, KeepsProfilesAndLayoutsTogether) {
+    const auto desk = newProfile(" Desk\n");
+    EXPECT_EQ(desk.name, "Desk");
+    EXPECT_EQ(desk.createdAt, time.now());
+    const auto other = newProfile("Other");
+    const auto work = newLayout(desk);
+    const auto play = newLayout(desk, "Play");
+    const auto rest = newLayout(other, "Rest");
+    time.pass(60);
+    ASSERT_TRUE(store.setDefaultLayout(desk.id, work.id));
+    EXPECT_EQ(stored(desk.id).layoutIDs, (std::vector{work.id, play.id}));
+    EXPECT_EQ(stored(desk.id).updatedAt, time.now());
+    EXPECT_EQ(store.layouts(desk.id)->size(), 2u);
+
+    ASSERT_TRUE(store.renameLayout(play.id, " Games "));
+    EXPECT_EQ(store.layouts(desk.id)->back().name, "Games");
+    EXPECT_EQ(store.layouts(desk.id)->back().updatedAt, time.now());
+    ASSERT_TRUE(store.deleteLayout(work.id));
+    EXPECT_EQ(stored(desk.id).defaultLayoutID, std::nullopt);
+    EXPECT_EQ(stored(desk.id).layoutIDs, std::vector{play.id});
+    ASSERT_TRUE(store.deleteProfile(desk.id));
+    EXPECT_EQ(store.loadProfiles()->size(), 1u);
+    EXPECT_EQ(store.loadLayouts(), std::vector{rest});
+}
+
+TEST_F(StoreTest, ReplacingALayoutKeepsItsNameIdAndCreation) {
+    const auto desk = newProfile();
+    const auto work = newLayout(desk);
+    time.pass(60);
+    const auto entry = testing::entry("xterm", "shell", {0, 0, 300, 200});
+    ASSERT_TRUE(store.replaceLayout(work.id, SavedLayoutKind::generic, {entry}, std::nullopt));
+    auto expected = work;
+    expected.kind = SavedLayoutKind::generic;
+    expected.entries = {entry};
+    expected.updatedAt = time.now();
+    EXPECT_EQ(store.loadLayouts(), std::vector{expected});
+}
+
+TEST_F(StoreTest, RemembersASignatureOncePerProfileLatestLast) {
+    const auto desk = newProfile();
+    for (const char* signature : {"a", "b", "a"}) {
+        time.pass(1);
+        ASSERT_TRUE(store.learnAssociation(desk.id, signature, "similar"));
+    }
+    const auto learned = stored(desk.id).learnedAssociations;
+    ASSERT_EQ(learned.size(), 2u);
+    EXPECT_EQ(learned[0].confirmedDisplaySignature, "b");
+    EXPECT_EQ(learned[1].confirmedDisplaySignature, "a");
+    EXPECT_EQ(learned[1].confirmedAt, time.now());
+    EXPECT_EQ(learned[1].profileID, desk.id);
+}
+
+TEST_F(StoreTest, RefusesWhatIsUnknownOrBlankAndWritesNothing) {
+    const auto desk = newProfile();
+    const auto work = newLayout(desk);
+    const auto before = files.files;
+    const StoreError noProfile = ProfileStoreError(ProfileNotFound{unknownID});
+    const StoreError noLayout = ProfileStoreError(LayoutNotFound{unknownID});
+    const StoreError noProfileName = ProfileStoreError(EmptyProfileName{});
+    const StoreError noLayoutName = ProfileStoreError(EmptyLayoutName{});
+    SavedLayout orphan = work;
+    orphan.profileID = unknownID;
+
+    expectError(store.createProfile(" \n", {}), noProfileName, "create");
+    expectError(store.renameProfile(desk.id, " "), noProfileName, "rename blank");
+    expectError(store.renameProfile(unknownID, "x"), noProfile, "rename unknown");
+    expectError(store.deleteProfile(unknownID), noProfile, "delete");
+    expectError(store.learnAssociation(unknownID, "s", "e"), noProfile, "learn");
+    expectError(store.saveLayout(orphan), noProfile, "save");
+    expectError(store.setDefaultLayout(unknownID, {}), noProfile, "default");
+    expectError(store.renameLayout(work.id, "\t"), noLayoutName, "rename layout blank");
+    expectError(store.renameLayout(unknownID, "x"), noLayout, "rename layout unknown");
+    expectError(store.deleteLayout(unknownID), noLayout, "delete layout");
+    expectError(store.replaceLayout(unknownID, {}, {}, {}), noLayout, "replace layout");
+    EXPECT_EQ(files.files, before);
+}
+
+TEST_F(StoreTest, NeverOverwritesAFileItCannotRead) {
+    const auto desk = newProfile();
+    const auto work = newLayout(desk);
+    const std::string newer = R"({"schemaVersion": 2, "updatedAt": "2026-01-01T00:00:00Z", "payload": []})";
+    for (const std::string file : {"profiles.json", "layouts.json"}) {
+        const auto good = files.files;
+        for (const std::string& content : {newer, std::string("{"), std::string()}) {
+            files.files["/data/Tavrin/" + file] = content;
+            const auto before = files.files;
+            EXPECT_FALSE(store.saveLayout(work));
+            EXPECT_FALSE(store.deleteProfile(desk.id));
+            EXPECT_FALSE(store.deleteLayout(work.id));
+            EXPECT_EQ(files.files, before) << file << " holding " << content;
+        }
+        files.files = good;
+    }
+    files.files["/data/Tavrin/settings.json"] = newer;
+    EXPECT_FALSE(settingsStore.save({}));
+    EXPECT_EQ(files.files["/data/Tavrin/settings.json"], newer);
+}
+
+TEST_F(StoreTest, LeavesTheOldFileWhenAnyStepOfWritingFails) {
+    newProfile("Old");
+    const auto before = files.files;
+    for (const char* step : {"createDirectories", "writeFlushed", "rename"}) {
+        files.failing = {step};
+        const auto created = store.createProfile("New", {});
+        ASSERT_FALSE(created) << step;
+        EXPECT_EQ(std::get<FileError>(created.error()).operation, step);
+        EXPECT_EQ(files.files, before) << step << " must leave nothing behind";
+    }
+    files.failing = {"flushDirectory"};
+    EXPECT_FALSE(store.createProfile("New", {}));
+    files.failing = {};
+    EXPECT_TRUE(store.loadProfiles());
+}
+
+TEST_F(StoreTest, WritesBesideTheFileThenRenamesThenFlushesAndFollowsLinks) {
+    files.links["/data/Tavrin/settings.json"] = "/elsewhere/mine.json";
+    ASSERT_TRUE(settingsStore.save({}));
+    EXPECT_EQ(files.log, (std::vector<std::string>{"write /elsewhere/.mine.json.tmp",
+                                                   "rename /elsewhere/mine.json", "flush /elsewhere"}));
+}
+
+TEST_F(StoreTest, WritesLayoutsBeforeProfiles) {
+    const auto desk = newProfile();
+    files.log.clear();
+    newLayout(desk);
+    ASSERT_EQ(files.log.size(), 6u);
+    EXPECT_EQ(files.log[1], "rename /data/Tavrin/layouts.json");
+    EXPECT_EQ(files.log[4], "rename /data/Tavrin/profiles.json");
+}
+
+TEST_F(StoreTest, ReadsTheSameRecordsBack) {
+    auto desk = newProfile("Désk \"1\"");
+    SavedLayout layout = testing::layout("Wörk", {testing::entry("xterm", "a\tb", {-10.5, 0.1, 1e-300, 1e300}, 0)});
+    layout.profileID = desk.id;
+    layout.createdAt = layout.updatedAt = testing::at(0);
+    layout.entries[0].normalizedFrame = Rect{0.1, 1.0 / 3, 0.7, 0.2};
+    layout.savedDisplays = {{"1-2-3", {0, 0, 1920, 1050}, true}};
+    ASSERT_TRUE(store.saveLayout(layout));
+    EXPECT_EQ(store.loadLayouts(), std::vector{layout});
+
+    AppSettings settings{.autoDetectShortcut = KeyCombo{15, ModifierSet::control | ModifierSet::option},
+                         .layoutShortcuts = {{layout.id.text(), {122, ModifierSet::control}}},
+                         .excludedBundleIDs = {"org.b.B", "org.a.A"}};
+    ASSERT_TRUE(settingsStore.save(settings));
+    EXPECT_EQ(settingsStore.load(), settings);
+    EXPECT_NE(files.files["/data/Tavrin/settings.json"].find("\"modifiers\": 786432"), std::string::npos);
+}
+
+TEST_F(StoreTest, RefusesToWriteWhatAFileCannotExpress) {
+    const auto desk = newProfile();
+    auto layout = testing::layout("Work", {testing::entry("xterm", "t", {std::nan(""), 0, 1, 1})});
+    layout.profileID = desk.id;
+    const auto before = files.files;
+    const auto saved = store.saveLayout(layout);
+    ASSERT_FALSE(saved);
+    EXPECT_TRUE(std::holds_alternative<EncodeFailed>(saved.error()));
+    EXPECT_FALSE(store.createProfile("\xff", {}));
+    EXPECT_EQ(files.files, before);
+}
+
+} // namespace
+} // namespace tavrin
