@@ -143,13 +143,15 @@ private:
     /// The application with the smallest rank; null when none has one.
     const InstalledApplication* best(const Rank& rankOf) const {
         const InstalledApplication* best = nullptr;
-        std::tuple<int, bool, bool, bool> bestKey;
+        std::tuple<int, bool, bool, bool, bool> bestKey;
+        const bool isInFlatpak = isLaunchedAs(LaunchedApplication::Kind::flatpak);
         for (const auto& application : index_.applications()) {
             const auto rank = rankOf(application);
             if (!rank)
                 continue;
-            const std::tuple key(*rank, !startsOneOf(application, facts_.programs),
-                                 application.entry.isNoDisplay, application.hasArguments);
+            const std::tuple key(*rank, application.isFlatpak && !isInFlatpak,
+                                 !startsOneOf(application, facts_.programs), application.entry.isNoDisplay,
+                                 application.hasArguments);
             if (best == nullptr || key < bestKey) {
                 best = &application;
                 bestKey = key;

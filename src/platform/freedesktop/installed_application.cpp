@@ -24,10 +24,12 @@ InstalledApplication::InstalledApplication(DesktopEntry description) : entry(std
         foldedLastPart = foldedStem.substr(foldedStem.rfind('.') + 1);
     foldedStartupClass = foldedApplicationName(entry.startupWMClass);
     const auto words = execWords(entry.exec).value_or(std::vector<std::string>());
-    if (auto name = programOfCommand(words); !isInterpreter(name)) {
+    auto name = programOfCommand(words);
+    hasArguments = words.size() > 1;
+    isFlatpak = !entry.flatpak.empty() || name == "flatpak";
+    if (!isInterpreter(name)) {
         foldedProgram = foldedApplicationName(name);
         program = std::move(name);
-        hasArguments = words.size() > 1;
     }
 }
 

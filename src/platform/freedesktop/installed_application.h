@@ -17,6 +17,7 @@ struct InstalledApplication {
     std::string program;            ///< what Exec starts; empty when that is an interpreter
     std::string foldedProgram;
     bool hasArguments = false; ///< Exec gives the program arguments other than files to open
+    bool isFlatpak = false;
 
     explicit InstalledApplication(DesktopEntry entry);
 
