@@ -29,6 +29,7 @@ public:
     QString status() const { return QStringLiteral("normal"); }
     QStringList iconThemePath() const { return {}; }
 
+public Q_SLOTS:
     Q_SCRIPTABLE uint GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames,
                                 tavrin::BusMenuLayout& layout) const;
     Q_SCRIPTABLE QList<tavrin::BusMenuItem> GetGroupProperties(const QList<int>& ids,

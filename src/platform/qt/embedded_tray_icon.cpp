@@ -2,8 +2,9 @@
 
 #include "platform/qt/panel_shade.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QEvent>
+#include <QGuiApplication>
 #include <QScreen>
 
 #include <algorithm>
@@ -20,12 +21,8 @@ bool canSeeScreen() {
     return qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-QWidget* windowInPanel() {
-    for (QWidget* widget : QApplication::topLevelWidgets())
-        if (widget->inherits("QSystemTrayIconSys"))
-            return widget;
-    return nullptr;
-}
+/// The name of the window that Qt puts into the panel as soon as there is one.
+constexpr auto windowInPanel = QLatin1String("QSystemTrayIconSysWindow");
 
 } // namespace
 
@@ -36,6 +33,7 @@ EmbeddedTrayIcon::EmbeddedTrayIcon(Shade assumedShade, std::function<void()> act
                 if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::Context)
                     activated();
             });
+    QCoreApplication::instance()->installEventFilter(this);
     lookSoon_.setSingleShot(true);
     lookSoon_.setInterval(paintTimeInMilliseconds);
     connect(&lookSoon_, &QTimer::timeout, this, &EmbeddedTrayIcon::lookAtPanel);
@@ -52,10 +50,6 @@ void EmbeddedTrayIcon::setToolTip(const QString& text) {
 
 void EmbeddedTrayIcon::show() {
     trayIcon_.show();
-    window_ = windowInPanel();
-    if (window_)
-        window_->installEventFilter(this);
-    checkShade();
 }
 
 void EmbeddedTrayIcon::hide() {
@@ -74,8 +68,7 @@ void EmbeddedTrayIcon::checkShade() {
 }
 
 bool EmbeddedTrayIcon::eventFilter(QObject* object, QEvent* event) {
-    const auto type = event->type();
-    if (type == QEvent::Move || type == QEvent::Resize || type == QEvent::Show)
+    if (event->type() == QEvent::Expose && object->objectName() == windowInPanel)
         checkShade();
     return QObject::eventFilter(object, event);
 }

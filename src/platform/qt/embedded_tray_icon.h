@@ -2,10 +2,8 @@
 
 #include "platform/qt/template_icon.h"
 
-#include <QPointer>
 #include <QSystemTrayIcon>
 #include <QTimer>
-#include <QWidget>
 
 #include <functional>
 #include <optional>
@@ -45,7 +43,6 @@ private:
     void lookAtPanel();
 
     QSystemTrayIcon trayIcon_;
-    QPointer<QWidget> window_; ///< the window that Qt puts into the panel
     QTimer lookSoon_;
     Shade shade_;
     IconForShade icon_;

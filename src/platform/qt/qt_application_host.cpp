@@ -98,7 +98,10 @@ std::string QtApplicationHost::shortVersion() {
 
 void QtApplicationHost::applicationStateChanged(Qt::ApplicationState state) {
     const bool wasActive = isActive_;
-    isActive_ = state == Qt::ApplicationActive;
+    const QWindow* focus = QGuiApplication::focusWindow();
+    // The menu of the status item is no window of its own.
+    const bool hasFocus = focus && focus->type() != Qt::Popup;
+    isActive_ = state == Qt::ApplicationActive && hasFocus;
     if (isActive_ && !wasActive)
         didBecomeActive_.emit();
 }

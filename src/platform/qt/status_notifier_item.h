@@ -76,6 +76,7 @@ public:
     QList<BusImage> noImages() const { return {}; }
     BusToolTip toolTip() const { return {{}, {}, toolTip_, {}}; }
 
+public Q_SLOTS:
     Q_SCRIPTABLE void Activate(int x, int y);
     Q_SCRIPTABLE void SecondaryActivate(int x, int y);
     Q_SCRIPTABLE void ContextMenu(int x, int y);
