@@ -1,0 +1,259 @@
+#include "display/current_profile_view_model.h"
+#include "display/display_snapshot_provider.h"
+#include "display/profile_list_view_model.h"
+#include "doubles/builders.h"
+#include "doubles/fake_desktop.h"
+#include "doubles/fake_file_system.h"
+#include "doubles/fake_time.h"
+
+#include <gtest/gtest.h>
+
+namespace tavrin {
+namespace {
+
+struct FixedScreens : ScreenList {
+    std::vector<Screen> list;
+    std::vector<Screen> screens() override { return list; }
+};
+
+Screen screen(Rect frame, std::optional<DisplayHardware> hardware, double scale = 1) {
+    return {.frame = frame, .visibleFrame = frame, .backingScaleFactor = scale, .hardware = hardware};
+}
+
+std::vector<std::string> keys(const DisplaySnapshotCollection& displays) {
+    std::vector<std::string> keys;
+    for (const auto& display : displays.displays)
+        keys.push_back(display.arrangementKey());
+    return keys;
+}
+
+TEST(DisplaySnapshotProvider, DescribesEachScreenWithinTheWhole) {
+    FixedScreens screens;
+    DisplaySnapshotProvider provider{screens};
+    EXPECT_TRUE(provider.currentSnapshot().displays.empty());
+
+    screens.list = {screen({0, 0, 3024, 1964}, DisplayHardware{1234, 5678, 0, true, 3024, 1964}, 2.0),
+                    screen({3024, 0, 4536, 1964}, DisplayHardware{4321, 8765, 7, false, 5120, 2880}, 1.5)};
+    screens.list[0].visibleFrame = {0, 40, 3024, 1924};
+    const auto snapshot = provider.currentSnapshot();
+    EXPECT_EQ(keys(snapshot), (std::vector<std::string>{"external:0.400:0.000:0.600:1.000:2:5120x2880",
+                                                        "internal:0.000:0.000:0.400:1.000:2:3024x1964"}));
+    EXPECT_EQ(snapshot.displays[0].stableID, "4321-8765-7");
+    EXPECT_EQ(snapshot.displays[1].stableID, "1234-5678-0");
+    EXPECT_EQ(snapshot.displays[1].visibleFrame, (Rect{0, 40, 3024, 1924}));
+    const auto fingerprint = MonitorProfileMatcher{}.makeFingerprint(snapshot);
+    EXPECT_EQ(fingerprint.stableDisplayIDs, (std::vector<std::string>{"1234-5678-0", "4321-8765-7"}));
+    EXPECT_EQ(fingerprint.arrangementSignature, "external:0.400:0.000:0.600:1.000:2:5120x2880|"
+                                                "internal:0.000:0.000:0.400:1.000:2:3024x1964");
+    EXPECT_EQ(defaultProfileName(snapshot), "2-Display Setup");
+}
+
+TEST(DisplaySnapshotProvider, CopesWithScreensWithoutHardwareOrSize) {
+    FixedScreens screens;
+    screens.list = {screen({0, 0, 0, 0}, std::nullopt)};
+    const auto snapshot = DisplaySnapshotProvider{screens}.currentSnapshot();
+    EXPECT_EQ(keys(snapshot), std::vector<std::string>{"external:0.000:0.000:1.000:1.000:1:unknown"});
+    EXPECT_EQ(snapshot.displays[0].id(), snapshot.displays[0].arrangementKey());
+    EXPECT_TRUE(MonitorProfileMatcher{}.makeFingerprint(snapshot).stableDisplayIDs.empty());
+    EXPECT_EQ(defaultProfileName(snapshot), "External Display");
+    EXPECT_EQ(defaultProfileName({}), "0-Display Setup");
+}
+
+TEST(DisplaySnapshotProvider, GivesTheSameFingerprintInAnyOrderOfScreens) {
+    FixedScreens screens;
+    const DisplayHardware twin{1, 2, 0, false, 1920, 1080};
+    screens.list = {screen({1920, 0, 1920, 1080}, twin), screen({0, 0, 1920, 1080}, twin)};
+    const auto one = DisplaySnapshotProvider{screens}.currentSnapshot();
+    std::swap(screens.list[0], screens.list[1]);
+    const auto other = DisplaySnapshotProvider{screens}.currentSnapshot();
+    EXPECT_EQ(one, other);
+    EXPECT_EQ(one.displays[0].normalizedFrame.x, 0) << "the left twin sorts first";
+    EXPECT_EQ(MonitorProfileMatcher{}.makeFingerprint(one).stableDisplayIDs,
+              (std::vector<std::string>{"1-2-0", "1-2-0"}));
+}
+
+TEST(DisplaySnapshotProvider, StopsTheProgramAtAnImpossibleScale) {
+    FixedScreens screens;
+    screens.list = {screen({0, 0, 1, 1}, std::nullopt, 1e300)};
+    EXPECT_DEATH(DisplaySnapshotProvider{screens}.currentSnapshot(), "impossible scale");
+}
+
+// ----- matching
+
+using testing::desk;
+using testing::profile;
+
+/// A setup with `count` displays of which the first `sameKeys` stand where the desk's do and the first
+/// `sameUnits` are the desk's units.
+MonitorProfile similar(std::string name, int count, int sameKeys, int sameUnits) {
+    auto displays = desk();
+    displays.displays.resize(static_cast<std::size_t>(count), displays.displays.back());
+    for (int i = 0; i < count; ++i) {
+        auto& display = displays.displays[static_cast<std::size_t>(i)];
+        if (i >= sameKeys)
+            display.normalizedFrame.width += 0.25;
+        if (i >= sameUnits)
+            display.stableID = "9-9-" + std::to_string(i);
+    }
+    return profile(std::move(name), displays);
+}
+
+const MonitorProfile* profileOf(const MatchResult& result) {
+    if (const auto* exact = std::get_if<match::Exact>(&result))
+        return &exact->profile;
+    if (const auto* suggested = std::get_if<match::Suggested>(&result))
+        return &suggested->profile;
+    return nullptr;
+}
+
+TEST(MonitorProfileMatcher, ScoresArrangementHardwareAndCount) {
+    const MonitorProfileMatcher matcher;
+    EXPECT_DOUBLE_EQ(matcher.similarityScore(desk(), similar("same", 2, 2, 2)), 1.0);
+    EXPECT_DOUBLE_EQ(matcher.similarityScore(desk(), similar("other units", 2, 2, 0)), 0.8);
+    EXPECT_DOUBLE_EQ(matcher.similarityScore(desk(), similar("one unit", 2, 2, 1)), 0.9);
+    EXPECT_DOUBLE_EQ(matcher.similarityScore(desk(), similar("one moved", 2, 1, 2)), 0.7);
+    EXPECT_EQ(matcher.similarityScore(desk(), similar("three", 3, 3, 3)), 0);
+    auto unidentified = similar("no ids", 2, 2, 2);
+    unidentified.displayFingerprint.stableDisplayIDs.clear();
+    EXPECT_DOUBLE_EQ(matcher.similarityScore(desk(), unidentified), 0.8);
+}
+
+TEST(MonitorProfileMatcher, FindsTheFirstExactSetup) {
+    const MonitorProfileMatcher matcher;
+    EXPECT_EQ(matcher.match(desk(), {}), MatchResult(match::NoMatch{}));
+    const auto first = profile("Zoo", desk());
+    const std::vector profiles{similar("Near", 2, 2, 1), first, profile("Ark", desk())};
+    EXPECT_EQ(matcher.match(desk(), profiles),
+              MatchResult(match::Exact{first, "Exact display identity and arrangement match."}));
+
+    auto anonymous = desk();
+    for (auto& display : anonymous.displays)
+        display.stableID.reset();
+    EXPECT_TRUE(std::holds_alternative<match::Suggested>(matcher.match(anonymous, {profile("A", anonymous)})))
+        << "without hardware identity nothing is certain";
+}
+
+TEST(MonitorProfileMatcher, ReusesConfirmedArrangementsWhateverTheHardware) {
+    auto confirmed = similar("Home", 2, 0, 0);
+    const auto signature = MonitorProfileMatcher{}.makeFingerprint(desk()).arrangementSignature;
+    confirmed.learnedAssociations = {{.confirmedDisplaySignature = signature}};
+    EXPECT_EQ(MonitorProfileMatcher{}.match(desk(), {similar("Near", 2, 2, 1), confirmed}),
+              MatchResult(match::Exact{confirmed, "Reused a previously confirmed fuzzy association."}));
+}
+
+TEST(MonitorProfileMatcher, SuggestsOnlyWhatIsClearlyBest) {
+    const MonitorProfileMatcher matcher;
+    const auto near = similar("Near", 2, 2, 1);
+    const auto far = similar("Far", 2, 2, 0);
+    EXPECT_EQ(matcher.match(desk(), {far, near}),
+              MatchResult(match::Suggested{near, "same display count and nearly identical arrangement"}));
+    const auto farther = similar("Alike", 2, 2, 0);
+    EXPECT_EQ(
+        matcher.match(desk(), {far, farther}),
+        MatchResult(match::Ambiguous{
+            {farther, far}, "Multiple saved profiles look similar, so Tavrin will not auto-select one."}))
+        << "equals are ordered by name";
+    EXPECT_EQ(matcher.match(desk(), {similar("Moved", 2, 1, 2)}), MatchResult(match::NoMatch{}));
+    EXPECT_EQ(matcher.match(desk(), {similar("Three", 3, 3, 3)}), MatchResult(match::NoMatch{}));
+}
+
+TEST(MonitorProfileMatcher, KeepsItsThresholdsToTheHair) {
+    // 50 displays give keys and units in steps of hundredths: a score of 0.2 + 0.6 k/50 + 0.2 u/50.
+    DisplaySnapshotCollection wall;
+    for (int i = 0; i < 50; ++i)
+        wall.displays.push_back(
+            testing::display("unit-" + std::to_string(100 + i), {0, 0, 100, 100}, {i / 100.0, 0, 0.01, 1}));
+    const auto changed = [&](std::string name, int keys, int units) {
+        auto displays = wall;
+        for (int i = 0; i < 50; ++i) {
+            if (i >= keys)
+                displays.displays[static_cast<std::size_t>(i)].normalizedFrame.y = 0.5;
+            if (i >= units)
+                displays.displays[static_cast<std::size_t>(i)].stableID = "x-" + std::to_string(i);
+        }
+        return profile(std::move(name), displays);
+    };
+    const MonitorProfileMatcher matcher;
+    const auto verdict = [&](std::vector<MonitorProfile> profiles) {
+        return matcher.match(wall, profiles).index();
+    };
+    const std::size_t suggested = 1, ambiguous = 2, none = 3;
+    EXPECT_EQ(verdict({changed("0.72", 40, 10)}), suggested);
+    EXPECT_EQ(verdict({changed("0.716", 40, 9)}), none);
+    EXPECT_EQ(verdict({changed("0.84", 45, 25), changed("0.80", 45, 15)}), ambiguous);
+    EXPECT_EQ(verdict({changed("0.86", 45, 30), changed("0.80", 45, 15)}), suggested);
+    ASSERT_TRUE(profileOf(matcher.match(wall, {changed("0.80", 45, 15), changed("0.86", 45, 30)})));
+    EXPECT_EQ(profileOf(matcher.match(wall, {changed("0.80", 45, 15), changed("0.86", 45, 30)}))->name,
+              "0.86");
+}
+
+// ----- the models
+
+class CurrentProfileTest : public ::testing::Test {
+protected:
+    testing::FakeFileSystem files;
+    testing::FakeTime time;
+    ProfileStore store{AppSupportPaths{files, "/data"}, time};
+    testing::FixedDisplays displays;
+    CurrentProfileViewModel model{displays, store};
+
+    void create(const MonitorProfile& profile) {
+        ASSERT_TRUE(store.createProfile(profile.name, profile.displayFingerprint));
+    }
+};
+
+TEST_F(CurrentProfileTest, PublishesEachVerdict) {
+    displays.snapshot = desk();
+    model.refresh();
+    EXPECT_EQ(model.matchExplanation.value(),
+              "No saved layout has been matched to the current display setup yet.");
+    EXPECT_FALSE(model.currentProfileName.value() || model.suggestedProfileName.value() ||
+                 model.requiresConfirmation.value());
+
+    create(similar("Studio", 2, 2, 0));
+    model.refresh();
+    EXPECT_EQ(model.suggestedProfileName.value(), "Studio");
+    EXPECT_TRUE(model.requiresConfirmation.value());
+    EXPECT_TRUE(model.suggestedProfileID());
+
+    create(similar("Desk", 2, 2, 0));
+    model.refresh();
+    EXPECT_EQ(model.suggestedProfileName.value(), "Desk, Studio");
+    EXPECT_TRUE(model.requiresConfirmation.value());
+    EXPECT_FALSE(model.suggestedProfileID()) << "several similar setups are no suggestion";
+    model.confirmSuggestedProfile();
+    EXPECT_FALSE(model.currentProfileName.value()) << "and cannot be confirmed";
+
+    create(profile("Exact", desk()));
+    model.refresh();
+    EXPECT_EQ(model.currentProfileName.value(), "Exact");
+    EXPECT_FALSE(model.requiresConfirmation.value() || model.suggestedProfileName.value());
+}
+
+TEST_F(CurrentProfileTest, RemembersAConfirmation) {
+    displays.snapshot = desk();
+    create(similar("Studio", 2, 2, 0));
+    model.refresh();
+    model.confirmSuggestedProfile();
+    EXPECT_EQ(model.currentProfileName.value(), "Studio");
+    EXPECT_EQ(model.matchExplanation.value(), "Reused a previously confirmed fuzzy association.");
+    EXPECT_FALSE(model.requiresConfirmation.value());
+    const auto profiles = store.loadProfiles().value();
+    ASSERT_EQ(profiles[0].learnedAssociations.size(), 1u);
+    EXPECT_EQ(profiles[0].learnedAssociations[0].explanation,
+              "same display count and nearly identical arrangement");
+    EXPECT_EQ(ProfileListViewModel::associationCountText(profiles[0]), "1 Association learned");
+}
+
+TEST_F(CurrentProfileTest, SaysSoWhenTheProfilesCannotBeRead) {
+    displays.snapshot = desk();
+    create(profile("Exact", desk()));
+    model.refresh();
+    files.files["/data/profiles.json"] = "{";
+    model.refresh();
+    EXPECT_EQ(model.matchExplanation.value(), "Tavrin could not load saved display setup metadata.");
+    EXPECT_FALSE(model.currentProfileName.value() || model.currentProfile());
+}
+
+} // namespace
+} // namespace tavrin

@@ -1,0 +1,155 @@
+#include "doubles/builders.h"
+#include "restore/restore_matcher.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
+
+#include <map>
+#include <set>
+
+namespace tavrin {
+namespace {
+
+using testing::entry;
+using testing::layout;
+using testing::window;
+
+const std::vector<DisplaySnapshot> oneDisplay = testing::leftAlone().displays;
+
+/// Which window each entry got, as "entry>window", by position and window number.
+std::string pairing(const SavedLayout& saved, const std::vector<WindowInfo>& windows) {
+    std::string text;
+    for (std::size_t i = 0; i < saved.entries.size(); ++i)
+        for (const auto& pair : RestoreMatcher{}.pairs(saved, windows, oneDisplay))
+            if (pair.savedEntry.id == saved.entries[i].id)
+                text += std::to_string(i) + ">" + std::to_string(pair.windowInfo.id) + " ";
+    return text;
+}
+
+const Rect home{0, 0, 400, 300}, away{900, 500, 400, 300};
+
+TEST(RestoreMatcher, PairsWithinAnApplicationByTitleThenFrameThenSlot) {
+    EXPECT_EQ(pairing(layout("title", {entry("a", "CAFÉ", home)}),
+                      {window(1, "a", "other", home), window(2, "a", " cafe\n", away)}),
+              "0>2 ");
+    EXPECT_EQ(pairing(layout("frame", {entry("a", "t", home)}),
+                      {window(1, "a", "t", away), window(2, "a", "t", home)}),
+              "0>2 ");
+    EXPECT_EQ(pairing(layout("slot", {entry("a", "t", home, 1)}),
+                      {window(1, "a", "t", home), window(2, "a", "t", home)}),
+              "0>2 ");
+    EXPECT_EQ(
+        pairing(layout("slots count by window number", {entry("a", "t", home, 0), entry("a", "t", home, 1)}),
+                {window(9, "a", "t", home), window(3, "a", "t", home)}),
+        "0>3 1>9 ");
+    EXPECT_EQ(pairing(layout("a blank saved title says nothing", {entry("a", " ", home)}),
+                      {window(1, "a", "x", away), window(2, "a", "y", home)}),
+              "0>2 ");
+    EXPECT_EQ(pairing(layout("other application", {entry("a", "t", home)}), {window(1, "b", "t", home)}), "");
+}
+
+TEST(RestoreMatcher, WeighsTheApplicationNameLittle) {
+    auto renamed = window(1, "a", "t", home);
+    renamed.appName = "A (beta)";
+    auto other = window(2, "a", "t", {99, 0, 400, 300});
+    EXPECT_EQ(pairing(layout("99 points", {entry("a", "t", home)}), {renamed, other}), "0>1 ")
+        << "100 for the name against 99 and 25 for the slot";
+    other.frame.x = 74;
+    EXPECT_EQ(pairing(layout("74 points", {entry("a", "t", home)}), {renamed, other}), "0>2 ");
+}
+
+TEST(RestoreMatcher, LeavesOutWhatCannotBePaired) {
+    auto anonymousEntry = entry("a", "t", home);
+    anonymousEntry.bundleIdentifier.reset();
+    auto anonymousWindow = window(1, "a", "t", home);
+    anonymousWindow.bundleIdentifier.reset();
+    EXPECT_EQ(pairing(layout("entry without application", {anonymousEntry}), {window(1, "a", "t", home)}),
+              "");
+    EXPECT_EQ(pairing(layout("window without application", {entry("a", "t", home)}), {anonymousWindow}), "");
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const Rect& frame :
+         {Rect{0, 0, 0, 100}, Rect{0, 0, 100, -1}, Rect{20000.1, 0, 100, 100}, Rect{0, -20000.1, 100, 100},
+          Rect{0, 0, 20000.1, 100}, Rect{0, infinity, 1, 1}, Rect{std::nan(""), 0, 100, 100}})
+        EXPECT_EQ(pairing(layout("insane", {entry("a", "t", frame)}), {window(1, "a", "t", home)}), "");
+    EXPECT_EQ(pairing(layout("just sane", {entry("a", "t", {-20000, 20000, 20000, 20000})}),
+                      {window(1, "a", "t", {std::nan(""), 0, 100, 100})}),
+              "0>1 ");
+}
+
+TEST(RestoreMatcher, PairsGenericLayoutsByDistanceAlone) {
+    const auto generic = [](std::vector<SavedLayoutEntry> entries) {
+        return layout("g", std::move(entries), SavedLayoutKind::generic);
+    };
+    EXPECT_EQ(pairing(generic({entry("a", "t", home)}), {window(1, "b", "u", {500, 0, 400, 300})}), "0>1 ");
+    EXPECT_EQ(pairing(generic({entry("a", "t", home)}), {window(1, "b", "u", {500.01, 0, 400, 300})}), "");
+    EXPECT_EQ(pairing(generic({entry("a", "t", home), entry("a", "t", {100, 0, 400, 300})}),
+                      {window(1, "b", "u", {90, 0, 400, 300}), window(2, "b", "u", {200, 0, 400, 300})}),
+              "0>2 1>1 ")
+        << "the nearest pair goes first";
+}
+
+TEST(RestoreMatcher, SendsSurplusWindowsToTheDominantPlace) {
+    const std::vector entries{entry("a", "1", away), entry("a", "2", home), entry("a", "3", home),
+                              entry("a", "4", home), entry("b", "5", home)};
+    std::vector<WindowInfo> windows{window(17, "a", "x", away), window(5, "a", "y", away),
+                                    window(6, "c", "c", away), window(8, "b", "5", home)};
+    for (int i = 1; i <= 4; ++i)
+        windows.push_back(window(i, "a", std::to_string(i), away));
+    const RestoreMatcher matcher;
+    const auto saved = layout("many", entries);
+    const auto pairs = matcher.pairs(saved, windows, oneDisplay);
+    EXPECT_EQ(pairs.size(), 5u);
+    const auto overflow = matcher.overflowPairs(saved, windows, oneDisplay, pairs);
+    ASSERT_EQ(overflow.size(), 2u);
+    EXPECT_EQ(overflow[0], (MatchedPair{entries[1], windows[1], home}));
+    EXPECT_EQ(overflow[1], (MatchedPair{entries[1], windows[0], home}));
+
+    const auto tie = layout("tie", {entry("a", "1", away), entry("a", "2", home)});
+    const auto tiePairs = matcher.pairs(tie, windows, oneDisplay);
+    EXPECT_EQ(matcher.overflowPairs(tie, windows, oneDisplay, tiePairs).front().translatedFrame, away)
+        << "the place seen first wins a tie";
+    EXPECT_TRUE(matcher.overflowPairs(layout("g", entries, SavedLayoutKind::generic), windows, oneDisplay, {})
+                    .empty());
+}
+
+TEST(RestoreMatcher, NeverPairsAWindowOrAnEntryTwice) {
+    EXPECT_TRUE(rc::check([] {
+        const auto frame = [] {
+            return Rect{*rc::gen::inRange(0, 4) * 100.0, *rc::gen::inRange(0, 4) * 100.0, 200, 200};
+        };
+        const auto name = [] { return std::string(1, *rc::gen::inRange('a', 'd')); };
+        std::vector<SavedLayoutEntry> entries;
+        for (int i = 0; i < *rc::gen::inRange(0, 12); ++i)
+            entries.push_back(entry(name(), name(), frame(), *rc::gen::inRange(0, 5)));
+        std::vector<WindowInfo> windows;
+        for (int i = 0; i < *rc::gen::inRange(0, 12); ++i)
+            windows.push_back(window(i, name(), name(), frame()));
+        const auto kind = *rc::gen::element(SavedLayoutKind::generic, SavedLayoutKind::appSpecific);
+        const auto saved = layout("any", entries, kind);
+        auto pairs = RestoreMatcher{}.pairs(saved, windows, oneDisplay);
+        for (const auto& pair : RestoreMatcher{}.overflowPairs(saved, windows, oneDisplay, pairs))
+            pairs.push_back(pair);
+        std::set<std::int64_t> pairedWindows;
+        std::set<Uuid> pairedEntries;
+        std::size_t overflow = 0;
+        std::map<std::string, std::size_t> open, wanted;
+        for (const auto& pair : pairs) {
+            RC_ASSERT(pairedWindows.insert(pair.windowInfo.id).second);
+            overflow += pairedEntries.insert(pair.savedEntry.id).second ? 0 : 1;
+        }
+        if (kind == SavedLayoutKind::generic) {
+            RC_ASSERT(overflow == 0u);
+            return;
+        }
+        // Application-aware: every window of an application that has entries goes somewhere.
+        for (const auto& candidate : entries)
+            ++wanted[*candidate.bundleIdentifier];
+        std::size_t expected = 0;
+        for (const auto& candidate : windows)
+            expected += wanted.contains(*candidate.bundleIdentifier) ? 1u : 0u;
+        RC_ASSERT(pairs.size() == expected);
+    }));
+}
+
+} // namespace
+} // namespace tavrin
