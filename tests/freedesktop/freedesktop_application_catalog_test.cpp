@@ -58,6 +58,10 @@ void installApplications(const TemporaryDirectory& share) {
     install("weird", "Exec=/opt/weird/start.sh");
     install("gimp", "Exec=gimp-2.10 %U");
     install("python3.11", "Exec=/usr/bin/python3.11\nTerminal=true\nNoDisplay=true");
+    install("text-editor", "Exec=textual\nTerminal=true");
+    install("a-mousepad-page", "Exec=mousepad\nStartupWMClass=Page");
+    install("a-gimp-page", "Exec=gimp-2.10\nStartupWMClass=Page");
+    install("a.flatpak.Calc", "Exec=flatpak run a.flatpak.Calc\nStartupWMClass=libreoffice-calc");
     install("folder/nested", "Exec=nested");
     install("gone", "Exec=gone\nHidden=true");
     share.write("applications/website.desktop", "[Desktop Entry]\nType=Link\nName=Site\nURL=http://x");
@@ -150,6 +154,7 @@ TEST_F(ApplicationCatalogTest, windowsOfUsualApplicationsFindTheirEntry) {
         {"not the handler of links", {}, "", "code", "Code", "code"},
         {"in a folder", {}, "", "nested", "Nested", "folder-nested"},
         {"named like a program in a terminal", {}, "", "python3.11", "x", "python3.11"},
+        {"a program in a terminal has no window", {}, "", "textual", "Textual", "textual.Textual", false},
         {"an interpreter is no application", {}, "", "java", "Java", "java.Java", false},
         {"a link is no application", {}, "", "website", "Website", "website.Website", false},
         {"nothing installed", {}, "", "tool", "Tool", "tool.Tool", false},
@@ -196,6 +201,12 @@ TEST_F(ApplicationCatalogTest, windowsOfUsualApplicationsFindTheirEntry) {
           "/opt/weird/bin",
           {},
           {{"app-weird-1.scope", "/usr/bin/bash", {"bash", "/opt/weird/start.sh"}}}},
+         "",
+         "main",
+         "Main",
+         "weird"},
+        {"odd class, started again by itself",
+         {"app-weird-1.scope", "/opt/weird/bin", {}, {{"app-weird-0.scope", "/opt/weird/start.sh"}}},
          "",
          "main",
          "Main",
@@ -365,7 +376,17 @@ TEST_F(ApplicationCatalogTest, noticesWhatIsInstalledLaterAndLooksRarely) {
     share.write("applications/sub/new.desktop", entry("New", "StartupWMClass=new"));
     now += 1s;
     EXPECT_EQ(identifier(), "sub-new.desktop");
-    fs::remove_all(share.path() / "applications");
+    // Changed twice in the same tick of the file system's clock.
+    const auto directory = share.path() / "applications";
+    const auto tick = fs::file_time_type::clock::now() + 1h;
+    fs::last_write_time(directory, tick);
+    now += 1s;
+    EXPECT_EQ(identifier(), "sub-new.desktop");
+    share.write("applications/new.desktop", entry("New", "StartupWMClass=new"));
+    fs::last_write_time(directory, tick);
+    now += 1s;
+    EXPECT_EQ(identifier(), "new.desktop");
+    fs::remove_all(directory);
     now += 1s;
     EXPECT_EQ(identifier(), "new.New");
 }

@@ -130,10 +130,14 @@ private:
     }
 
     const InstalledApplication* applicationOfProgram(const InstalledApplication* launched) const {
-        const auto isProgram = [this](const InstalledApplication& application) {
-            return !application.entry.runsInTerminal && startsOneOf(application, facts_.programs);
+        const auto rank = [this](const InstalledApplication& application) {
+            const bool isProgram =
+                !application.entry.runsInTerminal && startsOneOf(application, facts_.programs);
+            // As above, an entry for other windows counts only when there is no better one.
+            const int announcesOthers = application.foldedStartupClass.empty() ? 0 : 1;
+            return isProgram ? std::optional(announcesOthers) : std::nullopt;
         };
-        return launched != nullptr && isProgram(*launched) ? launched : bestOf(isProgram);
+        return launched != nullptr && rank(*launched) ? launched : best(rank);
     }
 
     bool isLaunchedAs(LaunchedApplication::Kind kind) const {

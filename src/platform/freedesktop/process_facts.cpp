@@ -189,8 +189,7 @@ std::vector<std::string> parentPrograms(const fs::path& procRoot, ProcessID pid,
         const auto directory = processDirectory(procRoot, *parent);
         if (cgroupFile(directory) != cgroup)
             break;
-        if (auto program = executableName(directory); !isInterpreter(program))
-            addUnique(programs, std::move(program));
+        addUnique(programs, executableName(directory));
         pid = *parent;
     }
     return programs;

@@ -31,8 +31,8 @@ struct ProcessFacts {
     /// Interpreters are left out.
     std::vector<std::string> programs;
 
-    /// The programs of its parents that were started together with it. A parent that only runs a script
-    /// (many programs are started by one) is left out.
+    /// The files that those of its parents execute that were started together with it. (A script counts as
+    /// its interpreter: many programs are started by one and are no guests of it.)
     std::vector<std::string> parentPrograms;
 
     bool operator==(const ProcessFacts&) const = default;
