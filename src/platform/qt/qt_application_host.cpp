@@ -48,7 +48,8 @@ QtApplicationHost::QtApplicationHost(QApplication& application) {
         QIcon::fromTheme(applicationId, QIcon(QStringLiteral(":/icons/org.tavrin.Tavrin.svg"))));
 
     connect(&application, &QGuiApplication::applicationStateChanged, this,
-            &QtApplicationHost::applicationStateChanged);
+            &QtApplicationHost::updateIsActive);
+    connect(&application, &QGuiApplication::focusWindowChanged, this, &QtApplicationHost::updateIsActive);
 
     // Launching at login is the autostart entry's business. A session manager that restarts the program as
     // well would start it twice.
@@ -96,12 +97,13 @@ std::string QtApplicationHost::shortVersion() {
     return QCoreApplication::applicationVersion().toStdString();
 }
 
-void QtApplicationHost::applicationStateChanged(Qt::ApplicationState state) {
+void QtApplicationHost::updateIsActive() {
     const bool wasActive = isActive_;
     const QWindow* focus = QGuiApplication::focusWindow();
-    // The menu of the status item is no window of its own.
-    const bool hasFocus = focus && focus->type() != Qt::Popup;
-    isActive_ = state == Qt::ApplicationActive && hasFocus;
+    if (QGuiApplication::applicationState() != Qt::ApplicationActive)
+        isActive_ = false;
+    else if (focus && focus->type() != Qt::Popup) // the menu of the status item is no window of its own
+        isActive_ = true;
     if (isActive_ && !wasActive)
         didBecomeActive_.emit();
 }

@@ -35,7 +35,7 @@ public:
     std::string shortVersion() override;
 
 private:
-    void applicationStateChanged(Qt::ApplicationState state);
+    void updateIsActive();
 
     Signal<> didBecomeActive_;
     bool isActive_ = false;

@@ -1,0 +1,46 @@
+#include "ui/qt/qt_save_popover.h"
+
+#include "ui/qt/popover_placement.h"
+#include "ui/qt/save_popover_window.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+
+namespace tavrin {
+
+QtSavePopover::QtSavePopover(ApplicationHost& host, std::function<std::optional<Rect>()> anchor)
+    : host_(host), anchor_(std::move(anchor)) {}
+
+QtSavePopover::~QtSavePopover() = default;
+
+void QtSavePopover::show(std::shared_ptr<SaveLayoutPopoverView> view) {
+    close();
+    window_ = std::make_unique<SavePopoverWindow>(std::move(view), [this] { close(); });
+    place();
+    window_->show();
+    window_->setFocus();
+    host_.activate();
+}
+
+void QtSavePopover::close() {
+    if (!window_)
+        return;
+    // Usually asked for from inside the window's own events.
+    window_->hide();
+    window_.release()->deleteLater();
+}
+
+void QtSavePopover::place() {
+    const auto item = anchor_();
+    const QRect anchor = item ? QRectF(item->x, item->y, item->width, item->height).toRect()
+                              : QRect(QCursor::pos(), QSize(1, 1));
+    QScreen* screen = QGuiApplication::screenAt(anchor.center());
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    if (screen)
+        window_->move(
+            popoverPosition(anchor, window_->size(), screen->geometry(), screen->availableGeometry()));
+}
+
+} // namespace tavrin

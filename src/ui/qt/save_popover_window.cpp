@@ -1,0 +1,197 @@
+#include "ui/qt/save_popover_window.h"
+
+#include "base/text.h"
+#include "ui/qt/symbol_icon.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLayout>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPushButton>
+#include <QStyle>
+
+#include <algorithm>
+
+namespace tavrin {
+namespace {
+
+constexpr int cornerRadius = 8;
+constexpr int margin = 16;
+
+QLabel* makeLabel(const QString& text) {
+    auto* label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    return label;
+}
+
+void setTextColor(QWidget& widget, const QColor& color) {
+    QPalette palette = widget.palette();
+    palette.setColor(QPalette::WindowText, color);
+    widget.setPalette(palette);
+}
+
+} // namespace
+
+SavePopoverWindow::SavePopoverWindow(std::shared_ptr<SaveLayoutPopoverView> view,
+                                     std::function<void()> dismissed)
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint), view_(std::move(view)),
+      dismissed_(std::move(dismissed)) {
+    setAttribute(Qt::WA_QuitOnClose, false);
+    setWindowTitle(QStringLiteral("Save Layout"));
+    build();
+    nameField_->setText(QString::fromStdString(view_->layoutName()));
+    showState();
+
+    const int width =
+        std::max(static_cast<int>(SaveLayoutPopoverView::contentSize.width), layout()->minimumSize().width());
+    const int height = std::max(static_cast<int>(SaveLayoutPopoverView::contentSize.height),
+                                layout()->minimumHeightForWidth(width));
+    setFixedSize(width, height);
+}
+
+void SavePopoverWindow::build() {
+    auto* header = makeLabel(windowTitle());
+    QFont headerFont = font();
+    headerFont.setBold(true);
+    if (headerFont.pointSizeF() > 0)
+        headerFont.setPointSizeF(headerFont.pointSizeF() * 1.15);
+    header->setFont(headerFont);
+
+    auto* explanation = makeLabel(QString::fromUtf8(SaveLayoutPopoverView::explanation));
+    setTextColor(*explanation, secondaryTextColor(palette()));
+
+    nameField_ = new QLineEdit;
+    nameField_->setPlaceholderText(QStringLiteral("Layout name"));
+    nameField_->setAccessibleName(QStringLiteral("Layout name"));
+    connect(nameField_, &QLineEdit::textChanged, this, &SavePopoverWindow::nameChanged);
+
+    messageIcon_ = new QLabel;
+    message_ = makeLabel({});
+
+    cancelButton_ = new QPushButton(QStringLiteral("Cancel"));
+    saveButton_ = new QPushButton(QStringLiteral("Save"));
+    saveButton_->setDefault(true);
+    connect(cancelButton_, &QPushButton::clicked, this, &SavePopoverWindow::cancel);
+    connect(saveButton_, &QPushButton::clicked, this, &SavePopoverWindow::save);
+
+    auto* messageRow = new QHBoxLayout;
+    messageRow->setSpacing(5);
+    messageRow->addWidget(messageIcon_, 0, Qt::AlignTop);
+    messageRow->addWidget(message_, 1);
+
+    auto* buttonRow = new QHBoxLayout;
+    buttonRow->setSpacing(8);
+    buttonRow->addStretch();
+    // The order of the buttons follows the desktop.
+    const bool saveComesLast = style()->styleHint(QStyle::SH_DialogButtonLayout, nullptr, this) == 2 ||
+                               style()->styleHint(QStyle::SH_DialogButtonLayout, nullptr, this) == 3;
+    buttonRow->addWidget(saveComesLast ? cancelButton_ : saveButton_);
+    buttonRow->addWidget(saveComesLast ? saveButton_ : cancelButton_);
+
+    auto* rows = new QVBoxLayout(this);
+    rows->setContentsMargins(margin, margin - 4, margin, margin - 2);
+    rows->setSpacing(0);
+    rows->addWidget(header);
+    rows->addSpacing(6);
+    rows->addWidget(explanation);
+    rows->addSpacing(12);
+    rows->addWidget(nameField_);
+    rows->addSpacing(5);
+    rows->addLayout(messageRow);
+    rows->addStretch();
+    rows->addSpacing(6);
+    rows->addLayout(buttonRow);
+
+    setTabOrder(nameField_, saveButton_);
+    setTabOrder(saveButton_, cancelButton_);
+    setFocusProxy(nameField_);
+}
+
+void SavePopoverWindow::nameChanged(const QString& name) {
+    view_->setLayoutName(name.toStdString());
+    showState();
+}
+
+void SavePopoverWindow::showState() {
+    const auto error = view_->errorMessage();
+    const auto notice = view_->notice();
+    const auto text = QString::fromStdString(error.value_or(notice.value_or("")));
+    // An empty field is where everybody begins, not a mistake.
+    const bool isMistake = error && !trimmed(view_->layoutName()).empty();
+    const QColor color = isMistake ? warningColor(palette()) : secondaryTextColor(palette());
+
+    message_->setText(text);
+    setTextColor(*message_, color);
+    const bool hasIcon = isMistake || (!error && notice);
+    messageIcon_->setVisible(hasIcon);
+    if (hasIcon) {
+        const auto name =
+            isMistake ? QStringLiteral("exclamationmark.triangle.fill") : QStringLiteral("info.circle.fill");
+        const int side = fontMetrics().height();
+        messageIcon_->setPixmap(symbolIcon(name, color).pixmap(QSize(side, side), devicePixelRatioF()));
+    }
+    nameField_->setAccessibleDescription(text);
+    saveButton_->setEnabled(view_->canSave());
+    saveButton_->setToolTip(error ? text : QString());
+}
+
+void SavePopoverWindow::save() {
+    // The answer closes this window, and with it goes its view.
+    const auto view = view_;
+    view->save();
+}
+
+void SavePopoverWindow::cancel() {
+    const auto view = view_;
+    view->cancel();
+}
+
+void SavePopoverWindow::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Escape:
+        cancel();
+        return;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (cancelButton_->hasFocus())
+            cancel();
+        else
+            save();
+        return;
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
+
+bool SavePopoverWindow::event(QEvent* event) {
+    // A menu of the name field is not another window.
+    const bool leaves = event->type() == QEvent::WindowDeactivate && !QApplication::activePopupWidget();
+    const bool handled = QWidget::event(event);
+    if (leaves && isVisible())
+        dismissed_();
+    return handled;
+}
+
+void SavePopoverWindow::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    QPainterPath shape;
+    shape.addRoundedRect(rect(), cornerRadius, cornerRadius);
+    setMask(QRegion(shape.toFillPolygon().toPolygon()));
+}
+
+void SavePopoverWindow::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QColor line = palette().color(QPalette::WindowText);
+    line.setAlphaF(0.35F);
+    painter.setPen(QPen(line, 1));
+    painter.setBrush(palette().window());
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5,
+                            cornerRadius - 0.5);
+}
+
+} // namespace tavrin
