@@ -86,8 +86,9 @@ void AppDelegate::applicationDidFinishLaunching() {
     permissionSubscription_ = permissionStatusViewModel_.state.subscribe(
         [this](AccessibilityPermissionState state) { permissionChanged(state); });
     if (observers_.empty())
-        for (const SystemEvent event : {SystemEvent::screenParametersChanged, SystemEvent::didWake,
-                                        SystemEvent::screenIsUnlocked, SystemEvent::didBecomeActive})
+        for (const SystemEvent event :
+             {SystemEvent::screenParametersChanged, SystemEvent::didWake, SystemEvent::screenIsUnlocked,
+              SystemEvent::didBecomeActive, SystemEvent::trustMayHaveChanged})
             observers_.push_back(platform_.systemEvents.observe(event, [this] { refresh(); }));
     refresh();
 }

@@ -9,8 +9,9 @@ namespace tavrin {
 enum class SystemEvent {
     screenParametersChanged, ///< a screen came, went, moved or changed size; bursts are not merged
     didWake,
-    screenIsUnlocked, ///< once per unlock; also after login
-    didBecomeActive,  ///< a window of this program came to the front
+    screenIsUnlocked,    ///< once per unlock; also after login
+    didBecomeActive,     ///< a window of this program came to the front
+    trustMayHaveChanged, ///< the desktop may answer differently about the permission now
 };
 
 /// Tells about events of the desktop, on the main thread. An event that the desktop cannot report simply

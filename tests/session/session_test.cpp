@@ -1,0 +1,163 @@
+#include "doubles/fake_desktop.h"
+#include "doubles/fake_file_system.h"
+#include "doubles/fake_time.h"
+#include "session/accessibility_permission_service.h"
+#include "session/app_data_reset_coordinator.h"
+#include "session/launch_at_login_service.h"
+#include "session/permission_status_view_model.h"
+#include "session/single_instance_guard.h"
+
+#include <gtest/gtest.h>
+
+namespace tavrin {
+namespace {
+
+using enum AccessibilityPermissionState;
+
+TEST(AccessibilityPermission, ProbesWhenTheTrustQuerySaysNo) {
+    testing::FakeElements elements;
+    EXPECT_FALSE(canReadFocusedWindow(elements)) << "no focused application";
+    elements.system->attributes[AXAttribute::focusedApplication] = std::string("not an element");
+    EXPECT_FALSE(canReadFocusedWindow(elements));
+    elements.system->attributes[AXAttribute::focusedApplication] = AXElement{};
+    EXPECT_FALSE(canReadFocusedWindow(elements));
+    auto& application = elements.application(1);
+    elements.system->attributes[AXAttribute::focusedApplication] = elements.applicationElement(1, {});
+    EXPECT_FALSE(canReadFocusedWindow(elements)) << "neither a focused window nor a list";
+    application.attributes[AXAttribute::windows] = std::vector<AXElement>{};
+    EXPECT_FALSE(canReadFocusedWindow(elements));
+    elements.addWindow(1, {}, "w");
+    EXPECT_TRUE(canReadFocusedWindow(elements));
+    application.attributes.erase(AXAttribute::windows);
+    application.attributes[AXAttribute::focusedWindow] = elements.addWindow(2, {}, "w");
+    EXPECT_TRUE(canReadFocusedWindow(elements));
+}
+
+TEST(AccessibilityPermission, IsGrantedByAnyPositiveAnswer) {
+    using Prompt = AccessibilityPermissionService::Prompt;
+    for (const auto& [trusted, probe, expected] :
+         {std::tuple{true, false, granted}, {false, true, granted}, {false, false, denied}}) {
+        std::vector<Prompt> prompts;
+        AccessibilityPermissionService service({.trustedCheck = [&] { return trusted; },
+                                                .promptCheck =
+                                                    [&](Prompt prompt) {
+                                                        prompts.push_back(prompt);
+                                                        return trusted;
+                                                    },
+                                                .probeCheck = [&] { return probe; }});
+        EXPECT_EQ(service.currentState(), expected);
+        EXPECT_TRUE(prompts.empty());
+        EXPECT_EQ(service.requestAccess(), expected);
+        EXPECT_EQ(service.recheckAccess(), expected);
+        EXPECT_EQ(prompts, (std::vector{Prompt::show, Prompt::suppress}));
+    }
+}
+
+TEST(PermissionStatus, PollsUntilGrantedAndNeverTakesAway) {
+    testing::FixedPermission service;
+    testing::FakeTime time;
+    PermissionStatusViewModel model{service, time};
+    EXPECT_EQ(model.state.value(), unknown);
+    EXPECT_EQ(model.title(), "Checking Accessibility");
+    model.requestAccess();
+    EXPECT_EQ(time.pendingTasks(), 0u) << "granted at once";
+
+    service.state = denied;
+    model.recheck();
+    EXPECT_EQ(time.pendingTasks(), 0u);
+    model.recheckAndPoll();
+    model.recheckAndPoll();
+    EXPECT_EQ(time.pendingTasks(), 1u);
+    time.pass(10);
+    EXPECT_EQ(model.state.value(), denied);
+    EXPECT_EQ(time.pendingTasks(), 1u);
+    service.state = granted;
+    time.pass(1.9);
+    EXPECT_EQ(model.state.value(), denied) << "until the next tick";
+    time.pass(0.2);
+    EXPECT_EQ(model.state.value(), granted);
+    EXPECT_EQ(time.pendingTasks(), 0u);
+    service.state = denied;
+    time.pass(10);
+    EXPECT_EQ(model.state.value(), granted);
+    model.refresh();
+    EXPECT_EQ(model.state.value(), denied);
+}
+
+struct FixedInstances : RunningInstances {
+    std::vector<std::vector<InstanceProbe>> answers; ///< one per question, the last one again
+    std::size_t questions = 0;
+    std::vector<ProcessID> activated;
+    std::vector<InstanceProbe> runningInstances() override {
+        return answers.at(std::min(questions++, answers.size() - 1));
+    }
+    void activate(ProcessID pid) override { activated.push_back(pid); }
+};
+
+TEST(SingleInstance, FindsTheFirstOtherCopy) {
+    FixedInstances instances;
+    SingleInstanceGuard guard{10, "org.tavrin.Tavrin", instances};
+    instances.answers = {{{10, "org.tavrin.Tavrin"}, {11, std::nullopt}, {12, "org.tavrin.tavrin"}}};
+    EXPECT_EQ(guard.otherInstance(), std::nullopt);
+    instances.answers[0].push_back({13, "org.tavrin.Tavrin"});
+    instances.answers[0].push_back({14, "org.tavrin.Tavrin"});
+    EXPECT_EQ(guard.otherInstance()->pid, 13);
+    guard.activateOtherInstance();
+    EXPECT_EQ(instances.activated, std::vector<ProcessID>{13});
+    instances.answers = {{}};
+    guard.activateOtherInstance();
+    EXPECT_EQ(instances.activated.size(), 1u) << "it is gone by now";
+}
+
+TEST(AppDataReset, RemovesTheFilesOncePerVersion) {
+    testing::FakeFileSystem files;
+    testing::FakeDefaults defaults;
+    const AppSupportPaths paths{files, "/data"};
+    files.files = {{"/data/profiles.json", "p"}, {"/data/settings.json", "s"}, {"/data/notes.txt", "mine"}};
+    AppDataResetCoordinator reset{paths, defaults};
+    EXPECT_EQ(reset.applyIfNeeded(), AppDataResetCoordinator::Outcome::didReset);
+    EXPECT_EQ(files.files, (std::map<std::string, std::string>{{"/data/notes.txt", "mine"}}));
+    EXPECT_EQ(defaults.integers["tavrin.beta.appDataResetVersion"], 1);
+    EXPECT_TRUE(defaults.booleans["tavrin.beta.resetNoticePending"]);
+    EXPECT_TRUE(reset.consumeResetNotice());
+    const int writes = defaults.writes;
+    EXPECT_FALSE(reset.consumeResetNotice());
+    files.files["/data/layouts.json"] = "l";
+    EXPECT_EQ(reset.applyIfNeeded(), AppDataResetCoordinator::Outcome::alreadyApplied);
+    EXPECT_EQ(defaults.writes, writes);
+    EXPECT_TRUE(files.files.contains("/data/layouts.json"));
+
+    files.failing = {"remove"};
+    AppDataResetCoordinator later{paths, defaults, 2};
+    EXPECT_EQ(later.applyIfNeeded(), AppDataResetCoordinator::Outcome::didReset);
+    EXPECT_EQ(defaults.integers["tavrin.beta.appDataResetVersion"], 2);
+}
+
+TEST(LaunchAtLogin, CallsThePlatformOnlyWhenNeeded) {
+    struct Item : LoginItem {
+        LoginItemStatus current = LoginItemStatus::notRegistered;
+        std::string calls;
+        LoginItemStatus status() override { return current; }
+        std::expected<void, PlatformError> registerItem() override {
+            calls += "r";
+            return std::unexpected(PlatformError{13, "no"});
+        }
+        std::expected<void, PlatformError> unregisterItem() override {
+            calls += "u";
+            return {};
+        }
+    } item;
+    LaunchAtLoginService service{item};
+    EXPECT_TRUE(service.disable());
+    EXPECT_EQ(service.enable().error(), (PlatformError{13, "no"}));
+    item.current = LoginItemStatus::enabled;
+    EXPECT_TRUE(service.enable());
+    EXPECT_EQ(item.calls, "r");
+    item.current = LoginItemStatus::requiresApproval;
+    EXPECT_FALSE(service.isEnabled());
+    EXPECT_TRUE(service.disable());
+    EXPECT_EQ(item.calls, "ru");
+}
+
+} // namespace
+} // namespace tavrin
