@@ -47,9 +47,7 @@ QtApplicationHost::QtApplicationHost(QApplication& application) {
     application.setWindowIcon(
         QIcon::fromTheme(applicationId, QIcon(QStringLiteral(":/icons/org.tavrin.Tavrin.svg"))));
 
-    connect(&application, &QGuiApplication::applicationStateChanged, this,
-            &QtApplicationHost::updateIsActive);
-    connect(&application, &QGuiApplication::focusWindowChanged, this, &QtApplicationHost::updateIsActive);
+    connect(&application, &QGuiApplication::focusWindowChanged, this, &QtApplicationHost::focusMoved);
 
     // Launching at login is the autostart entry's business. A session manager that restarts the program as
     // well would start it twice.
@@ -97,14 +95,18 @@ std::string QtApplicationHost::shortVersion() {
     return QCoreApplication::applicationVersion().toStdString();
 }
 
-void QtApplicationHost::updateIsActive() {
-    const bool wasActive = isActive_;
-    const QWindow* focus = QGuiApplication::focusWindow();
-    if (QGuiApplication::applicationState() != Qt::ApplicationActive)
-        isActive_ = false;
-    else if (focus && focus->type() != Qt::Popup) // the menu of the status item is no window of its own
-        isActive_ = true;
-    if (isActive_ && !wasActive)
+bool QtApplicationHost::isActive() const {
+    // Qt goes on calling the program active when the window with the focus is hidden.
+    return QGuiApplication::applicationState() == Qt::ApplicationActive && window_ && window_->isVisible();
+}
+
+void QtApplicationHost::focusMoved(QWindow* window) {
+    // The menu of the status item is no window of its own.
+    if (window && window->type() == Qt::Popup)
+        return;
+    const bool wasActive = window_ && window_->isVisible();
+    window_ = window;
+    if (window && !wasActive)
         didBecomeActive_.emit();
 }
 

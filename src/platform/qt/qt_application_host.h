@@ -4,9 +4,10 @@
 #include "ports/application_host.h"
 
 #include <QObject>
+#include <QPointer>
+#include <QWindow>
 
 class QApplication;
-class QWindow;
 
 namespace tavrin {
 
@@ -21,7 +22,7 @@ public:
     explicit QtApplicationHost(QApplication& application);
 
     /// A window of this program has the focus.
-    bool isActive() const { return isActive_; }
+    bool isActive() const;
 
     /// `handler` is called every time the program comes to the front until the token is released.
     Token observeDidBecomeActive(std::function<void()> handler);
@@ -35,10 +36,10 @@ public:
     std::string shortVersion() override;
 
 private:
-    void updateIsActive();
+    void focusMoved(QWindow* window);
 
     Signal<> didBecomeActive_;
-    bool isActive_ = false;
+    QPointer<QWindow> window_; ///< the one that had the focus last; none when another program has it
 };
 
 } // namespace tavrin

@@ -26,9 +26,10 @@ void QtSavePopover::show(std::shared_ptr<SaveLayoutPopoverView> view) {
 void QtSavePopover::close() {
     if (!window_)
         return;
-    // Usually asked for from inside the window's own events.
-    window_->hide();
-    window_.release()->deleteLater();
+    // Usually asked for from inside the window's own events, and hiding it brings another one about.
+    SavePopoverWindow* window = window_.release();
+    window->hide();
+    window->deleteLater();
 }
 
 void QtSavePopover::place() {
