@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <unistd.h>
 
 namespace tavrin::desktop {
 
@@ -24,7 +25,8 @@ void require(bool isUp, const char* part, const QString& logs) {
 } // namespace
 
 Desktop::Desktop(const Options& options) {
-    const QString base = qEnvironmentVariable("TAVRIN_TEST_LOGS", QDir::tempPath() + "/tavrin-desktop-logs");
+    const QString base = qEnvironmentVariable("TAVRIN_TEST_LOGS", QDir::tempPath() + "/tavrin-desktop-logs-" +
+                                                                      QString::number(::getuid()));
     logs_ = base + "/" + QString::fromStdString(options.name);
     QDir(logs_).removeRecursively();
     require(scratch_.isValid() && QDir().mkpath(logs_), "scratch folder", logs_);

@@ -142,6 +142,17 @@ QVariant Tray::property(const QString& name) const {
 }
 
 std::string Tray::picture() const {
+    // A change that is announced while the answer is on its way makes the answer stale.
+    std::string drawn;
+    int changes = 0;
+    do {
+        changes = iconChanges_;
+        drawn = readPicture();
+    } while (changes != iconChanges_);
+    return drawn;
+}
+
+std::string Tray::readPicture() const {
     QCryptographicHash pixels(QCryptographicHash::Md5);
     const auto argument = property("IconPixmap").value<QDBusArgument>();
     if (argument.currentType() == QDBusArgument::ArrayType) {

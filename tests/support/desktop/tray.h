@@ -51,7 +51,7 @@ public:
 
     /// A property of the item, such as "Status"; invalid when it does not answer.
     QVariant property(const QString& name) const;
-    /// What is drawn for the item: a checksum of its pixels or its icon's name, and its title.
+    /// What is drawn for the item: its icon's name and a checksum of its pixels.
     std::string picture() const;
     /// How often the item said that its icon changed.
     int iconChanges() const { return iconChanges_; }
@@ -75,6 +75,7 @@ private slots:
     void noteNewIcon() { ++iconChanges_; }
 
 private:
+    std::string readPicture() const;
     QDBusMessage menuCall(const QString& method, const QVariantList& arguments) const;
     void forget(const QString& service);
 

@@ -9,7 +9,7 @@ namespace tavrin::desktop {
 
 namespace {
 
-constexpr std::uint32_t staticGravity = 10;
+constexpr std::uint32_t northWestGravity = 1;
 constexpr std::uint32_t sourceIsPager = 2;
 
 } // namespace
@@ -27,6 +27,18 @@ std::vector<xcb_window_t> Windows::managed() {
             windows.push_back(window);
     for (const auto window : windows)
         follow(window);
+    return windows;
+}
+
+std::vector<xcb_window_t> Windows::shown() {
+    auto windows = managed();
+    auto* c = x_.raw();
+    const Reply<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(c, xcb_query_tree(c, x_.root()), nullptr)};
+    if (tree) {
+        const auto* first = xcb_query_tree_children(tree.get());
+        windows.insert(windows.end(), first, first + xcb_query_tree_children_length(tree.get()));
+    }
+    std::erase_if(windows, [this](xcb_window_t window) { return !isViewable(window); });
     return windows;
 }
 
@@ -146,14 +158,16 @@ bool Windows::place(xcb_window_t window, const Rect& frame) {
     if (!now || !area)
         return false;
     const bool isResized = now->width != frame.width || now->height != frame.height;
-    // With static gravity the numbers are the client's own rectangle, whatever is drawn around it.
+    // The position is that of the outer corner of all that is drawn, the size is the client's own. (Static
+    // gravity would be off by the border that xterm asks for and openbox leaves out.)
     const std::uint32_t parts = isResized ? 0xf00 : 0x300; // x, y, width, height
     const auto number = [](double value) {
         return static_cast<std::uint32_t>(static_cast<std::int32_t>(value));
     };
+    const auto shadow = shadows(window);
     x_.askWindowManager(window, "_NET_MOVERESIZE_WINDOW",
-                        {staticGravity | parts | sourceIsPager << 12, number(frame.x + area->x - now->x),
-                         number(frame.y + area->y - now->y), number(frame.width + area->width - now->width),
+                        {northWestGravity | parts | sourceIsPager << 12, number(frame.x - shadow[0]),
+                         number(frame.y - shadow[2]), number(frame.width + area->width - now->width),
                          number(frame.height + area->height - now->height)});
     // Terminals take the nearest whole step.
     const auto hints = x_.cardinals(window, "WM_NORMAL_HINTS");
@@ -169,12 +183,20 @@ bool Windows::place(xcb_window_t window, const Rect& frame) {
 }
 
 bool Windows::maximise(xcb_window_t window) {
+    return changeMaximised(window, true);
+}
+
+bool Windows::unmaximise(xcb_window_t window) {
+    return changeMaximised(window, false);
+}
+
+bool Windows::changeMaximised(xcb_window_t window, bool isWanted) {
     follow(window);
-    constexpr std::uint32_t add = 1;
+    const auto before = visibleFrame(window);
     x_.askWindowManager(window, "_NET_WM_STATE",
-                        {add, x_.atom("_NET_WM_STATE_MAXIMIZED_VERT"),
+                        {isWanted ? 1U : 0U, x_.atom("_NET_WM_STATE_MAXIMIZED_VERT"),
                          x_.atom("_NET_WM_STATE_MAXIMIZED_HORZ"), sourceIsPager, 0});
-    return waitUntil([&] { return isMaximised(window); });
+    return waitUntil([&] { return isMaximised(window) == isWanted && visibleFrame(window) != before; });
 }
 
 void Windows::activate(xcb_window_t window) {

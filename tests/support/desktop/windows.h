@@ -15,6 +15,8 @@ public:
 
     /// The windows that the window manager keeps, bottom to top.
     std::vector<xcb_window_t> managed();
+    /// Every window that is on the screen now, with or without the window manager.
+    std::vector<xcb_window_t> shown();
     std::optional<xcb_window_t> find(const std::string& title);
     std::optional<xcb_window_t> waitForTitle(const std::string& title);
     bool waitUntilManaged(xcb_window_t window);
@@ -28,6 +30,7 @@ public:
     /// size increments take the nearest size.
     bool place(xcb_window_t window, const Rect& frame);
     bool maximise(xcb_window_t window);
+    bool unmaximise(xcb_window_t window);
     void activate(xcb_window_t window);
 
     /// The process of the window that gets the keys now; 0 when none says so.
@@ -44,6 +47,7 @@ private:
     std::optional<Rect> clientArea(xcb_window_t window);
     bool isViewable(xcb_window_t window);
     bool hasState(xcb_window_t window, const std::string& state);
+    bool changeMaximised(xcb_window_t window, bool isWanted);
     void follow(xcb_window_t window);
 
     XConnection& x_;

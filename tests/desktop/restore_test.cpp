@@ -1,0 +1,207 @@
+#include "desktop_test.h"
+#include "support/desktop/tavrin_program.h"
+
+#include <gmock/gmock.h>
+
+namespace tavrin::desktop {
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::UnorderedElementsAreArray;
+
+const std::vector<Rect> oneDisplay{{0, 0, 1920, 1080}};
+const std::vector<Rect> twoDisplays{{0, 0, 1920, 1080}, {1920, 0, 1600, 1200}};
+
+bool contains(const Rect& outer, const Rect& inner) {
+    return unionOf(outer, inner) == outer;
+}
+
+class RestoreTest : public DesktopTest {
+protected:
+    /// The desktop, the program on it, and one test application.
+    void beginWith(const std::vector<Rect>& displays) {
+        begin({.displays = displays});
+        program_ = std::make_unique<TavrinProgram>(desktop());
+        ASSERT_TRUE(program_->start());
+        client_ = desktop().startClient();
+    }
+
+    TavrinProgram& program() { return *program_; }
+    TestClient& client() { return *client_; }
+
+    /// Opens a window and puts it where it is seen at `frame`.
+    xcb_window_t open(WindowRequest request, const Rect& frame) {
+        const auto window = client().open(request);
+        EXPECT_TRUE(window && windows().place(*window, frame)) << request.title;
+        return window.value_or(XCB_NONE);
+    }
+
+    std::vector<Rect> seenAll(const std::vector<xcb_window_t>& all) {
+        std::vector<Rect> frames;
+        for (const auto window : all)
+            frames.push_back(seen(window));
+        return frames;
+    }
+
+    void TearDown() override {
+        DesktopTest::TearDown();
+        client_.reset();
+        program_.reset();
+    }
+
+private:
+    std::unique_ptr<TavrinProgram> program_;
+    std::unique_ptr<TestClient> client_;
+};
+
+// Every kind of window that people have, on every display: back to the pixel, however it draws its borders.
+class EveryKindOfWindow : public RestoreTest, public ::testing::WithParamInterface<std::vector<Rect>> {};
+
+TEST_P(EveryKindOfWindow, ComesBackToThePixel) {
+    beginWith(GetParam());
+    const Rect& last = GetParam().back();
+    const auto terminal = desktop().startProgram("xterm", {"-T", "terminal"});
+    const auto xterm = windows().waitForTitle("terminal");
+    ASSERT_TRUE(terminal && xterm);
+    const std::vector<xcb_window_t> all{
+        open({.applicationClass = "Editor", .title = "plain"}, {100, 80, 500, 400}),
+        open({.applicationClass = "Editor", .title = "dialog", .type = "DIALOG"}, {640, 80, 320, 240}),
+        open({.applicationClass = "Player", .title = "bare", .isDecorated = false}, {40, 560, 480, 360}),
+        open({.applicationClass = "Files",
+              .title = "shadowed",
+              .isDecorated = false,
+              .shadow = {26, 26, 23, 29}},
+             {last.x + 700, last.y + 300, 640, 480}),
+        open({.applicationClass = "Cells", .title = "stepped", .increment = {9, 18}},
+             {last.x + 50, last.y + 50, 463, 403}),
+        *xterm,
+    };
+    ASSERT_TRUE(windows().place(*xterm, {last.x + 300, last.y + 500, 600, 400}));
+    const auto saved = seenAll(all);
+    ASSERT_TRUE(program().saveLayout("Work"));
+
+    for (std::size_t index = 0; index < all.size(); ++index)
+        ASSERT_TRUE(windows().place(all[index], {30.0 + 60.0 * double(index), 40.0 + 30.0 * double(index),
+                                                 300.0 + 20.0 * double(index), 280}));
+    ASSERT_NE(seenAll(all), saved);
+    ASSERT_TRUE(program().restoreLayout("Work"));
+    EXPECT_EQ(seenAll(all), saved);
+}
+
+std::string countOfDisplays(const ::testing::TestParamInfo<std::vector<Rect>>& test) {
+    return "On" + std::to_string(test.param.size());
+}
+INSTANTIATE_TEST_SUITE_P(Displays, EveryKindOfWindow, ::testing::Values(oneDisplay, twoDisplays),
+                         countOfDisplays);
+
+TEST_F(RestoreTest, WindowsOfALostDisplayAllEndInsideTheOneThatIsLeft) {
+    beginWith(twoDisplays);
+    const std::vector<xcb_window_t> all{
+        open({.title = "left"}, {100, 100, 600, 500}),
+        open({.title = "right"}, {2100, 100, 900, 700}),
+        open({.title = "corner"}, {3120, 900, 400, 300}),
+        open({.title = "large"}, {1930, 10, 1580, 1180}),
+    };
+    ASSERT_TRUE(program().saveLayout("Desk"));
+    ASSERT_TRUE(outputs().unplug(1));
+    ASSERT_TRUE(waitUntil([&] { return !program().offers("Desk"); })) << "another setup is connected now";
+    ASSERT_TRUE(program().restoreBy({"Other Display Setups", "2-Display Setup", "Desk"}));
+    for (const auto window : all)
+        EXPECT_TRUE(contains(oneDisplay.front(), seen(window)))
+            << windows().title(window) << " at " << ::testing::PrintToString(seen(window));
+}
+
+TEST_F(RestoreTest, WindowsWithOneTitleFillAllTheirPlaces) {
+    beginWith(oneDisplay);
+    std::vector<xcb_window_t> all;
+    for (const double x : {50, 650, 1250})
+        all.push_back(open({.title = "Untitled"}, {x, 200, 500, 400}));
+    const auto saved = seenAll(all);
+    ASSERT_TRUE(program().saveLayout("Three"));
+    for (std::size_t index = 0; index < all.size(); ++index)
+        ASSERT_TRUE(windows().place(all[index], {900.0 - 200.0 * double(index), 500, 450, 350}));
+    ASSERT_TRUE(program().restoreLayout("Three"));
+    EXPECT_THAT(seenAll(all), UnorderedElementsAreArray(saved));
+}
+
+TEST_F(RestoreTest, AMaximisedWindowGoesBackToItsFrame) {
+    beginWith(oneDisplay);
+    const auto wasNormal = open({.applicationClass = "Mail", .title = "normal"}, {300, 200, 700, 500});
+    const auto wasMaximised = open({.applicationClass = "Map", .title = "maximised"}, {500, 300, 600, 400});
+    ASSERT_TRUE(windows().maximise(wasMaximised));
+    const auto saved = seenAll({wasNormal, wasMaximised});
+    ASSERT_TRUE(program().saveLayout("Mixed"));
+
+    ASSERT_TRUE(windows().maximise(wasNormal));
+    ASSERT_TRUE(windows().unmaximise(wasMaximised));
+    ASSERT_TRUE(windows().place(wasMaximised, {100, 100, 400, 300}));
+    ASSERT_TRUE(program().restoreLayout("Mixed"));
+    EXPECT_EQ(seenAll({wasNormal, wasMaximised}), saved);
+}
+
+TEST_F(RestoreTest, AWindowThatVanishesHalfWayStopsNoOther) {
+    beginWith(oneDisplay);
+    const auto bystander = open({.applicationClass = "Other", .title = "bystander"}, {1200, 600, 500, 400});
+    const auto first = open({.title = "first"}, {100, 100, 400, 300});
+    const auto second = open({.title = "second"}, {600, 100, 400, 300});
+    const Rect saved = seen(bystander);
+    ASSERT_TRUE(program().saveLayout("Work"));
+    for (const auto window : {bystander, first, second})
+        ASSERT_TRUE(windows().place(window, {300, 500, 350, 280}));
+    ASSERT_TRUE(client().vanishOnMove({first, second}));
+    ASSERT_TRUE(program().restoreLayout("Work"));
+    EXPECT_EQ(seen(bystander), saved);
+    EXPECT_NE(windows().find("first").has_value(), windows().find("second").has_value());
+    EXPECT_TRUE(program().process().isRunning());
+}
+
+TEST_F(RestoreTest, AHungApplicationStopsNoOther) {
+    beginWith(oneDisplay);
+    const auto hanging = desktop().startClient();
+    const auto stuck = hanging->open({.applicationClass = "Stuck", .title = "stuck"});
+    ASSERT_TRUE(stuck && windows().place(*stuck, {100, 100, 400, 300}));
+    const auto lively = open({.applicationClass = "Zebra", .title = "lively"}, {900, 500, 500, 400});
+    const auto saved = seenAll({*stuck, lively});
+    ASSERT_TRUE(program().saveLayout("Work"));
+    for (const auto window : {*stuck, lively})
+        ASSERT_TRUE(windows().place(window, {300, 300, 350, 280}));
+    hanging->hang();
+    ASSERT_TRUE(program().restoreLayout("Work"));
+    EXPECT_EQ(seenAll({*stuck, lively}), saved);
+    hanging->resume();
+}
+
+TEST_F(RestoreTest, SavingUnderTheNameInOtherCapitalsReplacesTheLayout) {
+    beginWith(oneDisplay);
+    const auto window = open({.title = "one"}, {100, 100, 400, 300});
+    ASSERT_TRUE(program().saveLayout("Work"));
+    ASSERT_TRUE(windows().place(window, {800, 500, 500, 350}));
+    ASSERT_TRUE(program().saveLayout("WORK"));
+    EXPECT_NE(program().offers("Work"), program().offers("WORK")) << program().menu();
+
+    ASSERT_TRUE(windows().place(window, {300, 300, 450, 320}));
+    ASSERT_TRUE(program().restoreLayout(program().offers("WORK") ? "WORK" : "Work"));
+    EXPECT_EQ(seen(window), (Rect{800, 500, 500, 350}));
+}
+
+TEST_F(RestoreTest, NothingMovesWhenEverythingIsInPlace) {
+    beginWith(twoDisplays);
+    const auto nearby = open({.title = "nearby"}, {100, 100, 400, 300});
+    open({.applicationClass = "Bare", .title = "far", .isDecorated = false}, {2200, 300, 600, 500});
+    ASSERT_TRUE(program().saveLayout("Still"));
+    desktop().x().takeMoves();
+    ASSERT_TRUE(program().restoreLayout("Still"));
+    EXPECT_EQ(desktop().x().takeMoves().size(), 0U);
+
+    // Two points off still counts as in place, three do not.
+    for (const auto& [offset, returns] : {std::pair{2.0, false}, std::pair{3.0, true}}) {
+        ASSERT_TRUE(windows().place(nearby, {100 + offset, 100, 400, 300}));
+        ASSERT_TRUE(program().restoreLayout("Still"));
+        EXPECT_EQ(seen(nearby).x, returns ? 100 : 100 + offset);
+    }
+}
+
+} // namespace
+
+} // namespace tavrin::desktop

@@ -1,0 +1,87 @@
+#include "support/desktop/tavrin_program.h"
+
+#include "support/desktop/wait.h"
+
+#include <QFile>
+
+#include <algorithm>
+
+namespace tavrin::desktop {
+
+namespace {
+
+const std::string automaticMark = " (auto)";
+
+// The title under which a layout of the present setup stands in the menu.
+std::optional<std::string> titleOf(const std::string& layout, const std::vector<TrayMenuItem>& menu) {
+    for (const auto& item : menu)
+        if (item.children.empty() && (item.title == layout || item.title == layout + automaticMark))
+            return item.title;
+    return std::nullopt;
+}
+
+} // namespace
+
+bool TavrinProgram::launch() {
+    process_ = desktop_.startProgram(qEnvironmentVariable("TAVRIN_PROGRAM", TAVRIN_PROGRAM_PATH));
+    return process_ != nullptr;
+}
+
+bool TavrinProgram::start() {
+    if (!launch() || !desktop_.tray().waitForItem())
+        return false;
+    restingPicture_ = desktop_.tray().picture();
+    return true;
+}
+
+std::string TavrinProgram::menu() {
+    const auto items = desktop_.tray().openMenu();
+    return items ? describe(*items) : std::string();
+}
+
+bool TavrinProgram::offers(const std::string& layout) {
+    const auto items = desktop_.tray().openMenu();
+    return items && titleOf(layout, *items);
+}
+
+bool TavrinProgram::hasForm() {
+    const auto pid = static_cast<std::uint32_t>(process_->pid());
+    return std::ranges::any_of(desktop_.windows().shown(), [&](xcb_window_t window) {
+        return desktop_.windows().processOf(window) == pid;
+    });
+}
+
+bool TavrinProgram::openSaveForm() {
+    return desktop_.tray().choose({"Save Layout…"}) &&
+           waitUntil([this] { return desktop_.windows().processWithKeyboard() == process_->pid(); });
+}
+
+bool TavrinProgram::saveLayout(const std::string& name) {
+    return openSaveForm() && desktop_.keyboard().type(name) &&
+           desktop_.keyboard().press(Keyboard::returnKey) && waitUntil([this] { return !hasForm(); });
+}
+
+bool TavrinProgram::restoreLayout(const std::string& name) {
+    const auto items = desktop_.tray().openMenu();
+    const auto title = items ? titleOf(name, *items) : std::nullopt;
+    return title && restoreBy({*title});
+}
+
+bool TavrinProgram::restoreBy(const std::vector<std::string>& path) {
+    return waitForRest() && desktop_.tray().choose(path) && waitForFeedback();
+}
+
+bool TavrinProgram::waitForFeedback() {
+    return waitUntil([this] { return desktop_.tray().picture() != restingPicture_; });
+}
+
+bool TavrinProgram::waitForRest() {
+    return waitUntil([this] { return desktop_.tray().picture() == restingPicture_; });
+}
+
+std::string TavrinProgram::dataFile(const QString& name) const {
+    QFile file(desktop_.home() + "/.local/share/Tavrin/" + name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
+}
+
+} // namespace tavrin::desktop
