@@ -1,0 +1,126 @@
+#include "platform/open_platform.h"
+
+#include "platform/freedesktop/freedesktop_application_catalog.h"
+#include "platform/freedesktop/freedesktop_system_events.h"
+#include "platform/freedesktop/xdg_paths.h"
+#include "platform/posix/posix_file_system.h"
+#include "platform/posix/system_wall_clock.h"
+#include "platform/qt/qt_application_host.h"
+#include "platform/qt/qt_event_loop.h"
+#include "platform/qt/qt_scheduler.h"
+#include "platform/qt/qt_status_item.h"
+#include "platform/qt/qt_user_defaults.h"
+#include "platform/system_event_hub.h"
+#include "platform/x11/x11_platform.h"
+#include "ports/key_monitors.h"
+#include "ports/link_opener.h"
+#include "ports/login_item.h"
+#include "ports/running_instances.h"
+
+#include <QApplication>
+
+#include <cstdlib>
+
+namespace tavrin {
+namespace {
+
+class NoKeys : public KeyMonitors {
+    Token addGlobalMonitor(std::function<void(const KeyEvent&)>) override { return {}; }
+    Token addLocalMonitor(std::function<bool(const KeyEvent&)>) override { return {}; }
+};
+class NoLoginItem : public LoginItem {
+    LoginItemStatus status() override { return LoginItemStatus::notFound; }
+    std::expected<void, PlatformError> registerItem() override { return std::unexpected(PlatformError{}); }
+    std::expected<void, PlatformError> unregisterItem() override { return {}; }
+};
+class NoInstances : public RunningInstances {
+    std::vector<InstanceProbe> runningInstances() override { return {}; }
+    void activate(ProcessID) override {}
+};
+class NoLinks : public LinkOpener {
+    bool openAccessibilitySettings() override { return false; }
+    bool openFolder(const std::filesystem::path&) override { return false; }
+};
+
+/// A desktop on an X server, with the session services of freedesktop.org.
+class X11Desktop : public OpenedPlatform {
+public:
+    explicit X11Desktop(std::unique_ptr<QApplication> application)
+        : application_(std::move(application)), host_(*application_) {}
+
+    std::expected<void, std::string> open() {
+        auto x11 = X11Platform::open({}, eventLoop_, scheduler_, catalog_);
+        if (!x11)
+            return std::unexpected(x11.error());
+        x11_ = std::move(*x11);
+        observers_.push_back(x11_->observeScreenParameters(emit(SystemEvent::screenParametersChanged)));
+        observers_.push_back(x11_->observeWindowManager(emit(SystemEvent::trustMayHaveChanged)));
+        observers_.push_back(x11_->observeConnectionLoss([] {
+            std::fprintf(stderr, "tavrin: the connection to the X server is lost\n");
+            QCoreApplication::exit(EXIT_FAILURE);
+        }));
+        observers_.push_back(host_.observeDidBecomeActive(emit(SystemEvent::didBecomeActive)));
+        platform_.emplace(Platform{.screenList = x11_->screenList(),
+                                   .windowList = x11_->rawWindowList(),
+                                   .runningApplications = x11_->runningApplications(),
+                                   .windowElements = x11_->windowElements(),
+                                   .accessibilityTrust = x11_->accessibilityTrust(),
+                                   .keyMonitors = keyMonitors_,
+                                   .systemEvents = events_,
+                                   .loginItem = loginItem_,
+                                   .runningInstances = instances_,
+                                   .userDefaults = defaults_,
+                                   .fileSystem = fileSystem_,
+                                   .clock = clock_,
+                                   .scheduler = scheduler_,
+                                   .statusItem = statusItem_,
+                                   .applicationHost = host_,
+                                   .linkOpener = links_,
+                                   .applicationSupportDirectory = XdgPaths{}.dataHome()});
+        return {};
+    }
+
+    const Platform& platform() override { return *platform_; }
+    std::optional<Rect> statusItemAnchor() override { return statusItem_.anchor(); }
+    void setOnActivate(std::function<void()>) override {}
+    int run() override { return QApplication::exec(); }
+
+private:
+    std::function<void()> emit(SystemEvent event) {
+        return [this, event] { events_.emit(event); };
+    }
+
+    std::unique_ptr<QApplication> application_;
+    QtApplicationHost host_;
+    QtEventLoop eventLoop_;
+    QtScheduler scheduler_;
+    SystemEventHub events_;
+    FreedesktopApplicationCatalog catalog_;
+    FreedesktopSystemEvents sessionEvents_{{}, [this](SystemEvent event) { events_.emit(event); }};
+    QtUserDefaults defaults_;
+    PosixFileSystem fileSystem_;
+    SystemWallClock clock_;
+    QtStatusItem statusItem_;
+    NoKeys keyMonitors_;
+    NoLoginItem loginItem_;
+    NoInstances instances_;
+    NoLinks links_;
+    std::unique_ptr<X11Platform> x11_;
+    std::vector<Token> observers_;
+    std::optional<Platform> platform_;
+};
+
+} // namespace
+
+std::expected<std::unique_ptr<OpenedPlatform>, std::string> openPlatform(int& argc, char** argv) {
+    // Qt would abort without one.
+    if (!std::getenv("DISPLAY"))
+        return std::unexpected("no display to run on (DISPLAY is not set)");
+    QCoreApplication::setApplicationVersion(TAVRIN_VERSION);
+    auto desktop = std::make_unique<X11Desktop>(std::make_unique<QApplication>(argc, argv));
+    if (const auto opened = desktop->open(); !opened)
+        return std::unexpected(opened.error());
+    return desktop;
+}
+
+} // namespace tavrin

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "base/signal.h"
+#include "ports/system_events.h"
+
+#include <map>
+
+namespace tavrin {
+
+/// Brings the events of several platform folders together.
+class SystemEventHub : public SystemEvents {
+public:
+    Token observe(SystemEvent event, std::function<void()> handler) override {
+        return signals_[event].connect(std::move(handler));
+    }
+
+    void emit(SystemEvent event) { signals_[event].emit(); }
+
+private:
+    std::map<SystemEvent, Signal<>> signals_;
+};
+
+} // namespace tavrin

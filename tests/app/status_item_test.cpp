@@ -1,0 +1,331 @@
+#include "app/status_item_controller.h"
+#include "doubles/builders.h"
+#include "doubles/fake_desktop.h"
+#include "doubles/fake_file_system.h"
+#include "doubles/fake_time.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+namespace tavrin {
+namespace {
+
+/// A menu as text: one line per item, "[ ]" for a disabled one, submenus indented.
+std::string dump(const MenuModel& menu, int depth = 0) {
+    std::string text;
+    for (const MenuItem& item : menu) {
+        text += std::string(static_cast<std::size_t>(depth) * 2, ' ');
+        if (item.isSeparator) {
+            text += "---\n";
+            continue;
+        }
+        text += item.isEnabled ? item.title : "[ ] " + item.title;
+        if (item.keyEquivalent)
+            text += fmt::format(" <{}{}>",
+                                item.keyEquivalent->modifiers == ModifierSet{}
+                                    ? ""
+                                    : fmt::format("{:x}+", item.keyEquivalent->modifiers.rawValue),
+                                item.keyEquivalent->key);
+        text += "\n" + dump(item.submenu, depth + 1);
+    }
+    return text;
+}
+
+constexpr const char* tail = "---\n"
+                             "Settings… <,>\n"
+                             "---\n"
+                             "[ ] Beta v1.2 — free during beta\n"
+                             "Quit Tavrin <q>\n";
+
+TEST(StatusItemMenu, ShowsThePermissionFirst) {
+    for (const auto& [state, label] :
+         {std::pair{AccessibilityPermissionState::denied, "Accessibility access is required"},
+          {AccessibilityPermissionState::unknown, "Checking Accessibility permission"}})
+        EXPECT_EQ(
+            dump(statusItemMenu({.permission = state, .currentProfileName = "Desk", .version = "1.2"})),
+            fmt::format("[ ] {}\nOpen Accessibility Settings <,>\nRecheck Permission <r>\n{}", label, tail));
+    const auto menu = statusItemMenu({.permission = AccessibilityPermissionState::denied});
+    EXPECT_NE(dump(menu).find("[ ] Beta — free during beta\n"), std::string::npos) << "no version";
+}
+
+TEST(StatusItemMenu, ShowsTheSetupAndItsLayouts) {
+    StatusItemMenuContent content{.permission = AccessibilityPermissionState::granted, .version = "1.2"};
+    EXPECT_EQ(dump(statusItemMenu(content)), fmt::format("[ ] Current Display Setup\n"
+                                                         "[ ] No matched display setup yet\n"
+                                                         "---\n"
+                                                         "Save Layout…\n"
+                                                         "---\n"
+                                                         "[ ] No Display Setup Matched\n{}",
+                                                         tail));
+
+    auto desk = testing::profile("Desk", testing::desk());
+    const auto couch = testing::profile("Couch", testing::leftAlone());
+    content.profiles = {desk, couch};
+    content.matchedProfile = desk;
+    content.currentProfileName = "Desk";
+    content.suggestedProfileName = "never beside a match";
+    content.matchExplanation = "Because.";
+    EXPECT_EQ(dump(statusItemMenu(content)), fmt::format("[ ] Current Display Setup\n"
+                                                         "[ ] Desk\n"
+                                                         "[ ] Because.\n"
+                                                         "---\n"
+                                                         "Save Layout…\n"
+                                                         "---\n"
+                                                         "[ ] Restore Layout\n"
+                                                         "[ ] No Saved Layouts\n{}",
+                                                         tail));
+
+    auto work = testing::layout("Work", {}), play = testing::layout("Play", {}),
+         film = testing::layout("Film", {});
+    work.profileID = play.profileID = desk.id;
+    film.profileID = couch.id;
+    content.layouts = {work, film, play};
+    content.matchedProfile->defaultLayoutID = play.id;
+    content.layoutShortcuts = {{work.id, {15, ModifierSet::control | ModifierSet::option}}};
+    const auto menu = statusItemMenu(content);
+    EXPECT_EQ(dump(menu), fmt::format("[ ] Current Display Setup\n"
+                                      "[ ] Desk\n"
+                                      "[ ] Because.\n"
+                                      "---\n"
+                                      "Save Layout…\n"
+                                      "Update Layout\n"
+                                      "  Work\n"
+                                      "  Play\n"
+                                      "---\n"
+                                      "[ ] Restore Layout\n"
+                                      "Work <c0000+R>\n"
+                                      "Play (auto)\n"
+                                      "Other Display Setups\n"
+                                      "  Couch\n"
+                                      "    Film\n{}",
+                                      tail));
+    EXPECT_EQ(menu[8].representedObject, work.id);
+    EXPECT_EQ(menu[8].action, MenuAction::restoreLayout);
+    EXPECT_EQ(menu[5].submenu[1].representedObject, play.id);
+    EXPECT_EQ(menu[5].submenu[1].action, MenuAction::quickUpdateLayout);
+
+    content.matchedProfile.reset();
+    content.currentProfileName.reset();
+    content.suggestedProfileName = "Desk";
+    content.requiresConfirmation = true;
+    EXPECT_EQ(dump(statusItemMenu(content)), fmt::format("[ ] Current Display Setup\n"
+                                                         "[ ] Desk\n"
+                                                         "[ ] Because.\n"
+                                                         "Confirm Suggested Setup\n"
+                                                         "---\n"
+                                                         "Save Layout…\n"
+                                                         "---\n"
+                                                         "[ ] No Display Setup Matched\n"
+                                                         "Other Display Setups\n"
+                                                         "  Desk\n"
+                                                         "    Work <c0000+R>\n"
+                                                         "    Play\n"
+                                                         "  Couch\n"
+                                                         "    Film\n{}",
+                                                         tail));
+}
+
+TEST(StatusItem, ChoosesTheFeedbackSymbol) {
+    EXPECT_EQ(feedbackSymbol({3, 3, 0, {}, 0, 0}), "checkmark.circle.fill");
+    EXPECT_EQ(feedbackSymbol({3, 1, 2, {}, 2, 0}), "exclamationmark.triangle.fill");
+    EXPECT_EQ(feedbackSymbol({3, 2, 1, {}, 0, 1}), "exclamationmark.triangle.fill");
+    EXPECT_EQ(feedbackSymbol({3, 0, 3, {}, 0, 3}), "xmark.circle");
+    EXPECT_EQ(feedbackSymbol({0, 0, 0, {}, 0, 0}), "xmark.circle");
+}
+
+struct FakeStatusItem : StatusItemSurface {
+    std::string image, title;
+    bool hasImages = true;
+    MenuModel menu;
+    int menusSet = 0;
+    std::function<void()> willOpen;
+    std::function<void(MenuAction, std::optional<Uuid>)> chosen;
+    bool setTemplateImage(const std::string& name) override {
+        if (hasImages)
+            image = name;
+        return hasImages;
+    }
+    void setTitle(const std::string& text) override { title = text; }
+    void setToolTip(const std::string&) override {}
+    void setMenu(const MenuModel& model) override {
+        menu = model;
+        ++menusSet;
+    }
+    void setMenuCallbacks(std::function<void()> open,
+                          std::function<void(MenuAction, std::optional<Uuid>)> choose) override {
+        willOpen = std::move(open);
+        chosen = std::move(choose);
+    }
+    void show() override {}
+};
+
+struct FakeHost : ApplicationHost, LinkOpener, SettingsWindowSurface {
+    std::string log;
+    std::function<void()> closed;
+    void setActivationPolicy(ActivationPolicy policy) override {
+        log += policy == ActivationPolicy::regular ? "regular " : "accessory ";
+    }
+    void activate() override { log += "activate "; }
+    void terminate() override { log += "terminate "; }
+    std::filesystem::path bundlePath() override { return "/opt/tavrin"; }
+    std::string shortVersion() override { return "1.2"; }
+    bool openAccessibilitySettings() override {
+        log += "help ";
+        return true;
+    }
+    bool openFolder(const std::filesystem::path&) override { return true; }
+    void show(SettingsPane pane, ResetNotice notice) override {
+        log += fmt::format("window{}{} ", static_cast<int>(pane), notice == ResetNotice::shown ? "!" : "");
+    }
+    void setOnClose(std::function<void()> onClose) override { closed = std::move(onClose); }
+};
+
+struct FakePopover : PopoverSurface {
+    std::shared_ptr<SaveLayoutPopoverView> view;
+    int shown = 0;
+    void show(std::shared_ptr<SaveLayoutPopoverView> content) override {
+        view = std::move(content);
+        ++shown;
+    }
+    void close() override { view.reset(); }
+};
+
+class StatusItemTest : public ::testing::Test {
+protected:
+    testing::FakeFileSystem files;
+    testing::FakeTime time;
+    AppSupportPaths paths{files, "/data"};
+    ProfileStore store{paths, time};
+    SettingsStore settings{paths, time};
+    testing::FixedDisplays displays;
+    testing::FixedWindows windows;
+    testing::FixedPermission permission;
+    testing::ScriptedRestores restores;
+    testing::FakeKeys keys;
+    testing::FakeDefaults defaults;
+    FakeHost host;
+    FakePopover popover;
+    FakeStatusItem item;
+    PermissionStatusViewModel permissionModel{permission, time};
+    CurrentProfileViewModel current{displays, store};
+    ProfileListViewModel list{store};
+    ShortcutManager shortcuts{settings, keys, time};
+    RestoreDebugStore debugStore;
+    CaptureService capture{{windows, nullptr, store, settings, displays, time}, 4711};
+    SettingsWindowController settingsWindow{host, host, AppDataResetCoordinator{paths, defaults}};
+    CapturePopoverController capturePopover{capture, store, current, list, popover};
+    StatusItemController controller{{permissionModel, settingsWindow, current, list, capturePopover, store,
+                                     restores, debugStore, shortcuts, item, host, host, time, time}};
+
+    void SetUp() override {
+        displays.snapshot = testing::desk();
+        windows.windows = {testing::window(1, "a", "t", {0, 0, 400, 300})};
+        restores.results = {RestoreResult(1, 1, 0, {})};
+    }
+
+    SavedLayout savedThroughPopover(const std::string& name) {
+        item.chosen(MenuAction::saveCurrentLayout, {});
+        popover.view->setLayoutName(name);
+        popover.view->save();
+        return store.loadLayouts()->back();
+    }
+};
+
+TEST_F(StatusItemTest, SavesThroughThePopoverAndUpdatesWithoutIt) {
+    const auto saved = savedThroughPopover(" Work ");
+    EXPECT_EQ(saved.name, "Work");
+    EXPECT_FALSE(popover.view) << "saving closes the popover";
+    EXPECT_EQ(list.profiles.value().size(), 1u);
+
+    item.chosen(MenuAction::saveCurrentLayout, {});
+    EXPECT_EQ(popover.view->existingNames(), std::vector<std::string>{"Work"});
+    EXPECT_FALSE(popover.view->canSave());
+    EXPECT_EQ(popover.view->errorMessage(), "Enter a name for this layout.");
+    popover.view->setLayoutName("wORK ");
+    EXPECT_EQ(popover.view->notice(), "Replaces existing layout");
+    EXPECT_TRUE(popover.view->canSave());
+    popover.view->setLayoutName(std::string(51, 'x'));
+    EXPECT_EQ(popover.view->errorMessage(), "Use at most 50 characters.");
+    popover.view->save();
+    EXPECT_TRUE(popover.view) << "a name that cannot be saved keeps the popover";
+    popover.view->cancel();
+    EXPECT_FALSE(popover.view);
+
+    windows.windows.push_back(testing::window(2, "b", "u", {0, 0, 400, 300}));
+    item.chosen(MenuAction::quickUpdateLayout, saved.id);
+    EXPECT_EQ(popover.shown, 2);
+    EXPECT_EQ(store.loadLayouts()->size(), 1u);
+    EXPECT_EQ(store.loadLayouts()->front().entries.size(), 2u);
+}
+
+TEST_F(StatusItemTest, MakesTheProfileBeforeANameIsTyped) {
+    item.chosen(MenuAction::saveCurrentLayout, {});
+    EXPECT_EQ(list.profiles.value().size(), 1u);
+    EXPECT_EQ(current.currentProfileName.value(), "2-Display Setup");
+    popover.view.reset();
+    files.files["/data/profiles.json"] = "broken";
+    item.chosen(MenuAction::saveCurrentLayout, {});
+    EXPECT_FALSE(popover.view) << "nothing to save for";
+}
+
+TEST_F(StatusItemTest, RestoresRecordsAndShowsFeedbackForAMoment) {
+    const auto saved = savedThroughPopover("Work");
+    item.chosen(MenuAction::restoreLayout, saved.id);
+    EXPECT_EQ(debugStore.lastAttempt.value(),
+              (RestoreAttemptDiagnostics{time.now(), RestoreTriggerSource::menuBar, "Work", saved.kind,
+                                         restores.results[0]}));
+    EXPECT_EQ(item.image, "checkmark.circle.fill");
+    time.pass(1);
+    restores.results = {RestoreResult(1, 0, 1, {})};
+    item.chosen(MenuAction::restoreLayout, saved.id);
+    EXPECT_EQ(item.image, "xmark.circle");
+    time.pass(1);
+    EXPECT_EQ(item.image, "xmark.circle") << "the first feedback's end is not the second's";
+    time.pass(0.6);
+    EXPECT_EQ(item.image, "MenuBarGlyph");
+    item.chosen(MenuAction::restoreLayout, Uuid::random());
+    item.chosen(MenuAction::restoreLayout, {});
+    EXPECT_EQ(restores.restored.size(), 2u);
+    EXPECT_EQ(item.image, "MenuBarGlyph");
+    item.hasImages = false;
+    item.chosen(MenuAction::restoreLayout, saved.id);
+    time.pass(2);
+    EXPECT_EQ(item.title, "T");
+}
+
+TEST_F(StatusItemTest, RebuildsTheMenuOncePerTurnAndWhenItOpens) {
+    time.pass(0);
+    const int before = item.menusSet;
+    permissionModel.refresh();
+    current.refresh();
+    savedThroughPopover("Work");
+    time.pass(0);
+    EXPECT_EQ(item.menusSet, before + 1);
+    EXPECT_NE(dump(item.menu).find("\nWork\n"), std::string::npos);
+    permission.state = AccessibilityPermissionState::denied;
+    item.willOpen();
+    EXPECT_NE(dump(item.menu).find("Accessibility access is required"), std::string::npos);
+    EXPECT_EQ(permission.prompts, 0);
+    files.files["/data/layouts.json"] = "broken";
+    permission.state = AccessibilityPermissionState::granted;
+    item.willOpen();
+    EXPECT_NE(dump(item.menu).find("No Saved Layouts"), std::string::npos);
+}
+
+TEST_F(StatusItemTest, LeadsToTheRest) {
+    defaults.booleans["tavrin.beta.resetNoticePending"] = true;
+    item.chosen(MenuAction::openSettings, {});
+    host.closed();
+    item.chosen(MenuAction::openSettings, {});
+    item.chosen(MenuAction::openAccessibilitySettings, {});
+    item.chosen(MenuAction::quit, {});
+    EXPECT_EQ(host.log, "regular window0! activate accessory regular window0! activate help terminate ");
+    permission.state = AccessibilityPermissionState::denied;
+    item.chosen(MenuAction::recheckPermission, {});
+    permission.state = AccessibilityPermissionState::granted;
+    time.pass(2);
+    EXPECT_EQ(permissionModel.state.value(), AccessibilityPermissionState::granted);
+}
+
+} // namespace
+} // namespace tavrin
