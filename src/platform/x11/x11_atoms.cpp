@@ -26,7 +26,6 @@ constexpr std::array entries = {
     Entry{"_NET_ACTIVE_WINDOW", &X11Atoms::netActiveWindow},
     Entry{"_NET_WORKAREA", &X11Atoms::netWorkarea},
     Entry{"_NET_MOVERESIZE_WINDOW", &X11Atoms::netMoveresizeWindow},
-    Entry{"_NET_REQUEST_FRAME_EXTENTS", &X11Atoms::netRequestFrameExtents},
     Entry{"_NET_WM_NAME", &X11Atoms::netWmName},
     Entry{"_NET_WM_DESKTOP", &X11Atoms::netWmDesktop},
     Entry{"_NET_WM_PID", &X11Atoms::netWmPid},

@@ -21,7 +21,6 @@ struct X11Atoms {
     xcb_atom_t netActiveWindow = 0;
     xcb_atom_t netWorkarea = 0;
     xcb_atom_t netMoveresizeWindow = 0;
-    xcb_atom_t netRequestFrameExtents = 0;
 
     xcb_atom_t netWmName = 0;
     xcb_atom_t netWmDesktop = 0;

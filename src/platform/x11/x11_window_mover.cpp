@@ -17,6 +17,7 @@ constexpr auto shortPatience = 50ms;
 constexpr auto shadowPatience = 250ms;
 /// The frame may change with the state of the window; what was computed with the old one is then redone.
 constexpr int attemptLimit = 3;
+constexpr std::uint16_t fenceLimit = 1024;
 
 constexpr std::uint32_t sourcePager = 2;
 constexpr std::uint32_t stateRemove = 0;
@@ -127,9 +128,13 @@ void X11WindowMover::requestPlace(const X11Window& window, const Target& target,
     const auto flag = [](bool isSet, int bit) { return isSet ? 1U << bit : 0U; };
     const auto values = flag(target.x.has_value(), 8) | flag(target.y.has_value(), 9) |
                         flag(target.width.has_value(), 10) | flag(target.height.has_value(), 11);
+    // The corner of the frame is asked for, not that of the client, because the frame may change with the
+    // state of the window.
+    const auto& decorations = window.borders().decorations;
     sendToWindowManager(window.id, moveResize,
-                        {XCB_GRAVITY_STATIC | values | sourcePager << 12,
-                         static_cast<std::uint32_t>(client.x), static_cast<std::uint32_t>(client.y),
+                        {XCB_GRAVITY_NORTH_WEST | values | sourcePager << 12,
+                         static_cast<std::uint32_t>(client.x - decorations.left),
+                         static_cast<std::uint32_t>(client.y - decorations.top),
                          static_cast<std::uint32_t>(client.width),
                          static_cast<std::uint32_t>(client.height)});
 }
@@ -174,18 +179,9 @@ void X11WindowMover::removeStates(const X11Window& window) {
 }
 
 bool X11WindowMover::awaitAnswer(xcb_window_t window, Clock::time_point deadline) {
-    const bool hasFence = windowManager_.facts().supports(connection_.atoms().netRequestFrameExtents);
-    awaitedWindow_ = window;
-    wasConfigured_ = false;
-    if (hasFence)
-        requestFence();
-    const auto isAnswered = [&] { return hasFence ? fencesAnswered_ >= fencesRequested_ : wasConfigured_; };
-    while (!isAnswered()) {
+    requestFence();
+    while (answeredFence_ != requestedFence_) {
         if (!connection_.waitForEvents(deadline)) {
-            // Late answers must not be taken for those to later questions.
-            if (fenceWindow_ != XCB_WINDOW_NONE)
-                xcb_destroy_window(connection_.get(), fenceWindow_);
-            fenceWindow_ = XCB_WINDOW_NONE;
             patience_ = shortPatience;
             return false;
         }
@@ -199,15 +195,15 @@ bool X11WindowMover::awaitAnswer(xcb_window_t window, Clock::time_point deadline
 void X11WindowMover::requestFence() {
     if (fenceWindow_ == XCB_WINDOW_NONE) {
         fenceWindow_ = xcb_generate_id(connection_.get());
-        fencesRequested_ = 0;
-        fencesAnswered_ = 0;
-        const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+        const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
         xcb_create_window(connection_.get(), XCB_COPY_FROM_PARENT, fenceWindow_, connection_.root(), -1, -1,
-                          1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK,
-                          &mask);
+                          fenceLimit, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                          XCB_CW_EVENT_MASK, &mask);
     }
-    ++fencesRequested_;
-    sendToWindowManager(fenceWindow_, connection_.atoms().netRequestFrameExtents, {});
+    // The width tells the answers apart, so that a late one is not taken for the next.
+    requestedFence_ = static_cast<std::uint16_t>(requestedFence_ % (fenceLimit - 1) + 1);
+    const std::uint32_t width = requestedFence_;
+    xcb_configure_window(connection_.get(), fenceWindow_, XCB_CONFIG_WINDOW_WIDTH, &width);
 }
 
 void X11WindowMover::sendToWindowManager(xcb_window_t window, xcb_atom_t type,
@@ -224,15 +220,11 @@ void X11WindowMover::sendToWindowManager(xcb_window_t window, xcb_atom_t type,
 }
 
 void X11WindowMover::handleEvent(const xcb_generic_event_t& event) {
-    const auto type = event.response_type & 0x7f;
-    if (type == XCB_PROPERTY_NOTIFY) {
-        const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-        if (change.window == fenceWindow_ && change.atom == connection_.atoms().netFrameExtents)
-            ++fencesAnswered_;
-    } else if (type == XCB_CONFIGURE_NOTIFY) {
-        wasConfigured_ |=
-            reinterpret_cast<const xcb_configure_notify_event_t&>(event).window == awaitedWindow_;
-    }
+    if ((event.response_type & 0x7f) != XCB_CONFIGURE_NOTIFY)
+        return;
+    const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+    if (change.window == fenceWindow_)
+        answeredFence_ = change.width;
 }
 
 void X11WindowMover::forget() {

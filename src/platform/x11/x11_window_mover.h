@@ -4,6 +4,7 @@
 #include "platform/x11/x11_window_table.h"
 #include "ports/window_elements.h"
 
+#include <array>
 #include <cstdint>
 #include <optional>
 
@@ -57,13 +58,11 @@ private:
     std::optional<Wish> wish_;
     std::chrono::milliseconds patience_;
 
-    // The window manager answers questions about this window in the order of all its work, so an answer
-    // means that everything asked before is done.
+    // Window managers carry out their requests one after the other, a change of this unmanaged window of our
+    // own included, so the notice of its change means that everything asked before is done.
     xcb_window_t fenceWindow_ = XCB_WINDOW_NONE;
-    std::uint64_t fencesRequested_ = 0;
-    std::uint64_t fencesAnswered_ = 0;
-    xcb_window_t awaitedWindow_ = XCB_WINDOW_NONE;
-    bool wasConfigured_ = false;
+    std::uint16_t requestedFence_ = 0;
+    std::uint16_t answeredFence_ = 0;
 };
 
 } // namespace tavrin
