@@ -14,12 +14,14 @@
 #include <QStyle>
 
 #include <algorithm>
+#include <vector>
 
 namespace tavrin {
 namespace {
 
 constexpr int cornerRadius = 8;
 constexpr int margin = 16;
+constexpr int messageSpacing = 5;
 
 QLabel* makeLabel(const QString& text) {
     auto* label = new QLabel(text);
@@ -34,6 +36,17 @@ void setTextColor(QWidget& widget, const QColor& color) {
     widget.setPalette(palette);
 }
 
+/// Everything the form may have to say, so that there is room for it from the start.
+std::vector<QString> possibleMessages() {
+    const std::string longName(4096, 'x');
+    SaveLayoutPopoverView form({longName}, {}, {});
+    std::vector<QString> messages = {QString::fromStdString(form.errorMessage().value_or(""))};
+    form.setLayoutName(longName);
+    messages.push_back(QString::fromStdString(form.errorMessage().value_or("")));
+    messages.push_back(QString::fromStdString(form.notice().value_or("")));
+    return messages;
+}
+
 } // namespace
 
 SavePopoverWindow::SavePopoverWindow(std::shared_ptr<SaveLayoutPopoverView> view,
@@ -41,6 +54,7 @@ SavePopoverWindow::SavePopoverWindow(std::shared_ptr<SaveLayoutPopoverView> view
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint), view_(std::move(view)),
       dismissed_(std::move(dismissed)) {
     setAttribute(Qt::WA_QuitOnClose, false);
+    setAttribute(Qt::WA_TranslucentBackground);
     setWindowTitle(QStringLiteral("Save Layout"));
     build();
     nameField_->setText(QString::fromStdString(view_->layoutName()));
@@ -48,6 +62,7 @@ SavePopoverWindow::SavePopoverWindow(std::shared_ptr<SaveLayoutPopoverView> view
 
     const int width =
         std::max(static_cast<int>(SaveLayoutPopoverView::contentSize.width), layout()->minimumSize().width());
+    reserveSpaceForMessages(width - 2 * margin - messageIconSide() - messageSpacing);
     const int height = std::max(static_cast<int>(SaveLayoutPopoverView::contentSize.height),
                                 layout()->minimumHeightForWidth(width));
     setFixedSize(width, height);
@@ -79,9 +94,9 @@ void SavePopoverWindow::build() {
     connect(saveButton_, &QPushButton::clicked, this, &SavePopoverWindow::save);
 
     auto* messageRow = new QHBoxLayout;
-    messageRow->setSpacing(5);
+    messageRow->setSpacing(messageSpacing);
     messageRow->addWidget(messageIcon_, 0, Qt::AlignTop);
-    messageRow->addWidget(message_, 1);
+    messageRow->addWidget(message_, 1, Qt::AlignTop);
 
     auto* buttonRow = new QHBoxLayout;
     buttonRow->setSpacing(8);
@@ -131,12 +146,24 @@ void SavePopoverWindow::showState() {
     if (hasIcon) {
         const auto name =
             isMistake ? QStringLiteral("exclamationmark.triangle.fill") : QStringLiteral("info.circle.fill");
-        const int side = fontMetrics().height();
+        const int side = messageIconSide();
         messageIcon_->setPixmap(symbolIcon(name, color).pixmap(QSize(side, side), devicePixelRatioF()));
     }
     nameField_->setAccessibleDescription(text);
     saveButton_->setEnabled(view_->canSave());
     saveButton_->setToolTip(error ? text : QString());
+}
+
+int SavePopoverWindow::messageIconSide() const {
+    return fontMetrics().height();
+}
+
+void SavePopoverWindow::reserveSpaceForMessages(int messageWidth) {
+    int height = 0;
+    for (const QString& text : possibleMessages())
+        height = std::max(height,
+                          fontMetrics().boundingRect(0, 0, messageWidth, 0, Qt::TextWordWrap, text).height());
+    message_->setMinimumHeight(height);
 }
 
 void SavePopoverWindow::save() {
@@ -178,8 +205,10 @@ bool SavePopoverWindow::event(QEvent* event) {
 
 void SavePopoverWindow::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
+    // Without a compositor nothing is translucent: the mask cuts off what lies outside of the round
+    // corners, as well as whole points can.
     QPainterPath shape;
-    shape.addRoundedRect(rect(), cornerRadius, cornerRadius);
+    shape.addRoundedRect(rect(), cornerRadius - 1, cornerRadius - 1);
     setMask(QRegion(shape.toFillPolygon().toPolygon()));
 }
 

@@ -29,6 +29,8 @@ private:
     void build();
     void nameChanged(const QString& name);
     void showState();
+    int messageIconSide() const;
+    void reserveSpaceForMessages(int messageWidth);
     void save();
     void cancel();
 
