@@ -2,6 +2,7 @@
 
 #include "base/token.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -45,7 +46,8 @@ public:
         }
     }
 
-    bool isConnected() const { return !state_->callbacks.empty(); }
+    std::size_t connectionCount() const { return state_->callbacks.size(); }
+    bool isConnected() const { return connectionCount() > 0; }
 
 private:
     struct State {

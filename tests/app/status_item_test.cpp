@@ -2,6 +2,7 @@
 #include "doubles/builders.h"
 #include "doubles/fake_desktop.h"
 #include "doubles/fake_file_system.h"
+#include "doubles/fake_interface.h"
 #include "doubles/fake_time.h"
 
 #include <fmt/format.h>
@@ -133,63 +134,6 @@ TEST(StatusItem, ChoosesTheFeedbackSymbol) {
     EXPECT_EQ(feedbackSymbol({0, 0, 0, {}, 0, 0}), "xmark.circle");
 }
 
-struct FakeStatusItem : StatusItemSurface {
-    std::string image, title;
-    bool hasImages = true;
-    MenuModel menu;
-    int menusSet = 0;
-    std::function<void()> willOpen;
-    std::function<void(MenuAction, std::optional<Uuid>)> chosen;
-    bool setTemplateImage(const std::string& name) override {
-        if (hasImages)
-            image = name;
-        return hasImages;
-    }
-    void setTitle(const std::string& text) override { title = text; }
-    void setToolTip(const std::string&) override {}
-    void setMenu(const MenuModel& model) override {
-        menu = model;
-        ++menusSet;
-    }
-    void setMenuCallbacks(std::function<void()> open,
-                          std::function<void(MenuAction, std::optional<Uuid>)> choose) override {
-        willOpen = std::move(open);
-        chosen = std::move(choose);
-    }
-    void show() override {}
-};
-
-struct FakeHost : ApplicationHost, LinkOpener, SettingsWindowSurface {
-    std::string log;
-    std::function<void()> closed;
-    void setActivationPolicy(ActivationPolicy policy) override {
-        log += policy == ActivationPolicy::regular ? "regular " : "accessory ";
-    }
-    void activate() override { log += "activate "; }
-    void terminate() override { log += "terminate "; }
-    std::filesystem::path bundlePath() override { return "/opt/tavrin"; }
-    std::string shortVersion() override { return "1.2"; }
-    bool openAccessibilitySettings() override {
-        log += "help ";
-        return true;
-    }
-    bool openFolder(const std::filesystem::path&) override { return true; }
-    void show(SettingsPane pane, ResetNotice notice) override {
-        log += fmt::format("window{}{} ", static_cast<int>(pane), notice == ResetNotice::shown ? "!" : "");
-    }
-    void setOnClose(std::function<void()> onClose) override { closed = std::move(onClose); }
-};
-
-struct FakePopover : PopoverSurface {
-    std::shared_ptr<SaveLayoutPopoverView> view;
-    int shown = 0;
-    void show(std::shared_ptr<SaveLayoutPopoverView> content) override {
-        view = std::move(content);
-        ++shown;
-    }
-    void close() override { view.reset(); }
-};
-
 class StatusItemTest : public ::testing::Test {
 protected:
     testing::FakeFileSystem files;
@@ -203,9 +147,9 @@ protected:
     testing::ScriptedRestores restores;
     testing::FakeKeys keys;
     testing::FakeDefaults defaults;
-    FakeHost host;
-    FakePopover popover;
-    FakeStatusItem item;
+    testing::FakeHost host;
+    testing::FakePopover popover;
+    testing::FakeStatusItem item;
     PermissionStatusViewModel permissionModel{permission, time};
     CurrentProfileViewModel current{displays, store};
     ProfileListViewModel list{store};

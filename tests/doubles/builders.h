@@ -14,7 +14,9 @@ namespace tavrin {
 inline void PrintTo(const Rect& rect, std::ostream* out) {
     *out << "(" << rect.x << ", " << rect.y << " " << rect.width << " x " << rect.height << ")";
 }
-inline void PrintTo(const Uuid& uuid, std::ostream* out) { *out << uuid.text(); }
+inline void PrintTo(const Uuid& uuid, std::ostream* out) {
+    *out << uuid.text();
+}
 
 } // namespace tavrin
 
@@ -34,7 +36,9 @@ inline DisplaySnapshotCollection desk() {
     return {{display("1-2-3", {0, 0, 1920, 1050}, {0, 0, 0.5, 1}),
              display("1-2-4", {1920, 0, 1920, 1080}, {0.5, 0, 0.5, 1})}};
 }
-inline DisplaySnapshotCollection leftAlone() { return {{display("1-2-3", {0, 0, 1920, 1050})}}; }
+inline DisplaySnapshotCollection leftAlone() {
+    return {{display("1-2-3", {0, 0, 1920, 1050})}};
+}
 
 inline MonitorProfile profile(std::string name, const DisplaySnapshotCollection& displays) {
     return {.id = Uuid::random(),

@@ -66,7 +66,8 @@ struct FixedApplications : RunningApplications {
     std::vector<RunningApplication> applicationsWithBundleIdentifier(const std::string& identifier) override {
         ++lookups;
         auto found = applications;
-        std::erase_if(found, [&](const auto& application) { return application.bundleIdentifier != identifier; });
+        std::erase_if(found,
+                      [&](const auto& application) { return application.bundleIdentifier != identifier; });
         return found;
     }
 };
@@ -87,6 +88,7 @@ struct FakeEvents : SystemEvents {
         return signals[event].connect(std::move(handler));
     }
     void emit(SystemEvent event) { signals[event].emit(); }
+    std::size_t observerCount(SystemEvent event) { return signals[event].connectionCount(); }
 };
 
 struct FakeKeys : KeyMonitors {
@@ -174,8 +176,8 @@ public:
         const auto result = setResults.find(attribute);
         if (result != setResults.end() && result->second != AXError::success)
             return result->second;
-        std::const_pointer_cast<Element>(std::static_pointer_cast<const Element>(element))->attributes[attribute] =
-            value;
+        std::const_pointer_cast<Element>(std::static_pointer_cast<const Element>(element))
+            ->attributes[attribute] = value;
         return AXError::success;
     }
 };

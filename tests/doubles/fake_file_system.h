@@ -39,7 +39,8 @@ public:
         return link == links.end() ? path : std::filesystem::path(link->second);
     }
 
-    std::expected<void, FileError> writeFlushed(const std::filesystem::path& path, std::string_view bytes) override {
+    std::expected<void, FileError> writeFlushed(const std::filesystem::path& path,
+                                                std::string_view bytes) override {
         // A full disk leaves half a file behind.
         const bool fails = failing.contains("writeFlushed");
         files[path.string()] = std::string(bytes.substr(0, fails ? bytes.size() / 2 : bytes.size()));

@@ -11,14 +11,20 @@
 
 namespace tavrin::testing {
 
-inline Timestamp at(std::int64_t secondsSince1970) { return Timestamp{std::chrono::seconds{secondsSince1970}}; }
+inline Timestamp at(std::int64_t secondsSince1970) {
+    return Timestamp{std::chrono::seconds{secondsSince1970}};
+}
 
 /// Virtual time: a clock that stands still and a scheduler whose tasks run when a test lets time pass.
 class FakeTime : public Scheduler, public WallClock {
 public:
-    Timestamp now() override { return at(1'800'000'000) + std::chrono::duration_cast<Timestamp::duration>(elapsed_); }
+    Timestamp now() override {
+        return at(1'800'000'000) + std::chrono::duration_cast<Timestamp::duration>(elapsed_);
+    }
 
-    Token after(Seconds delay, std::function<void()> task) override { return add(delay, std::nullopt, std::move(task)); }
+    Token after(Seconds delay, std::function<void()> task) override {
+        return add(delay, std::nullopt, std::move(task));
+    }
     Token every(Seconds interval, std::function<void()> task) override {
         return add(interval, interval, std::move(task));
     }

@@ -1,0 +1,201 @@
+#include "app/app_delegate.h"
+#include "doubles/builders.h"
+#include "doubles/fake_desktop.h"
+#include "doubles/fake_file_system.h"
+#include "doubles/fake_interface.h"
+#include "doubles/fake_time.h"
+#include "ports/accessibility_trust.h"
+#include "ports/running_instances.h"
+
+#include <gtest/gtest.h>
+
+namespace tavrin {
+namespace {
+
+struct FakeScreens : ScreenList {
+    std::vector<Screen> screens() override {
+        const Rect frame{0, 0, 1920, 1080};
+        return {{frame, frame, 1, DisplayHardware{1, 2, 3, false, 1920, 1080}}};
+    }
+};
+
+struct FakeWindowList : RawWindowList {
+    std::vector<RawWindowEntry> entries;
+    std::optional<std::vector<RawWindowEntry>> onScreenWindows() override { return entries; }
+};
+
+struct FakeTrust : AccessibilityTrust {
+    bool trusted = true;
+    bool isProcessTrusted() override { return trusted; }
+    bool isProcessTrusted(Prompt) override { return trusted; }
+};
+
+struct FakeLoginItem : LoginItem {
+    LoginItemStatus current = LoginItemStatus::notRegistered;
+    bool fails = false;
+    LoginItemStatus status() override { return current; }
+    std::expected<void, PlatformError> registerItem() override {
+        if (fails)
+            return std::unexpected(PlatformError{1, "no"});
+        current = LoginItemStatus::enabled;
+        return {};
+    }
+    std::expected<void, PlatformError> unregisterItem() override { return {}; }
+};
+
+struct NoInstances : RunningInstances {
+    std::vector<InstanceProbe> runningInstances() override { return {}; }
+    void activate(ProcessID) override {}
+};
+
+constexpr ProcessID editor = 7;
+const Rect home{100, 100, 800, 600}, away{900, 300, 800, 600};
+
+class AppDelegateTest : public ::testing::Test {
+protected:
+    FakeScreens screens;
+    FakeWindowList windowList;
+    testing::FixedApplications applications;
+    testing::FakeElements elements;
+    FakeTrust trust;
+    testing::FakeKeys keys;
+    testing::FakeEvents events;
+    FakeLoginItem loginItem;
+    NoInstances instances;
+    testing::FakeDefaults defaults;
+    testing::FakeFileSystem files;
+    testing::FakeTime time;
+    testing::FakeStatusItem item;
+    testing::FakeHost host;
+    testing::FakeInterface interface { host };
+    Platform platform{screens,  windowList, applications, elements, trust, keys, events, loginItem, instances,
+                      defaults, files,      time,         time,     item,  host, host,   "/data"};
+    SettingsStore settings{AppSupportPaths{files, "/data/Tavrin"}, time};
+    ProfileStore store{AppSupportPaths{files, "/data/Tavrin"}, time};
+    std::shared_ptr<testing::FakeElements::Element> window;
+
+    void SetUp() override {
+        defaults.integers["tavrin.beta.appDataResetVersion"] = 1;
+        applications.applications = {{editor, "editor.desktop", "Editor", false}};
+        window = elements.addWindow(editor, home, "notes");
+        listWindowAt(home);
+    }
+
+    void listWindowAt(const Rect& frame) {
+        windowList.entries = {{.number = 1,
+                               .ownerName = "Editor",
+                               .bounds = RawWindowBounds{frame.x, frame.y, frame.width, frame.height},
+                               .name = "notes",
+                               .isOnScreen = true,
+                               .ownerPID = editor}};
+        window->attributes[AXAttribute::position] = Point{frame.x, frame.y};
+        window->attributes[AXAttribute::size] = Size{frame.width, frame.height};
+    }
+
+    SavedLayout saveLayout() {
+        item.chosen(MenuAction::saveCurrentLayout, {});
+        interface.popoverShown->setLayoutName("Work");
+        interface.popoverShown->save();
+        return store.loadLayouts()->back();
+    }
+
+    Rect windowFrame() {
+        const auto position = readAttribute<Point>(elements, window, AXAttribute::position).value();
+        const auto size = readAttribute<Size>(elements, window, AXAttribute::size).value();
+        return {position.x, position.y, size.width, size.height};
+    }
+};
+
+TEST_F(AppDelegateTest, ResetsOldDataBeforeAnythingReadsIt) {
+    defaults.integers.clear();
+    files.files["/data/Tavrin/settings.json"] = "from an older program";
+    AppDelegate delegate{platform, interface, 1};
+    EXPECT_FALSE(files.files.contains("/data/Tavrin/settings.json"));
+    EXPECT_TRUE(defaults.booleans["tavrin.beta.resetNoticePending"]);
+    EXPECT_FALSE(item.isShown) << "nothing is visible before launch has finished";
+}
+
+TEST_F(AppDelegateTest, AgreesWithTheSystemOnLaunchAtLogin) {
+    struct Case {
+        bool saved, enabled, fails;
+        bool savedAfter, enabledAfter;
+    };
+    for (const Case& c : {Case{false, false, false, false, false}, Case{false, true, false, true, true},
+                          Case{true, false, false, true, true}, Case{true, false, true, false, false},
+                          Case{true, true, true, true, true}}) {
+        ASSERT_TRUE(settings.save({.launchAtLogin = c.saved}));
+        loginItem.current = c.enabled ? LoginItemStatus::enabled : LoginItemStatus::notRegistered;
+        loginItem.fails = c.fails;
+        files.log.clear();
+        AppDelegate delegate{platform, interface, 1};
+        delegate.applicationDidFinishLaunching();
+        EXPECT_EQ(settings.load()->launchAtLogin, c.savedAfter) << c.saved << c.enabled << c.fails;
+        EXPECT_EQ(loginItem.current == LoginItemStatus::enabled, c.enabledAfter);
+        EXPECT_EQ(files.log.empty(), c.saved == c.savedAfter) << "written only when it changed";
+    }
+}
+
+TEST_F(AppDelegateTest, WorksWhileThePermissionLasts) {
+    trust.trusted = false;
+    AppDelegate delegate{platform, interface, 1};
+    delegate.applicationDidFinishLaunching();
+    const auto isWorking = [&] {
+        return keys.global.isConnected() && static_cast<bool>(keys.local) &&
+               events.observerCount(SystemEvent::didWake) == 2;
+    };
+    const auto isIdle = [&] {
+        return !keys.global.isConnected() && !keys.local && events.observerCount(SystemEvent::didWake) == 1;
+    };
+    EXPECT_TRUE(isIdle());
+    trust.trusted = true;
+    events.emit(SystemEvent::trustMayHaveChanged);
+    EXPECT_TRUE(isWorking());
+    trust.trusted = false;
+    events.emit(SystemEvent::didBecomeActive);
+    EXPECT_TRUE(isIdle());
+    delegate.applicationDidFinishLaunching();
+    EXPECT_TRUE(isIdle()) << "a second launch observes nothing twice";
+}
+
+TEST_F(AppDelegateTest, RestoresByShortcutAndAfterAPlug) {
+    AppDelegate delegate{platform, interface, 1};
+    delegate.applicationDidFinishLaunching();
+    const auto work = saveLayout();
+    ASSERT_TRUE(store.setDefaultLayout(work.profileID, work.id));
+    ShortcutManager& shortcuts = interface.collaborators->shortcutManager;
+    const auto control = ModifierSet::control;
+    shortcuts.setAutoDetectShortcut(KeyCombo{15, control});
+    shortcuts.setLayoutShortcut(KeyCombo{16, control}, work.id);
+    shortcuts.setLayoutShortcut(KeyCombo{17, control}, Uuid::random());
+    time.pass(1);
+    const auto lastTrigger = [&] {
+        const auto& attempt = interface.collaborators->restoreDebugStore.lastAttempt.value();
+        return attempt ? std::string(displayName(attempt->trigger)) : "none";
+    };
+
+    keys.global.emit(KeyEvent{17, control.rawValue});
+    EXPECT_EQ(lastTrigger(), "none") << "the layout is gone";
+    for (const std::uint16_t key : {15, 16}) {
+        listWindowAt(away);
+        item.image.clear();
+        keys.global.emit(KeyEvent{key, control.rawValue});
+        EXPECT_EQ(windowFrame(), home);
+        EXPECT_EQ(item.image, "checkmark.circle.fill");
+        EXPECT_EQ(lastTrigger(), "Shortcut");
+    }
+    listWindowAt(away);
+    item.image.clear();
+    events.emit(SystemEvent::screenParametersChanged);
+    time.pass(3);
+    EXPECT_EQ(windowFrame(), home);
+    EXPECT_EQ(item.image, "checkmark.circle.fill");
+    EXPECT_EQ(lastTrigger(), "Automation");
+
+    ASSERT_TRUE(store.setDefaultLayout(work.profileID, std::nullopt));
+    listWindowAt(away);
+    keys.global.emit(KeyEvent{15, control.rawValue});
+    EXPECT_EQ(windowFrame(), away) << "no default layout, nothing to restore";
+}
+
+} // namespace
+} // namespace tavrin

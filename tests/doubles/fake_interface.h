@@ -1,0 +1,106 @@
+#pragma once
+
+#include "ports/application_host.h"
+#include "ports/link_opener.h"
+#include "ports/status_item_surface.h"
+#include "ui/user_interface_factory.h"
+
+#include <fmt/format.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace tavrin::testing {
+
+struct FakeStatusItem : StatusItemSurface {
+    std::string image, title;
+    bool hasImages = true;
+    bool isShown = false;
+    MenuModel menu;
+    int menusSet = 0;
+    std::function<void()> willOpen;
+    std::function<void(MenuAction, std::optional<Uuid>)> chosen;
+    bool setTemplateImage(const std::string& name) override {
+        if (hasImages)
+            image = name;
+        return hasImages;
+    }
+    void setTitle(const std::string& text) override { title = text; }
+    void setToolTip(const std::string&) override {}
+    void setMenu(const MenuModel& model) override {
+        menu = model;
+        ++menusSet;
+    }
+    void setMenuCallbacks(std::function<void()> open,
+                          std::function<void(MenuAction, std::optional<Uuid>)> choose) override {
+        willOpen = std::move(open);
+        chosen = std::move(choose);
+    }
+    void show() override { isShown = true; }
+};
+
+struct FakeHost : ApplicationHost, LinkOpener, SettingsWindowSurface {
+    std::string log;
+    std::function<void()> closed;
+    void setActivationPolicy(ActivationPolicy policy) override {
+        log += policy == ActivationPolicy::regular ? "regular " : "accessory ";
+    }
+    void activate() override { log += "activate "; }
+    void terminate() override { log += "terminate "; }
+    std::filesystem::path bundlePath() override { return "/opt/tavrin"; }
+    std::string shortVersion() override { return "1.2"; }
+    bool openAccessibilitySettings() override {
+        log += "help ";
+        return true;
+    }
+    bool openFolder(const std::filesystem::path&) override { return true; }
+    void show(SettingsPane pane, ResetNotice notice) override {
+        log += fmt::format("window{}{} ", static_cast<int>(pane), notice == ResetNotice::shown ? "!" : "");
+    }
+    void setOnClose(std::function<void()> onClose) override { closed = std::move(onClose); }
+};
+
+struct FakePopover : PopoverSurface {
+    std::shared_ptr<SaveLayoutPopoverView> view;
+    int shown = 0;
+    void show(std::shared_ptr<SaveLayoutPopoverView> content) override {
+        view = std::move(content);
+        ++shown;
+    }
+    void close() override { view.reset(); }
+};
+
+/// Keeps what the program shows. The host stands in for the settings window.
+struct FakeInterface : UserInterfaceFactory {
+    explicit FakeInterface(SettingsWindowSurface& window) : window(window) {}
+
+    SettingsWindowSurface& window;
+    std::shared_ptr<SaveLayoutPopoverView> popoverShown;
+    std::optional<SettingsCollaborators> collaborators;
+
+    std::unique_ptr<PopoverSurface> makePopover() override {
+        struct Popover : PopoverSurface {
+            FakeInterface& owner;
+            explicit Popover(FakeInterface& interface) : owner(interface) {}
+            void show(std::shared_ptr<SaveLayoutPopoverView> view) override {
+                owner.popoverShown = std::move(view);
+            }
+            void close() override { owner.popoverShown.reset(); }
+        };
+        return std::make_unique<Popover>(*this);
+    }
+
+    std::unique_ptr<SettingsWindowSurface> makeSettingsWindow(const SettingsCollaborators& made) override {
+        struct Window : SettingsWindowSurface {
+            SettingsWindowSurface& target;
+            explicit Window(SettingsWindowSurface& surface) : target(surface) {}
+            void show(SettingsPane pane, ResetNotice notice) override { target.show(pane, notice); }
+            void setOnClose(std::function<void()> onClose) override { target.setOnClose(std::move(onClose)); }
+        };
+        collaborators.emplace(made);
+        return std::make_unique<Window>(window);
+    }
+};
+
+} // namespace tavrin::testing
