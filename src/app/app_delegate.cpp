@@ -6,7 +6,7 @@
 
 namespace tavrin {
 
-AppDelegate::AppDelegate(const Platform& platform, UserInterfaceFactory& userInterface, ProcessID ownProcess)
+AppDelegate::AppDelegate(const Platform& platform, UserInterfaceFactory& userInterface)
     : platform_(platform), resetCoordinator_(paths(), platform_.userDefaults),
       resetOutcome_(resetCoordinator_.applyIfNeeded()), displaySnapshotProvider_(platform_.screenList),
       windowListProvider_(platform_.windowList, platform_.runningApplications),
@@ -23,7 +23,7 @@ AppDelegate::AppDelegate(const Platform& platform, UserInterfaceFactory& userInt
                        .settingsStore = settingsStore_,
                        .displaySnapshotProvider = displaySnapshotProvider_,
                        .clock = platform_.clock},
-                      ownProcess),
+                      platform_.processIdentifier),
       restoreService_({.windowProvider = windowListProvider_,
                        .windowMover = windowMover_,
                        .displaySnapshotProvider = displaySnapshotProvider_,

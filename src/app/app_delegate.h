@@ -23,8 +23,7 @@ namespace tavrin {
 class AppDelegate {
 public:
     /// Applies the one-time data reset, then builds the services; none of them starts working yet.
-    /// `ownProcess`: the identifier of this process.
-    AppDelegate(const Platform& platform, UserInterfaceFactory& userInterface, ProcessID ownProcess);
+    AppDelegate(const Platform& platform, UserInterfaceFactory& userInterface);
 
     /// Shows the status item and starts everything. A second call installs nothing twice.
     void applicationDidFinishLaunching();

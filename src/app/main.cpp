@@ -6,8 +6,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <unistd.h>
-
 namespace {
 
 constexpr const char* bundleIdentifier = "org.tavrin.Tavrin";
@@ -28,9 +26,8 @@ int main(int argc, char** argv) {
     }
     OpenedPlatform& desktop = **opened;
     const Platform& platform = desktop.platform();
-    const ProcessID ownProcess = getpid();
     if (!isRunByTestHost()) {
-        SingleInstanceGuard guard{ownProcess, bundleIdentifier, platform.runningInstances};
+        SingleInstanceGuard guard{platform.processIdentifier, bundleIdentifier, platform.runningInstances};
         if (guard.otherInstance()) {
             guard.activateOtherInstance();
             return EXIT_SUCCESS;
@@ -38,7 +35,7 @@ int main(int argc, char** argv) {
     }
     QtUserInterface userInterface{platform.applicationHost,
                                   [&desktop] { return desktop.statusItemAnchor(); }};
-    AppDelegate delegate{platform, userInterface, ownProcess};
+    AppDelegate delegate{platform, userInterface};
     platform.applicationHost.setActivationPolicy(ActivationPolicy::accessory);
     desktop.setOnActivate([&delegate] { delegate.bringForward(); });
     delegate.applicationDidFinishLaunching();

@@ -61,7 +61,8 @@ void StatusItemController::restoreLayout(const Uuid& layoutID) {
     if (!saved)
         return;
     const RestoreResult result = collaborators_.restoreService.restore(*saved);
-    collaborators_.restoreDebugStore.record(collaborators_.clock.now(), RestoreTriggerSource::menuBar, *saved, result);
+    collaborators_.restoreDebugStore.record(collaborators_.clock.now(), RestoreTriggerSource::menuBar, *saved,
+                                            result);
     showRestoreFeedback(result);
 }
 

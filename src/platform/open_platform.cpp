@@ -7,6 +7,7 @@
 #include "platform/posix/system_wall_clock.h"
 #include "platform/qt/qt_application_host.h"
 #include "platform/qt/qt_event_loop.h"
+#include "platform/qt/qt_program.h"
 #include "platform/qt/qt_scheduler.h"
 #include "platform/qt/qt_status_item.h"
 #include "platform/qt/qt_user_defaults.h"
@@ -17,9 +18,9 @@
 #include "ports/login_item.h"
 #include "ports/running_instances.h"
 
-#include <QApplication>
-
+#include <cstdio>
 #include <cstdlib>
+#include <unistd.h>
 
 namespace tavrin {
 namespace {
@@ -45,8 +46,8 @@ class NoLinks : public LinkOpener {
 /// A desktop on an X server, with the session services of freedesktop.org.
 class X11Desktop : public OpenedPlatform {
 public:
-    explicit X11Desktop(std::unique_ptr<QApplication> application)
-        : application_(std::move(application)), host_(*application_) {}
+    X11Desktop(int& argc, char** argv)
+        : program_(argc, argv, TAVRIN_VERSION), host_(program_.application()) {}
 
     std::expected<void, std::string> open() {
         auto x11 = X11Platform::open({}, eventLoop_, scheduler_, catalog_);
@@ -55,9 +56,9 @@ public:
         x11_ = std::move(*x11);
         observers_.push_back(x11_->observeScreenParameters(emit(SystemEvent::screenParametersChanged)));
         observers_.push_back(x11_->observeWindowManager(emit(SystemEvent::trustMayHaveChanged)));
-        observers_.push_back(x11_->observeConnectionLoss([] {
+        observers_.push_back(x11_->observeConnectionLoss([this] {
             std::fprintf(stderr, "tavrin: the connection to the X server is lost\n");
-            QCoreApplication::exit(EXIT_FAILURE);
+            program_.exit(EXIT_FAILURE);
         }));
         observers_.push_back(host_.observeDidBecomeActive(emit(SystemEvent::didBecomeActive)));
         platform_.emplace(Platform{.screenList = x11_->screenList(),
@@ -76,21 +77,22 @@ public:
                                    .statusItem = statusItem_,
                                    .applicationHost = host_,
                                    .linkOpener = links_,
-                                   .applicationSupportDirectory = XdgPaths{}.dataHome()});
+                                   .applicationSupportDirectory = XdgPaths{}.dataHome(),
+                                   .processIdentifier = getpid()});
         return {};
     }
 
     const Platform& platform() override { return *platform_; }
     std::optional<Rect> statusItemAnchor() override { return statusItem_.anchor(); }
     void setOnActivate(std::function<void()>) override {}
-    int run() override { return QApplication::exec(); }
+    int run() override { return program_.run(); }
 
 private:
     std::function<void()> emit(SystemEvent event) {
         return [this, event] { events_.emit(event); };
     }
 
-    std::unique_ptr<QApplication> application_;
+    QtProgram program_;
     QtApplicationHost host_;
     QtEventLoop eventLoop_;
     QtScheduler scheduler_;
@@ -116,8 +118,7 @@ std::expected<std::unique_ptr<OpenedPlatform>, std::string> openPlatform(int& ar
     // Qt would abort without one.
     if (!std::getenv("DISPLAY"))
         return std::unexpected("no display to run on (DISPLAY is not set)");
-    QCoreApplication::setApplicationVersion(TAVRIN_VERSION);
-    auto desktop = std::make_unique<X11Desktop>(std::make_unique<QApplication>(argc, argv));
+    auto desktop = std::make_unique<X11Desktop>(argc, argv);
     if (const auto opened = desktop->open(); !opened)
         return std::unexpected(opened.error());
     return desktop;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "records/window_info.h"
+
 #include <filesystem>
 
 namespace tavrin {
@@ -40,6 +42,7 @@ struct Platform {
     ApplicationHost& applicationHost;
     LinkOpener& linkOpener;
     std::filesystem::path applicationSupportDirectory; ///< where the user's data of all programs lies
+    ProcessID processIdentifier;                       ///< of this process
 };
 
 } // namespace tavrin

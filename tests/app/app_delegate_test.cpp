@@ -69,7 +69,7 @@ protected:
     testing::FakeHost host;
     testing::FakeInterface interface { host };
     Platform platform{screens,  windowList, applications, elements, trust, keys, events, loginItem, instances,
-                      defaults, files,      time,         time,     item,  host, host,   "/data"};
+                      defaults, files,      time,         time,     item,  host, host,   "/data",   4711};
     SettingsStore settings{AppSupportPaths{files, "/data/Tavrin"}, time};
     ProfileStore store{AppSupportPaths{files, "/data/Tavrin"}, time};
     std::shared_ptr<testing::FakeElements::Element> window;
@@ -109,7 +109,7 @@ protected:
 TEST_F(AppDelegateTest, ResetsOldDataBeforeAnythingReadsIt) {
     defaults.integers.clear();
     files.files["/data/Tavrin/settings.json"] = "from an older program";
-    AppDelegate delegate{platform, interface, 1};
+    AppDelegate delegate{platform, interface};
     EXPECT_FALSE(files.files.contains("/data/Tavrin/settings.json"));
     EXPECT_TRUE(defaults.booleans["tavrin.beta.resetNoticePending"]);
     EXPECT_FALSE(item.isShown) << "nothing is visible before launch has finished";
@@ -127,7 +127,7 @@ TEST_F(AppDelegateTest, AgreesWithTheSystemOnLaunchAtLogin) {
         loginItem.current = c.enabled ? LoginItemStatus::enabled : LoginItemStatus::notRegistered;
         loginItem.fails = c.fails;
         files.log.clear();
-        AppDelegate delegate{platform, interface, 1};
+        AppDelegate delegate{platform, interface};
         delegate.applicationDidFinishLaunching();
         EXPECT_EQ(settings.load()->launchAtLogin, c.savedAfter) << c.saved << c.enabled << c.fails;
         EXPECT_EQ(loginItem.current == LoginItemStatus::enabled, c.enabledAfter);
@@ -137,7 +137,7 @@ TEST_F(AppDelegateTest, AgreesWithTheSystemOnLaunchAtLogin) {
 
 TEST_F(AppDelegateTest, WorksWhileThePermissionLasts) {
     trust.trusted = false;
-    AppDelegate delegate{platform, interface, 1};
+    AppDelegate delegate{platform, interface};
     delegate.applicationDidFinishLaunching();
     const auto isWorking = [&] {
         return keys.global.isConnected() && static_cast<bool>(keys.local) &&
@@ -158,7 +158,7 @@ TEST_F(AppDelegateTest, WorksWhileThePermissionLasts) {
 }
 
 TEST_F(AppDelegateTest, RestoresByShortcutAndAfterAPlug) {
-    AppDelegate delegate{platform, interface, 1};
+    AppDelegate delegate{platform, interface};
     delegate.applicationDidFinishLaunching();
     const auto work = saveLayout();
     ASSERT_TRUE(store.setDefaultLayout(work.profileID, work.id));
