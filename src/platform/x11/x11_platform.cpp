@@ -2,6 +2,7 @@
 
 #include "platform/x11/x11_accessibility_trust.h"
 #include "platform/x11/x11_desktop_watch.h"
+#include "platform/x11/x11_key_monitor.h"
 #include "platform/x11/x11_raw_window_list.h"
 #include "platform/x11/x11_running_applications.h"
 #include "platform/x11/x11_window_elements.h"
@@ -26,7 +27,7 @@ struct X11Platform::Rooms {
         : query(std::move(questions), scheduler), events(std::move(news), eventLoop, scheduler),
           table(query, catalog), windowManager(query), mover(query, table, windowManager),
           screens(query.server()), windows(table), applications(table), elements(table, windowManager, mover),
-          trust(windowManager), desktopWatch(events, screens, windowManager) {}
+          trust(windowManager), desktopWatch(events, screens, windowManager), keyMonitor(events, query) {}
 
     X11QueryConnection query;
     X11EventConnection events;
@@ -39,6 +40,7 @@ struct X11Platform::Rooms {
     X11WindowElements elements;
     X11AccessibilityTrust trust;
     X11DesktopWatch desktopWatch;
+    X11KeyMonitor keyMonitor;
 };
 
 X11Platform::X11Platform(std::unique_ptr<Rooms> rooms) : rooms_(std::move(rooms)) {}
@@ -75,6 +77,10 @@ WindowElements& X11Platform::windowElements() {
 }
 AccessibilityTrust& X11Platform::accessibilityTrust() {
     return rooms_->trust;
+}
+
+Token X11Platform::addGlobalKeyMonitor(std::function<void(const KeyEvent&)> handler) {
+    return rooms_->keyMonitor.addGlobalMonitor(std::move(handler));
 }
 
 Token X11Platform::observeScreenParameters(std::function<void()> handler) {

@@ -9,6 +9,7 @@
 #include "ports/scheduler.h"
 #include "ports/screen_list.h"
 #include "ports/window_elements.h"
+#include "records/key_combo.h"
 
 #include <expected>
 #include <functional>
@@ -36,6 +37,10 @@ public:
     RunningApplications& runningApplications();
     WindowElements& windowElements();
     AccessibilityTrust& accessibilityTrust();
+
+    /// The global half of the key monitors: key presses that go to other applications. An empty token when
+    /// the server does not show them.
+    Token addGlobalKeyMonitor(std::function<void(const KeyEvent&)> handler);
 
     /// A screen came, went, moved or changed its size or scale. Bursts are not merged.
     Token observeScreenParameters(std::function<void()> handler);

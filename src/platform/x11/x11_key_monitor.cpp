@@ -1,0 +1,136 @@
+#include "platform/x11/x11_key_monitor.h"
+
+#include "platform/x11/x11_keyboard_protocol.h"
+#include "platform/x11/x11_reply.h"
+#include "records/evdev_key_codes.h"
+
+#include <xcb/res.h>
+#include <xcb/xinput.h>
+
+#include <algorithm>
+#include <unistd.h>
+
+namespace tavrin {
+namespace {
+
+constexpr std::uint16_t keyboardEvents =
+    XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY | XCB_XKB_EVENT_TYPE_STATE_NOTIFY;
+
+void selectRawKeys(X11EventConnection& events, std::uint32_t mask) {
+    struct {
+        xcb_input_event_mask_t head;
+        std::uint32_t mask;
+    } selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, mask};
+    xcb_input_xi_select_events(events.get(), events.root(), 1, &selection.head);
+}
+
+} // namespace
+
+X11KeyMonitor::X11KeyMonitor(X11EventConnection& events, X11QueryConnection& query)
+    : events_(events), query_(query) {}
+
+Token X11KeyMonitor::addGlobalMonitor(std::function<void(const KeyEvent&)> handler) {
+    if (!events_.server().extensions().hasRawKeys)
+        return {};
+    if (!pressed_.isConnected())
+        start();
+    return Token(
+        [this, connection = pressed_.connect(std::move(handler)), alive = std::weak_ptr(isAlive_)]() mutable {
+            connection.release();
+            if (!alive.expired() && !pressed_.isConnected())
+                stop();
+        });
+}
+
+void X11KeyMonitor::start() {
+    eventToken_ = events_.observeEvents([this](const xcb_generic_event_t& event) { handleEvent(event); });
+    selectRawKeys(events_, XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
+    // Notices of the modifiers come in order with the keys, so that a press is judged by the modifiers of
+    // its own moment, however late it is read.
+    xcb_xkb_select_events_details_t details{};
+    details.affectState = XCB_XKB_STATE_PART_MODIFIER_STATE;
+    details.stateDetails = XCB_XKB_STATE_PART_MODIFIER_STATE;
+    const std::uint16_t map = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
+    xcb_xkb_select_events_aux(events_.get(), XCB_XKB_ID_USE_CORE_KBD, keyboardEvents, 0,
+                              XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY, map,
+                              map, &details);
+    events_.flush();
+    const auto state = owned(xcb_xkb_get_state_reply(
+        query_.get(), xcb_xkb_get_state(query_.get(), XCB_XKB_ID_USE_CORE_KBD), nullptr));
+    modifiers_ = state ? state->mods : 0;
+    held_.clear();
+    isKeyboardOutdated_ = true;
+}
+
+void X11KeyMonitor::stop() {
+    eventToken_.release();
+    selectRawKeys(events_, 0);
+    xcb_xkb_select_events_aux(events_.get(), XCB_XKB_ID_USE_CORE_KBD, keyboardEvents, keyboardEvents, 0, 0, 0,
+                              nullptr);
+    events_.flush();
+}
+
+void X11KeyMonitor::handleEvent(const xcb_generic_event_t& event) {
+    const auto& extensions = events_.server().extensions();
+    const auto type = event.response_type & 0x7f;
+    if (type == extensions.xkbFirstEvent) {
+        const auto& notice = reinterpret_cast<const xcb_xkb_state_notify_event_t&>(event);
+        if (notice.xkbType == XCB_XKB_STATE_NOTIFY)
+            modifiers_ = notice.mods;
+        else
+            isKeyboardOutdated_ = true;
+    } else if (type == XCB_GE_GENERIC) {
+        const auto& raw = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
+        if (raw.extension != extensions.xinputOpcode || raw.detail > 0xFF)
+            return;
+        const auto key = static_cast<std::uint8_t>(raw.detail);
+        if (raw.event_type == XCB_INPUT_RAW_KEY_RELEASE)
+            held_.release(key);
+        else if (raw.event_type == XCB_INPUT_RAW_KEY_PRESS &&
+                 (raw.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) == 0)
+            handlePress(key);
+    }
+}
+
+void X11KeyMonitor::handlePress(std::uint8_t key) {
+    const auto focusCookie = xcb_get_input_focus(query_.get());
+    const auto keymapCookie = xcb_query_keymap(query_.get());
+    const auto focus = owned(xcb_get_input_focus_reply(query_.get(), focusCookie, nullptr));
+    const auto keymap = owned(xcb_query_keymap_reply(query_.get(), keymapCookie, nullptr));
+    if (!focus || !keymap)
+        return;
+    HeldKeys::DownKeys down;
+    std::ranges::copy(keymap->keys, down.begin());
+    if (!held_.press(key, down))
+        return;
+    if (isKeyboardOutdated_) {
+        if (auto keyboard = readKeyboard(query_.server()))
+            keyboard_ = std::move(*keyboard);
+        isKeyboardOutdated_ = false;
+    }
+    const auto position = keyboard_.positions.evdevCode(key);
+    const auto code = position ? virtualKeyCode(*position) : std::nullopt;
+    if (code && !isOwnWindow(focus->focus))
+        pressed_.emit({.keyCode = *code, .modifierFlags = keyboard_.modifiers.flags(modifiers_)});
+}
+
+bool X11KeyMonitor::isOwnWindow(xcb_window_t window) {
+    const auto client = query_.server().clientOf(window);
+    if (client == 0 || !query_.server().extensions().hasClientIDs)
+        return false; // nobody has the focus, or the server itself
+    if (const auto known = isOwnClient_.find(client); known != isOwnClient_.end())
+        return known->second;
+    const xcb_res_client_id_spec_t question{client, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+    const auto reply = owned(xcb_res_query_client_ids_reply(
+        query_.get(), xcb_res_query_client_ids(query_.get(), 1, &question), nullptr));
+    bool isOwn = false;
+    if (reply)
+        for (auto id = xcb_res_query_client_ids_ids_iterator(reply.get()); id.rem > 0;
+             xcb_res_client_id_value_next(&id))
+            isOwn |= xcb_res_client_id_value_value_length(id.data) > 0 &&
+                     xcb_res_client_id_value_value(id.data)[0] == static_cast<std::uint32_t>(getpid());
+    // Numbers of clients are given out again, but this process keeps its connections as long as it runs.
+    return isOwnClient_[client] = isOwn;
+}
+
+} // namespace tavrin
