@@ -1,5 +1,7 @@
 #include "desktop_test.h"
 
+#include "support/desktop/screenshot.h"
+
 #include <iostream>
 
 namespace tavrin {
@@ -21,7 +23,7 @@ void DesktopTest::begin(Desktop::Options options) {
 void DesktopTest::TearDown() {
     if (!HasFailure() || !desktop_)
         return;
-    desktop_->takeScreenshot(desktop_->logs() + "/failure.png");
+    takeScreenshot(desktop_->x(), desktop_->logs() + "/failure.png");
     std::cerr << "Logs and a picture of the screen: " << desktop_->logs().toStdString() << '\n';
 }
 

@@ -4,7 +4,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QImage>
 
 #include <algorithm>
 #include <cstdio>
@@ -127,21 +126,6 @@ std::unique_ptr<Process> Desktop::startProgram(const QString& program, const QSt
     if (!process->start(program, arguments, environment_, log(program.section('/', -1))))
         return nullptr;
     return process;
-}
-
-bool Desktop::takeScreenshot(const QString& file) {
-    auto* c = x_->raw();
-    const Reply<xcb_get_geometry_reply_t> size{
-        xcb_get_geometry_reply(c, xcb_get_geometry(c, x_->root()), nullptr)};
-    if (!size)
-        return false;
-    const auto cookie =
-        xcb_get_image(c, XCB_IMAGE_FORMAT_Z_PIXMAP, x_->root(), 0, 0, size->width, size->height, ~0U);
-    const Reply<xcb_get_image_reply_t> reply{xcb_get_image_reply(c, cookie, nullptr)};
-    if (!reply || xcb_get_image_data_length(reply.get()) < size->width * size->height * 4)
-        return false;
-    return QImage(xcb_get_image_data(reply.get()), size->width, size->height, QImage::Format_RGB32)
-        .save(file);
 }
 
 } // namespace tavrin::desktop

@@ -53,9 +53,6 @@ public:
     /// Any program of the machine; absent when it cannot be started.
     std::unique_ptr<Process> startProgram(const QString& program, const QStringList& arguments = {});
 
-    /// Writes the picture of the whole screen as PNG.
-    bool takeScreenshot(const QString& file);
-
 private:
     void prepareEnvironment();
     xcb_window_t openProbe();

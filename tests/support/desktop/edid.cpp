@@ -25,7 +25,10 @@ std::array<std::uint8_t, 128> makeEdid(const MonitorIdentity& identity) {
     block[20] = 0x80; // a digital input
     block[21] = 60;   // 60 by 34 cm
     block[22] = 34;
-    block[23] = 120;                                         // gamma 2.2
+    block[23] = 120; // gamma 2.2
+    constexpr std::array<std::uint8_t, 10> standardColours{0xee, 0x91, 0xa3, 0x54, 0x4c,
+                                                           0x99, 0x26, 0x0f, 0x50, 0x54};
+    std::copy(standardColours.begin(), standardColours.end(), block.begin() + 25);
     std::fill(block.begin() + 38, block.begin() + 54, 0x01); // no standard timings
 
     // The first of the four descriptors is the name, the others are empty.

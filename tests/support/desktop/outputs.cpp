@@ -114,8 +114,15 @@ bool Outputs::plug(int output, const Rect& area, const std::optional<MonitorIden
     const bool done = fitScreen(remaining) && setCrtc(*target, static_cast<std::int16_t>(area.x),
                                                       static_cast<std::int16_t>(area.y), wantedMode);
     xcb_ungrab_server(c);
-    x_.sync();
+    probe();
     return done;
+}
+
+void Outputs::probe() {
+    auto* c = x_.raw();
+    const Reply<xcb_randr_get_screen_resources_reply_t> resources{
+        xcb_randr_get_screen_resources_reply(c, xcb_randr_get_screen_resources(c, x_.root()), nullptr)};
+    x_.sync();
 }
 
 bool Outputs::unplug(int output) {
@@ -128,7 +135,7 @@ bool Outputs::unplug(int output) {
         done = setCrtc(*target, 0, 0, XCB_NONE) && fitScreen(areas());
         xcb_ungrab_server(c);
     }
-    x_.sync();
+    probe();
     return done;
 }
 

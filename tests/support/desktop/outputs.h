@@ -37,6 +37,8 @@ private:
     std::optional<Slot> slot(int output);
     xcb_randr_mode_t mode(int width, int height);
     bool setCrtc(const Slot& slot, std::int16_t left, std::int16_t top, xcb_randr_mode_t mode);
+    /// Has the server look which outputs are connected; until then toolkits leave a fresh one out.
+    void probe();
     bool fitScreen(const std::vector<Rect>& areas);
     bool setMonitor(int output, const Rect& area);
 

@@ -196,7 +196,11 @@ bool Windows::changeMaximised(xcb_window_t window, bool isWanted) {
     x_.askWindowManager(window, "_NET_WM_STATE",
                         {isWanted ? 1U : 0U, x_.atom("_NET_WM_STATE_MAXIMIZED_VERT"),
                          x_.atom("_NET_WM_STATE_MAXIMIZED_HORZ"), sourceIsPager, 0});
-    return waitUntil([&] { return isMaximised(window) == isWanted && visibleFrame(window) != before; });
+    // The borders change with the state, in steps: done is when what is told agrees with what is there.
+    return waitUntil([&] {
+        const auto now = visibleFrame(window);
+        return isMaximised(window) == isWanted && now != before && now == outermost(window);
+    });
 }
 
 void Windows::activate(xcb_window_t window) {

@@ -33,6 +33,8 @@ void XConnection::handleEvents() {
     bool any = false;
     while (Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
         any = true;
+        if (onEvent)
+            onEvent(*event);
         // The top bit marks what another client sent; only the server's own word counts as a move.
         if (event->response_type == XCB_CREATE_NOTIFY)
             noteCreated(*reinterpret_cast<xcb_create_notify_event_t*>(event.get()));

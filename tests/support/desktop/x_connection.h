@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -52,6 +53,9 @@ public:
     void watch(xcb_window_t window);
     /// Returns once the server has handled everything asked so far; its events are then in.
     void sync();
+
+    /// Called with every event; codes of extensions are the caller's to know.
+    std::function<void(const xcb_generic_event_t&)> onEvent;
 
     /// Every move since the last call, oldest first. Windows that were only raised do not count.
     std::vector<Move> takeMoves();

@@ -1,6 +1,7 @@
 // Shows the program's main job on a private desktop with two displays and real applications: saves their
 // arrangement, scatters the windows, has them put back, and says in words what happened. Pictures of every
 // stage go into the folder given as the only argument. Exits with 0 when every window is back to the pixel.
+#include "support/desktop/screenshot.h"
 #include "support/desktop/tavrin_program.h"
 #include "support/desktop/wait.h"
 
@@ -77,7 +78,8 @@ private:
 
     void picture(const QString& name) {
         const QString file = folder_ + "/" + name + ".png";
-        if (desktop_.takeScreenshot(file))
+        waitUntilDrawn(desktop_.x());
+        if (takeScreenshot(desktop_.x(), file))
             say("  picture: {}", file.toStdString());
     }
 
