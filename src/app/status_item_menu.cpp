@@ -2,15 +2,15 @@
 
 #include <fmt/format.h>
 
+#include <ranges>
+
 namespace tavrin {
 namespace {
 
-std::vector<SavedLayout> layoutsOf(const MonitorProfile& profile, const StatusItemMenuContent& content) {
-    std::vector<SavedLayout> layouts;
-    for (const SavedLayout& layout : content.layouts)
-        if (layout.profileID == profile.id)
-            layouts.push_back(layout);
-    return layouts;
+/// The layouts of a profile, in the order of the store.
+auto layoutsOf(const MonitorProfile& profile, const StatusItemMenuContent& content) {
+    return std::views::filter(
+        content.layouts, [id = profile.id](const SavedLayout& layout) { return layout.profileID == id; });
 }
 
 MenuModel restoreItems(const MonitorProfile& profile, const StatusItemMenuContent& content) {

@@ -3,7 +3,8 @@
 #include "storage/app_support_paths.h"
 #include "storage/store_migration.h"
 
-#include <optional>
+#include <expected>
+#include <string>
 
 namespace tavrin {
 
@@ -13,32 +14,47 @@ namespace tavrin {
 std::expected<void, FileError> writeAtomically(const AppSupportPaths& paths,
                                                const std::filesystem::path& file, std::string_view bytes);
 
-/// The payload of a data file; absent when the file does not exist.
+/// A data file with its payload in an envelope.
 template <class Payload>
-std::expected<std::optional<Payload>, StoreError> readDataFile(const AppSupportPaths& paths,
-                                                               const std::filesystem::path& file,
-                                                               const StoreMigration& migration) {
-    if (!paths.fileManager.exists(file))
-        return std::nullopt;
-    const auto bytes = paths.fileManager.read(file);
-    if (!bytes)
-        return std::unexpected(bytes.error());
-    auto payload = migration.decode<Payload>(*bytes);
-    if (!payload)
-        return std::unexpected(payload.error());
-    return std::move(*payload);
-}
+class DataFile {
+public:
+    DataFile(AppSupportPaths paths, std::filesystem::path file)
+        : paths_(std::move(paths)), file_(std::move(file)) {}
 
-template <class Payload>
-std::expected<void, StoreError> writeDataFile(const AppSupportPaths& paths, const std::filesystem::path& file,
-                                              const StoreMigration& migration, const Payload& payload,
-                                              Timestamp now) {
-    const auto bytes = migration.encode(payload, now);
-    if (!bytes)
-        return std::unexpected(bytes.error());
-    if (const auto written = writeAtomically(paths, file, *bytes); !written)
-        return std::unexpected(written.error());
-    return {};
-}
+    /// What the file holds now; an empty payload when it does not exist.
+    std::expected<Payload, StoreError> load() {
+        if (!paths_.fileManager.exists(file_))
+            return Payload{};
+        auto bytes = paths_.fileManager.read(file_);
+        if (!bytes)
+            return std::unexpected(bytes.error());
+        // Reading is cheap and decoding is not: the same bytes are not decoded twice.
+        if (decodedBytes_.empty() || *bytes != decodedBytes_) {
+            auto payload = migration_.decode<Payload>(*bytes);
+            if (!payload)
+                return std::unexpected(payload.error());
+            decoded_ = std::move(*payload);
+            decodedBytes_ = std::move(*bytes);
+        }
+        return decoded_;
+    }
+
+    /// Replaces the file; `now` is the time of writing.
+    std::expected<void, StoreError> save(const Payload& payload, Timestamp now) const {
+        const auto bytes = migration_.encode(payload, now);
+        if (!bytes)
+            return std::unexpected(bytes.error());
+        if (const auto written = writeAtomically(paths_, file_, *bytes); !written)
+            return std::unexpected(written.error());
+        return {};
+    }
+
+private:
+    AppSupportPaths paths_;
+    std::filesystem::path file_;
+    StoreMigration migration_{1};
+    std::string decodedBytes_; ///< what `decoded_` was decoded from; empty before the first time
+    Payload decoded_;
+};
 
 } // namespace tavrin

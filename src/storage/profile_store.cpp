@@ -1,21 +1,11 @@
 #include "storage/profile_store.h"
 
 #include "base/text.h"
-#include "storage/data_file.h"
 
 #include <algorithm>
 
 namespace tavrin {
 namespace {
-
-template <class Record>
-std::expected<std::vector<Record>, StoreError>
-loadList(const AppSupportPaths& paths, const std::filesystem::path& file, const StoreMigration& migration) {
-    auto list = readDataFile<std::vector<Record>>(paths, file, migration);
-    if (!list)
-        return std::unexpected(list.error());
-    return std::move(*list).value_or(std::vector<Record>{});
-}
 
 std::unexpected<StoreError> refused(ProfileStoreError error) {
     return std::unexpected(StoreError(error));
@@ -24,11 +14,11 @@ std::unexpected<StoreError> refused(ProfileStoreError error) {
 } // namespace
 
 std::expected<std::vector<MonitorProfile>, StoreError> ProfileStore::loadProfiles() {
-    return loadList<MonitorProfile>(paths_, paths_.profilesFile(), migration_);
+    return profilesFile_.load();
 }
 
 std::expected<std::vector<SavedLayout>, StoreError> ProfileStore::loadLayouts() {
-    return loadList<SavedLayout>(paths_, paths_.layoutsFile(), migration_);
+    return layoutsFile_.load();
 }
 
 std::optional<Uuid> ProfileStore::defaultLayoutID(const MonitorProfile& profile) {
@@ -56,7 +46,7 @@ std::expected<MonitorProfile, StoreError> ProfileStore::createProfile(std::strin
                          .displayFingerprint = fingerprint,
                          .createdAt = now,
                          .updatedAt = now});
-    if (const auto written = write(*profiles, now); !written)
+    if (const auto written = profilesFile_.save(*profiles, now); !written)
         return std::unexpected(written.error());
     return profiles->back();
 }
@@ -170,7 +160,7 @@ std::expected<void, StoreError> ProfileStore::changeProfile(const Uuid& profileI
         return refused(ProfileNotFound{profileID});
     change(*profile, now);
     profile->updatedAt = now;
-    return write(*profiles, now);
+    return profilesFile_.save(*profiles, now);
 }
 
 template <class Change>
@@ -184,22 +174,14 @@ std::expected<void, StoreError> ProfileStore::changeLayout(const Uuid& layoutID,
         return refused(LayoutNotFound{layoutID});
     change(*layout);
     layout->updatedAt = now;
-    return write(*layouts, now);
-}
-
-std::expected<void, StoreError> ProfileStore::write(const Profiles& profiles, Timestamp now) {
-    return writeDataFile(paths_, paths_.profilesFile(), migration_, profiles, now);
-}
-
-std::expected<void, StoreError> ProfileStore::write(const Layouts& layouts, Timestamp now) {
-    return writeDataFile(paths_, paths_.layoutsFile(), migration_, layouts, now);
+    return layoutsFile_.save(*layouts, now);
 }
 
 std::expected<void, StoreError> ProfileStore::write(const Layouts& layouts, const Profiles& profiles,
                                                     Timestamp now) {
-    if (const auto written = write(layouts, now); !written)
+    if (const auto written = layoutsFile_.save(layouts, now); !written)
         return written;
-    return write(profiles, now);
+    return profilesFile_.save(profiles, now);
 }
 
 } // namespace tavrin

@@ -2,18 +2,19 @@
 
 #include "ports/profile_providing.h"
 #include "ports/wall_clock.h"
-#include "storage/app_support_paths.h"
-#include "storage/store_migration.h"
+#include "storage/data_file.h"
 
 namespace tavrin {
 
 /// The owner of the profiles file and the layouts file. Every operation reads what it needs from disk and
-/// writes back at once; there is no cache. A file that cannot be read fails the operation before anything
-/// is written. Operations that change both files write the layouts first; there is no transaction across
-/// the two. Names are trimmed of white space and line breaks.
+/// writes back at once; what it returns is what the files hold now. A file that cannot be read fails the
+/// operation before anything is written. Operations that change both files write the layouts first; there is
+/// no transaction across the two. Names are trimmed of white space and line breaks.
 class ProfileStore : public ProfileProviding {
 public:
-    ProfileStore(AppSupportPaths paths, WallClock& clock) : paths_(std::move(paths)), clock_(clock) {}
+    ProfileStore(const AppSupportPaths& paths, WallClock& clock)
+        : clock_(clock), profilesFile_(paths, paths.profilesFile()),
+          layoutsFile_(paths, paths.layoutsFile()) {}
 
     std::expected<std::vector<MonitorProfile>, StoreError> loadProfiles() override;
     std::expected<std::vector<SavedLayout>, StoreError> loadLayouts() override;
@@ -65,13 +66,11 @@ private:
     template <class Change>
     std::expected<void, StoreError> changeLayout(const Uuid& layoutID, Change change);
 
-    std::expected<void, StoreError> write(const Profiles& profiles, Timestamp now);
-    std::expected<void, StoreError> write(const Layouts& layouts, Timestamp now);
     std::expected<void, StoreError> write(const Layouts& layouts, const Profiles& profiles, Timestamp now);
 
-    AppSupportPaths paths_;
     WallClock& clock_;
-    StoreMigration migration_{1};
+    DataFile<Profiles> profilesFile_;
+    DataFile<Layouts> layoutsFile_;
 };
 
 } // namespace tavrin

@@ -2,8 +2,7 @@
 
 #include "ports/settings_providing.h"
 #include "ports/wall_clock.h"
-#include "storage/app_support_paths.h"
-#include "storage/store_migration.h"
+#include "storage/data_file.h"
 
 namespace tavrin {
 
@@ -11,7 +10,8 @@ namespace tavrin {
 /// never replaced by the defaults.
 class SettingsStore : public SettingsProviding {
 public:
-    SettingsStore(AppSupportPaths paths, WallClock& clock) : paths_(std::move(paths)), clock_(clock) {}
+    SettingsStore(const AppSupportPaths& paths, WallClock& clock)
+        : clock_(clock), settingsFile_(paths, paths.settingsFile()) {}
 
     std::expected<AppSettings, StoreError> load() override;
 
@@ -19,9 +19,8 @@ public:
     std::expected<void, StoreError> save(const AppSettings& settings);
 
 private:
-    AppSupportPaths paths_;
     WallClock& clock_;
-    StoreMigration migration_{1};
+    DataFile<AppSettings> settingsFile_;
 };
 
 } // namespace tavrin
