@@ -89,7 +89,7 @@ void SystemEventListener::listenToSession(QDBusConnection bus) {
 }
 
 void SystemEventListener::findSession(const QDBusConnection& bus) {
-    const auto found = [this, bus](const QVariant& path) { setSession(bus, objectPath(path)); };
+    const auto found = [this](const QVariant& path) { setSession(objectPath(path)); };
     // A process that systemd started for the user is in no session: the one with the display is meant.
     const auto notFound = [this, bus] { findDisplaySession(bus); };
     if (configuration_.sessionID && !configuration_.sessionID->empty())
@@ -104,7 +104,7 @@ void SystemEventListener::findDisplaySession(const QDBusConnection& bus) {
         if (objectPath(user).isEmpty())
             return;
         ask(bus, propertyCall(objectPath(user), userInterface, QStringLiteral("Display")),
-            [this, bus](const QVariant& display) {
+            [this](const QVariant& display) {
                 if (!display.canConvert<QDBusArgument>())
                     return;
                 const auto structure = display.value<QDBusArgument>();
@@ -115,24 +115,14 @@ void SystemEventListener::findDisplaySession(const QDBusConnection& bus) {
                 structure.beginStructure();
                 structure >> id >> path;
                 structure.endStructure();
-                setSession(bus, path.path());
+                setSession(path.path());
             });
     });
 }
 
-void SystemEventListener::setSession(const QDBusConnection& bus, const QString& path) {
-    if (path.isEmpty() || path == QLatin1String("/"))
-        return;
-    sessionPath_ = path;
-    readLockedHint(bus);
-}
-
-void SystemEventListener::readLockedHint(const QDBusConnection& bus) {
-    ask(bus, propertyCall(sessionPath_, sessionInterface, lockedHint), [this](const QVariant& isLocked) {
-        // "Not locked" is no news here: nothing says that it ever was.
-        if (isLocked.typeId() == QMetaType::Bool && isLocked.toBool())
-            report(LockSource::sessionHint, true);
-    });
+void SystemEventListener::setSession(const QString& path) {
+    if (!path.isEmpty() && path != QLatin1String("/"))
+        sessionPath_ = path;
 }
 
 void SystemEventListener::ask(const QDBusConnection& bus, const QDBusMessage& question,

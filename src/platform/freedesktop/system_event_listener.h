@@ -34,8 +34,7 @@ private:
     /// Finds out which of logind's sessions is this one; its events count from then on.
     void findSession(const QDBusConnection& bus);
     void findDisplaySession(const QDBusConnection& bus);
-    void setSession(const QDBusConnection& bus, const QString& path);
-    void readLockedHint(const QDBusConnection& bus);
+    void setSession(const QString& path);
 
     /// Calls `answered` with the first argument of the answer, unless it is an error.
     void ask(const QDBusConnection& bus, const QDBusMessage& question,

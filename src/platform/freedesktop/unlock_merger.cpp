@@ -5,7 +5,6 @@
 namespace tavrin {
 
 void UnlockMerger::locked(LockSource source) {
-    expected_.clear();
     locked_.insert(source);
 }
 
