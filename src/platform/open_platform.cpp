@@ -7,6 +7,7 @@
 #include "platform/posix/system_wall_clock.h"
 #include "platform/qt/qt_application_host.h"
 #include "platform/qt/qt_event_loop.h"
+#include "platform/qt/qt_local_key_monitor.h"
 #include "platform/qt/qt_program.h"
 #include "platform/qt/qt_scheduler.h"
 #include "platform/qt/qt_status_item.h"
@@ -25,10 +26,30 @@
 namespace tavrin {
 namespace {
 
-class NoKeys : public KeyMonitors {
-    Token addGlobalMonitor(std::function<void(const KeyEvent&)>) override { return {}; }
-    Token addLocalMonitor(std::function<bool(const KeyEvent&)>) override { return {}; }
+/// Presses for other applications from the X server, those for the program's own windows from Qt.
+class DesktopKeyMonitors : public KeyMonitors {
+public:
+    DesktopKeyMonitors(std::unique_ptr<X11Platform>& x11, const QtApplicationHost& host)
+        : x11_(x11), host_(host) {}
+
+    Token addGlobalMonitor(std::function<void(const KeyEvent&)> handler) override {
+        return x11_->addGlobalKeyMonitor([this, handler = std::move(handler)](const KeyEvent& event) {
+            // The X server shows every press, whoever has the focus.
+            if (!host_.isActive())
+                handler(event);
+        });
+    }
+
+    Token addLocalMonitor(std::function<bool(const KeyEvent&)> handler) override {
+        return localMonitor_.add(std::move(handler));
+    }
+
+private:
+    std::unique_ptr<X11Platform>& x11_;
+    const QtApplicationHost& host_;
+    QtLocalKeyMonitor localMonitor_;
 };
+
 class NoLoginItem : public LoginItem {
     LoginItemStatus status() override { return LoginItemStatus::notFound; }
     std::expected<void, PlatformError> registerItem() override { return std::unexpected(PlatformError{}); }
@@ -103,11 +124,11 @@ private:
     PosixFileSystem fileSystem_;
     SystemWallClock clock_;
     QtStatusItem statusItem_;
-    NoKeys keyMonitors_;
     NoLoginItem loginItem_;
     NoInstances instances_;
     NoLinks links_;
     std::unique_ptr<X11Platform> x11_;
+    DesktopKeyMonitors keyMonitors_{x11_, host_};
     std::vector<Token> observers_;
     std::optional<Platform> platform_;
 };
