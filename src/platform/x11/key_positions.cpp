@@ -38,7 +38,7 @@ KeyPositions::KeyPositions(const Names& names) {
     renumbered_.emplace();
     for (const auto& [key, name] : names) {
         const auto* found = std::ranges::find(namedKeys, std::string_view(name), &NamedKey::name);
-        if (key >= firstRenumberedKey && found != std::end(namedKeys))
+        if (found != std::end(namedKeys))
             renumbered_->emplace(key, found->evdevCode);
     }
 }

@@ -1,0 +1,67 @@
+#include "platform/x11/edid.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace tavrin {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// The base block of a display: header, maker, product and serial, then `rest` bytes.
+Bytes block(std::initializer_list<std::uint8_t> identity, std::size_t rest = 110) {
+    Bytes bytes = {0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00};
+    bytes.insert(bytes.end(), identity);
+    bytes.resize(bytes.size() + rest);
+    return bytes;
+}
+
+TEST(EdidTest, makerIsBigEndianProductAndSerialAreLittleEndian) {
+    EXPECT_EQ(edidIdentity(block({0x10, 0xAC, 0xB8, 0xA0, 0x4C, 0x31, 0x30, 0x81, 0x1A, 0x1B})),
+              (EdidIdentity{.manufacturer = 0x10AC, .product = 0xA0B8, .serial = 0x8130314C}));
+    EXPECT_EQ(edidIdentity(block({0x06, 0x10, 0x00, 0x00, 0, 0, 0, 0, 0, 0}, 238)),
+              (EdidIdentity{.manufacturer = 0x0610, .product = 0, .serial = 0}));
+}
+
+TEST(EdidTest, whatIsNoBlockOfADisplayHasNoIdentity) {
+    const auto good = block({0x10, 0xAC, 0xB8, 0xA0, 0, 0, 0, 0, 0, 0});
+    ASSERT_EQ(good.size(), 128U);
+    auto badHeader = good;
+    badHeader[7] = 0xFF;
+    auto cut = good;
+    cut.pop_back();
+    const auto nameless = block({0, 0, 0, 0, 1, 2, 3, 4, 0, 0});
+    for (const auto& bytes : {badHeader, cut, nameless, Bytes{}})
+        EXPECT_EQ(edidIdentity(bytes), std::nullopt);
+}
+
+RC_GTEST_PROP(EdidTest, anyBytesAreReadSafely, (Bytes bytes, bool hasHeader)) {
+    if (hasHeader) {
+        const auto header = block({}, 0);
+        bytes.insert(bytes.begin(), header.begin(), header.end());
+    }
+    // Exactly as large as its contents, so that the sanitizers see a read beyond the end.
+    const auto copy = std::make_unique<std::uint8_t[]>(bytes.size());
+    std::ranges::copy(bytes, copy.get());
+    RC_ASSERT(!edidIdentity({copy.get(), bytes.size()}) || bytes.size() >= 128);
+}
+
+TEST(EdidTest, anOutputWithoutDisplayDataIsKnownByItsConnector) {
+    EXPECT_EQ(connectorNumber("123456789"), 0xCBF43926U); // the check value of the algorithm
+    EXPECT_NE(connectorNumber("Virtual-1"), connectorNumber("Virtual-2"));
+    EXPECT_EQ(connectorNumber(""), 0U);
+}
+
+TEST(EdidTest, builtInPanelsAreKnownByTheirConnector) {
+    for (const auto* name : {"eDP-1", "eDP1", "LVDS", "LVDS-1-2", "DSI-1", "edp"})
+        EXPECT_TRUE(isBuiltinConnector(name)) << name;
+    for (const auto* name : {"DP-1", "HDMI-A-1", "VGA-1", "DUMMY0", "ed", ""})
+        EXPECT_FALSE(isBuiltinConnector(name)) << name;
+}
+
+} // namespace
+} // namespace tavrin

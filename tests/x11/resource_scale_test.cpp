@@ -1,0 +1,33 @@
+#include "platform/x11/resource_scale.h"
+
+#include <gtest/gtest.h>
+
+namespace tavrin {
+namespace {
+
+TEST(ResourceScaleTest, theResolutionForTextsGivesTheScale) {
+    const struct {
+        const char* resources;
+        double scale;
+    } cases[] = {
+        {"", 1},
+        {"Xft.dpi:\t192\n", 2},
+        {"Xft.antialias:\t1\nXft.dpi: 144\r\nXcursor.size:\t24\n", 1.5},
+        {"  Xft.dpi  :  96  ", 1},
+        {"Xft.dpi: 120\nXft.dpi: 168", 1.75},
+        {"*Xft.dpi.x: 192\nXft.dpi2: 192\nXft.dpi 192\n", 1},
+        {"Xft.dpi:\n", 1},
+        {"Xft.dpi: large\n", 1},
+        {"Xft.dpi: 192dpi\n", 1},
+        {"Xft.dpi: 0\n", 1},
+        {"Xft.dpi: -192\n", 1},
+        {"Xft.dpi: inf\n", 1},
+        {"Xft.dpi: nan\n", 1},
+        {"Xft.dpi: 1e99\n", 1},
+    };
+    for (const auto& test : cases)
+        EXPECT_EQ(resourceScale(test.resources), test.scale) << test.resources;
+}
+
+} // namespace
+} // namespace tavrin
