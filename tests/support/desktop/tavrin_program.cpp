@@ -3,6 +3,10 @@
 #include "support/desktop/wait.h"
 
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
 
 #include <algorithm>
 
@@ -79,9 +83,36 @@ bool TavrinProgram::waitForRest() {
     return waitUntil([this] { return desktop_.tray().picture() == restingPicture_; });
 }
 
-std::string TavrinProgram::dataFile(const QString& name) const {
-    QFile file(desktop_.home() + "/.local/share/Tavrin/" + name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
+QJsonValue TavrinProgram::payload(const QString& file) const {
+    QFile stored(path(file));
+    if (!stored.open(QIODevice::ReadOnly))
+        return {};
+    return QJsonDocument::fromJson(stored.readAll()).object().value("payload");
+}
+
+bool TavrinProgram::setPayload(const QString& file, const QJsonValue& payload) {
+    QSaveFile stored(path(file));
+    const QJsonObject envelope{
+        {"schemaVersion", 1}, {"updatedAt", "2024-01-01T00:00:00Z"}, {"payload", payload}};
+    return stored.open(QIODevice::WriteOnly) && stored.write(QJsonDocument(envelope).toJson()) > 0 &&
+           stored.commit();
+}
+
+bool TavrinProgram::makeDefault(const std::string& layout) {
+    auto profiles = payload("profiles.json").toArray();
+    for (const QJsonValue saved : payload("layouts.json").toArray()) {
+        if (saved["name"].toString().toStdString() != layout)
+            continue;
+        for (QJsonValueRef profile : profiles) {
+            auto changed = profile.toObject();
+            if (changed["id"] != saved["profileID"])
+                continue;
+            changed["defaultLayoutID"] = saved["id"];
+            profile = changed;
+            return setPayload("profiles.json", profiles);
+        }
+    }
+    return false;
 }
 
 } // namespace tavrin::desktop

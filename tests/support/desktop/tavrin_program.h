@@ -2,6 +2,8 @@
 
 #include "support/desktop/desktop.h"
 
+#include <QJsonValue>
+
 namespace tavrin::desktop {
 
 /// The built program on a private desktop, used as a person uses it: through its menu and the keyboard.
@@ -35,10 +37,16 @@ public:
     /// Waits until the icon is back to normal.
     bool waitForRest();
 
-    /// What a data file ("layouts.json") holds; empty when there is none.
-    std::string dataFile(const QString& name) const;
+    /// The content of a data file, such as "profiles.json", and replacing it while the program runs: it
+    /// reads what it needs anew each time.
+    QJsonValue payload(const QString& file) const;
+    bool setPayload(const QString& file, const QJsonValue& payload);
+    /// Makes the layout the one that is restored by itself on its setup.
+    bool makeDefault(const std::string& layout);
 
 private:
+    QString path(const QString& file) const { return desktop_.home() + "/.local/share/Tavrin/" + file; }
+
     Desktop& desktop_;
     std::unique_ptr<Process> process_;
     std::string restingPicture_;

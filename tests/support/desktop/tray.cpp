@@ -30,7 +30,13 @@ std::string titleFrom(const QString& label) {
 
 std::string shortcutFrom(const QVariant& value) {
     const auto combinations = qdbus_cast<QList<QStringList>>(value);
-    return combinations.isEmpty() ? std::string() : combinations.first().join('+').toStdString();
+    if (combinations.isEmpty())
+        return {};
+    auto keys = combinations.first();
+    for (auto& key : keys)
+        if (key == "comma") // sent as a word or as the character, shown as the character
+            key = ",";
+    return keys.join('+').toStdString();
 }
 
 // One (ia{sv}av) structure.
@@ -115,6 +121,7 @@ void Tray::RegisterStatusNotifierItem(const QString& item) {
     path_ = isPath ? item : "/StatusNotifierItem";
     departures_.addWatchedService(service_);
     bus_.connect(service_, path_, itemInterface, "NewIcon", this, SLOT(noteNewIcon()));
+    bus_.connect(service_, QString(), menuInterface, "LayoutUpdated", this, SLOT(noteNewMenu()));
     emit StatusNotifierItemRegistered(service_ + path_);
 }
 
@@ -122,6 +129,7 @@ void Tray::forget(const QString& service) {
     if (service.isEmpty() || service != service_)
         return;
     bus_.disconnect(service_, path_, itemInterface, "NewIcon", this, SLOT(noteNewIcon()));
+    bus_.disconnect(service_, QString(), menuInterface, "LayoutUpdated", this, SLOT(noteNewMenu()));
     departures_.removeWatchedService(service_);
     service_.clear();
     path_.clear();
@@ -179,6 +187,10 @@ QDBusMessage Tray::menuCall(const QString& method, const QVariantList& arguments
 
 std::optional<std::vector<TrayMenuItem>> Tray::openMenu() {
     menuCall("AboutToShow", {0});
+    return readMenu();
+}
+
+std::optional<std::vector<TrayMenuItem>> Tray::readMenu() {
     const auto reply = menuCall("GetLayout", {0, -1, QStringList()});
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().size() != 2)
         return std::nullopt;

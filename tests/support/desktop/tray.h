@@ -56,6 +56,8 @@ public:
     /// How often the item said that its icon changed.
     int iconChanges() const { return iconChanges_; }
 
+    /// Reads the menu as it was last shown, without telling the item of it. Changes of it wake `waitUntil`.
+    std::optional<std::vector<TrayMenuItem>> readMenu();
     /// Opens the menu as a panel does and reads all of it; absent when the item does not answer.
     std::optional<std::vector<TrayMenuItem>> openMenu();
     /// Opens the menu and chooses the item at that path of titles. False when there is none, or it is
@@ -73,6 +75,7 @@ signals:
 
 private slots:
     void noteNewIcon() { ++iconChanges_; }
+    void noteNewMenu() {} // only its arrival matters: it wakes whoever waits
 
 private:
     std::string readPicture() const;

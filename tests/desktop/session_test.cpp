@@ -1,0 +1,237 @@
+#include "desktop_test.h"
+#include "support/desktop/login_manager.h"
+#include "support/desktop/tavrin_program.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusServiceWatcher>
+#include <QJsonObject>
+#include <gmock/gmock.h>
+
+namespace tavrin::desktop {
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+const Rect firstDisplay{0, 0, 1920, 1080};
+const Rect secondDisplay{1920, 0, 1600, 1200};
+const MonitorIdentity secondMonitor{.serial = 2};
+
+class SessionTest : public DesktopTest {
+protected:
+    void beginWith(Desktop::Options options) {
+        begin(std::move(options));
+        program_ = std::make_unique<TavrinProgram>(desktop());
+    }
+
+    TavrinProgram& program() { return *program_; }
+
+    /// The menu as the panel has it, without opening it.
+    std::string shownMenu() {
+        const auto items = tray().readMenu();
+        return items ? describe(*items) : std::string();
+    }
+
+    /// A window, a layout that holds it and is restored by itself, and the window somewhere else.
+    void saveAndStray(const std::string& layout, const Rect& frame) {
+        client_ = desktop().startClient();
+        const auto opened = client_->open({.title = "stray"});
+        ASSERT_TRUE(opened && windows().place(*opened, frame));
+        window_ = *opened;
+        ASSERT_TRUE(program().saveLayout(layout) && program().makeDefault(layout));
+        ASSERT_TRUE(windows().place(window_, {120, 140, 360, 280}));
+    }
+
+    xcb_window_t window() const { return window_; }
+
+    /// The outcome of exactly one restore shows, and no second one follows.
+    void expectOneRestore() {
+        const int before = tray().iconChanges();
+        EXPECT_TRUE(program().waitForFeedback());
+        EXPECT_TRUE(program().waitForRest());
+        const int after = tray().iconChanges();
+        EXPECT_EQ(after - before, 2) << "there and back";
+        EXPECT_FALSE(
+            waitUntil([&] { return tray().iconChanges() != after; }, std::chrono::milliseconds(4000)));
+    }
+
+    void TearDown() override {
+        DesktopTest::TearDown();
+        client_.reset();
+        program_.reset();
+    }
+
+private:
+    std::unique_ptr<TavrinProgram> program_;
+    std::unique_ptr<TestClient> client_;
+    xcb_window_t window_ = XCB_NONE;
+};
+
+// The whole menu, line by line, on the way from the first start to several setups.
+TEST_F(SessionTest, TheMenuTellsTheStateItemByItem) {
+    const std::string foot = "---\n"
+                             "* Settings… [,]\n"
+                             "---\n"
+                             "Beta v0.1.0 — free during beta\n"
+                             "* Quit Tavrin [q]\n";
+    beginWith({.displays = {firstDisplay, secondDisplay}});
+    ASSERT_TRUE(program().start());
+    EXPECT_EQ(program().menu(), "Current Display Setup\n"
+                                "No matched display setup yet\n"
+                                "No saved layout has been matched to the current display setup yet.\n"
+                                "---\n"
+                                "* Save Layout…\n"
+                                "---\n"
+                                "No Display Setup Matched\n" +
+                                    foot);
+
+    ASSERT_TRUE(program().openSaveForm());
+    ASSERT_TRUE(desktop().keyboard().press(Keyboard::escapeKey));
+    ASSERT_TRUE(waitUntil([&] { return !program().hasForm(); }));
+    EXPECT_EQ(program().menu(), "Current Display Setup\n"
+                                "2-Display Setup\n"
+                                "Exact display identity and arrangement match.\n"
+                                "---\n"
+                                "* Save Layout…\n"
+                                "---\n"
+                                "Restore Layout\n"
+                                "No Saved Layouts\n" +
+                                    foot);
+
+    const auto client = desktop().startClient();
+    ASSERT_TRUE(client->open({.title = "something to save"}));
+    ASSERT_TRUE(program().saveLayout("Desk") && program().makeDefault("Desk"));
+    ASSERT_TRUE(program().saveLayout("Talk"));
+    EXPECT_EQ(program().menu(), "Current Display Setup\n"
+                                "2-Display Setup\n"
+                                "Exact display identity and arrangement match.\n"
+                                "---\n"
+                                "* Save Layout…\n"
+                                "* Update Layout >\n"
+                                "    * Desk\n"
+                                "    * Talk\n"
+                                "---\n"
+                                "Restore Layout\n"
+                                "* Desk (auto)\n"
+                                "* Talk\n" +
+                                    foot);
+
+    ASSERT_TRUE(outputs().unplug(1));
+    ASSERT_TRUE(waitUntil([&] {
+        return shownMenu().find("No matched display setup yet") != std::string::npos;
+    })) << "the menu follows the displays without being opened";
+    EXPECT_EQ(program().menu(), "Current Display Setup\n"
+                                "No matched display setup yet\n"
+                                "No saved layout has been matched to the current display setup yet.\n"
+                                "---\n"
+                                "* Save Layout…\n"
+                                "---\n"
+                                "No Display Setup Matched\n"
+                                "* Other Display Setups >\n"
+                                "    * 2-Display Setup >\n"
+                                "        * Desk (auto)\n"
+                                "        * Talk\n" +
+                                    foot);
+
+    desktop().stopWindowManager();
+    EXPECT_EQ(program().menu(), "Accessibility access is required\n"
+                                "* Open Accessibility Settings [,]\n"
+                                "* Recheck Permission [r]\n" +
+                                    foot);
+
+    ASSERT_TRUE(tray().choose({"Quit Tavrin"}));
+    EXPECT_EQ(program().process().waitForExit(), 0);
+}
+
+// Without a window manager nothing can be read or moved. Once asked to check, the program keeps looking.
+TEST_F(SessionTest, PermissionFollowsTheWindowManager) {
+    beginWith({.hasWindowManager = false});
+    ASSERT_TRUE(program().start());
+    EXPECT_THAT(program().menu(), StartsWith("Accessibility access is required"));
+    ASSERT_TRUE(tray().choose({"Recheck Permission"}));
+    ASSERT_TRUE(desktop().startWindowManager());
+    EXPECT_TRUE(waitUntil([&] { return shownMenu().starts_with("Current Display Setup"); }));
+
+    desktop().stopWindowManager();
+    EXPECT_THAT(program().menu(), StartsWith("Accessibility access is required")) << "looked at on opening";
+}
+
+TEST_F(SessionTest, APluggedDisplayBringsItsLayoutBackOnceForAWholeBurst) {
+    beginWith({.displays = {firstDisplay, secondDisplay}});
+    ASSERT_TRUE(program().start());
+    const Rect saved{2300, 200, 700, 600};
+    saveAndStray("Desk", saved);
+
+    ASSERT_TRUE(outputs().unplug(1));
+    ASSERT_TRUE(outputs().plug(1, secondDisplay, secondMonitor));
+    ASSERT_TRUE(outputs().unplug(1));
+    ASSERT_TRUE(outputs().plug(1, secondDisplay, secondMonitor));
+    expectOneRestore();
+    EXPECT_EQ(seen(window()), saved);
+}
+
+TEST_F(SessionTest, WakingAndUnlockingRestoreWhenTheUserWantsIt) {
+    beginWith({});
+    LoginManager logind(desktop().systemBus().connection());
+    ASSERT_TRUE(logind.appear());
+    ASSERT_TRUE(program().start());
+    const Rect saved{700, 300, 500, 400};
+    saveAndStray("Desk", saved);
+
+    const auto allow = [&](bool onWake, bool onUnlock) {
+        return program().setPayload("settings.json", QJsonObject{{"autoRestoreOnConnect", false},
+                                                                 {"autoRestoreOnDisconnect", false},
+                                                                 {"autoRestoreOnWake", onWake},
+                                                                 {"autoRestoreOnUnlockLogin", onUnlock}});
+    };
+    // Each event alone is switched on for its own turn; the other must do nothing then.
+    ASSERT_TRUE(allow(true, false));
+    logind.lock();
+    logind.unlock();
+    logind.sleepAndWake();
+    expectOneRestore();
+    EXPECT_EQ(seen(window()), saved) << "after waking";
+
+    ASSERT_TRUE(windows().place(window(), {120, 140, 360, 280}));
+    ASSERT_TRUE(allow(false, true));
+    logind.sleepAndWake();
+    logind.lock();
+    logind.unlock();
+    expectOneRestore();
+    EXPECT_EQ(seen(window()), saved) << "after unlocking";
+}
+
+TEST_F(SessionTest, ASecondCopyHandsOverAndAKilledOneLeavesNothingInTheWay) {
+    beginWith({});
+    ASSERT_TRUE(program().start());
+    TavrinProgram second(desktop());
+    ASSERT_TRUE(second.launch());
+    EXPECT_EQ(second.process().waitForExit(), 0);
+    EXPECT_TRUE(program().process().isRunning());
+    EXPECT_THAT(program().menu(), HasSubstr("Quit Tavrin"));
+
+    program().process().kill();
+    ASSERT_TRUE(waitUntil([&] { return !tray().hasItem(); }));
+    EXPECT_TRUE(second.start());
+    EXPECT_THAT(second.menu(), HasSubstr("Quit Tavrin"));
+}
+
+TEST_F(SessionTest, ATrayThatAppearsLateOrRestartsGetsTheItem) {
+    beginWith({.hasTray = false});
+    const QString name = "org.tavrin.Tavrin";
+    auto bus = desktop().sessionBus().connection();
+    QDBusServiceWatcher arrival(name, bus); // wakes the waiting below
+    ASSERT_TRUE(program().launch());
+    ASSERT_TRUE(waitUntil([&] { return bus.interface()->isServiceRegistered(name).value(); }));
+    for (const auto* when : {"late", "restarted"}) {
+        ASSERT_TRUE(tray().appear());
+        EXPECT_TRUE(tray().waitForItem()) << when;
+        EXPECT_THAT(program().menu(), HasSubstr("Quit Tavrin")) << when;
+        tray().disappear();
+    }
+}
+
+} // namespace
+
+} // namespace tavrin::desktop
