@@ -189,12 +189,12 @@ std::optional<DesktopEntry> parseDesktopEntry(std::string_view bytes,
     };
 }
 
-std::string withDesktopEntryKeys(std::string_view bytes,
-                                 const std::vector<std::pair<std::string, std::string>>& keys) {
+std::string withDesktopEntryKeys(std::string_view bytes, const std::vector<DesktopEntryKey>& keys) {
     std::string result;
     const auto appendKeys = [&] {
         for (const auto& [key, value] : keys)
-            result.append(key).append("=").append(value).append("\n");
+            if (value)
+                result.append(key).append("=").append(*value).append("\n");
     };
     bool isInGroup = false;
     bool hasKeys = false;
@@ -221,6 +221,31 @@ std::string withDesktopEntryKeys(std::string_view bytes,
         appendKeys();
     }
     return result;
+}
+
+std::string escapedDesktopEntryText(std::string_view text) {
+    std::string escaped;
+    for (const char c : text) {
+        switch (c) {
+        case '\\':
+            escaped += "\\\\";
+            break;
+        case '\n':
+            escaped += "\\n";
+            break;
+        case '\t':
+            escaped += "\\t";
+            break;
+        case '\r':
+            escaped += "\\r";
+            break;
+        default:
+            escaped += c;
+        }
+    }
+    if (escaped.starts_with(' '))
+        escaped.replace(0, 1, "\\s");
+    return escaped;
 }
 
 } // namespace tavrin

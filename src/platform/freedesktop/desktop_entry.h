@@ -41,9 +41,14 @@ constexpr std::size_t maximumDesktopEntrySize = std::size_t{1} << 20;
 std::optional<DesktopEntry> parseDesktopEntry(std::string_view bytes,
                                               const std::vector<std::string>& locales = {});
 
-/// `bytes` with the given keys (with their values as they stand in a file) in its group [Desktop Entry] in
-/// place of those of the same name; all other lines stay as they are. Makes the group where it is missing.
-std::string withDesktopEntryKeys(std::string_view bytes,
-                                 const std::vector<std::pair<std::string, std::string>>& keys);
+/// A key of an entry with its value as it stands in the file; absent to leave the key out.
+using DesktopEntryKey = std::pair<std::string, std::optional<std::string>>;
+
+/// `bytes` with the given keys in its group [Desktop Entry] in place of those of the same name; all other
+/// lines stay as they are. Makes the group where it is missing.
+std::string withDesktopEntryKeys(std::string_view bytes, const std::vector<DesktopEntryKey>& keys);
+
+/// `text` as it stands in a file as the value of a key.
+std::string escapedDesktopEntryText(std::string_view text);
 
 } // namespace tavrin

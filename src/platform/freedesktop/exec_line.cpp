@@ -1,5 +1,7 @@
 #include "platform/freedesktop/exec_line.h"
 
+#include "platform/freedesktop/desktop_entry.h"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -132,20 +134,7 @@ std::string quotedExecWord(std::string_view word) {
     if (needsQuotes)
         quoted = '"' + quoted + '"';
 
-    std::string escaped; // once more, for the file's own escapes
-    for (const char c : quoted) {
-        if (c == '\\')
-            escaped += "\\\\";
-        else if (c == '\n')
-            escaped += "\\n";
-        else if (c == '\t')
-            escaped += "\\t";
-        else if (c == '\r')
-            escaped += "\\r";
-        else
-            escaped += c;
-    }
-    return escaped;
+    return escapedDesktopEntryText(quoted); // once more, for the file's own escapes
 }
 
 } // namespace tavrin

@@ -1,0 +1,139 @@
+#include "platform/freedesktop/xdg_autostart_login_item.h"
+
+#include "platform/freedesktop/desktop_entry.h"
+#include "platform/freedesktop/exec_line.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace tavrin {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::unexpected<PlatformError> failure(const FileError& error) {
+    return std::unexpected(PlatformError{error.code, error.description()});
+}
+
+bool isProgram(const fs::path& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && ::access(path.c_str(), X_OK) == 0;
+}
+
+/// Whether the session of one of the `current` desktops shows the entry. The first desktop that an entry
+/// mentions decides.
+bool isShownIn(const DesktopEntry& entry, const std::vector<std::string>& current) {
+    const auto contains = [](const std::vector<std::string>& list, const std::string& desktop) {
+        return std::ranges::find(list, desktop) != list.end();
+    };
+    for (const auto& desktop : current) {
+        if (contains(entry.onlyShowIn, desktop))
+            return true;
+        if (contains(entry.notShowIn, desktop))
+            return false;
+    }
+    return entry.onlyShowIn.empty();
+}
+
+} // namespace
+
+XdgAutostartLoginItem::XdgAutostartLoginItem(FileSystem& files, fs::path program, Environment environment)
+    : files_(files), program_(std::move(program)), environment_(environment), paths_(std::move(environment)) {
+}
+
+fs::path XdgAutostartLoginItem::userEntry() const {
+    return paths_.configHome() / "autostart" / entryName;
+}
+
+std::optional<fs::path> XdgAutostartLoginItem::systemEntry() {
+    for (const auto& directory : paths_.configDirectories())
+        if (auto entry = directory / "autostart" / entryName; files_.exists(entry))
+            return entry;
+    return std::nullopt;
+}
+
+bool XdgAutostartLoginItem::isProgramThere(const std::string& program) const {
+    if (program.find('/') != std::string::npos)
+        return program.starts_with('/') && isProgram(program);
+    const auto folders = nonEmpty(environment_, "PATH").value_or("/usr/local/bin:/usr/bin:/bin");
+    return std::ranges::any_of(splitList(folders, ':'), [&](const std::string& folder) {
+        return folder.starts_with('/') && isProgram(fs::path(folder) / program);
+    });
+}
+
+LoginItemStatus XdgAutostartLoginItem::status() {
+    // The user's entry stands for the system's one even when it cannot be read (a link to /dev/null).
+    const auto path = files_.exists(userEntry()) ? userEntry() : systemEntry();
+    const auto bytes = path ? files_.read(*path) : std::expected<std::string, FileError>("");
+    const auto entry = parseDesktopEntry(bytes.value_or(""));
+    if (!entry || !entry->isApplication || entry->isHidden || !entry->isAutostartEnabled)
+        return LoginItemStatus::notRegistered;
+
+    const auto words = execWords(entry->exec).value_or(std::vector<std::string>());
+    const bool starts = !words.empty() && isProgramThere(words.front()) &&
+                        (entry->tryExec.empty() || isProgramThere(entry->tryExec)) &&
+                        isShownIn(*entry, splitList(environment_("XDG_CURRENT_DESKTOP").value_or(""), ':'));
+    return starts ? LoginItemStatus::enabled : LoginItemStatus::notFound;
+}
+
+std::string XdgAutostartLoginItem::currentContent() {
+    auto content = files_.read(userEntry()).value_or("");
+    if (const auto entry = parseDesktopEntry(content); entry && entry->isApplication)
+        return content;
+    const auto system = systemEntry();
+    content = system ? files_.read(*system).value_or("") : "";
+    return parseDesktopEntry(content) ? content : std::string();
+}
+
+std::expected<void, PlatformError> XdgAutostartLoginItem::registerItem() {
+    if (!program_.is_absolute() || !isProgram(program_))
+        return failure({"start at login", program_.string(), ENOENT});
+    const auto content = currentContent();
+    const auto entry = parseDesktopEntry(content).value_or(DesktopEntry());
+    std::vector<DesktopEntryKey> keys{
+        {"Type", "Application"},
+        {"Name", entry.name.empty() ? "Tavrin" : escapedDesktopEntryText(entry.name)},
+        {"Icon", entry.icon.empty() ? "org.tavrin.Tavrin" : escapedDesktopEntryText(entry.icon)},
+        {"Exec", quotedExecWord(program_.string())},
+        {"TryExec", escapedDesktopEntryText(program_.string())},
+        {"Terminal", "false"},
+        {"Hidden", std::nullopt},
+        {"X-GNOME-Autostart-enabled", "true"},
+    };
+    if (!isShownIn(entry, splitList(environment_("XDG_CURRENT_DESKTOP").value_or(""), ':'))) {
+        keys.emplace_back("OnlyShowIn", std::nullopt);
+        keys.emplace_back("NotShowIn", std::nullopt);
+    }
+    return writeUserEntry(withDesktopEntryKeys(content, keys));
+}
+
+std::expected<void, PlatformError> XdgAutostartLoginItem::unregisterItem() {
+    if (systemEntry()) {
+        const auto content = currentContent();
+        return writeUserEntry(withDesktopEntryKeys(content, {{"Hidden", "true"}}));
+    }
+    if (const auto removed = files_.remove(userEntry()); !removed && removed.error().code != ENOENT)
+        return failure(removed.error());
+    return {};
+}
+
+std::expected<void, PlatformError> XdgAutostartLoginItem::writeUserEntry(const std::string& content) {
+    const auto entry = userEntry();
+    // Its name does not end like an entry's: a session that starts now does not take it for one.
+    const auto temporary = entry.parent_path() / (std::string(entryName) + "." + std::to_string(::getpid()));
+    if (const auto made = files_.createDirectories(entry.parent_path()); !made)
+        return failure(made.error());
+    if (const auto written = files_.writeFlushed(temporary, content); !written)
+        return failure(written.error());
+    if (const auto placed = files_.rename(temporary, entry); !placed) {
+        (void)files_.remove(temporary);
+        return failure(placed.error());
+    }
+    (void)files_.flushDirectory(entry.parent_path()); // the entry is in place whether or not this succeeds
+    return {};
+}
+
+} // namespace tavrin

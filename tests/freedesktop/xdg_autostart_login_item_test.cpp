@@ -1,0 +1,176 @@
+#include "../posix/temporary_directory.h"
+#include "platform/freedesktop/desktop_entry.h"
+#include "platform/freedesktop/exec_line.h"
+#include "platform/freedesktop/xdg_autostart_login_item.h"
+#include "platform/posix/posix_file_system.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <map>
+
+namespace tavrin {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr auto enabled = LoginItemStatus::enabled;
+constexpr auto notRegistered = LoginItemStatus::notRegistered;
+constexpr auto notFound = LoginItemStatus::notFound;
+const std::string userEntry = "config/autostart/org.tavrin.Tavrin.desktop";
+const std::string systemEntry = "system/autostart/org.tavrin.Tavrin.desktop";
+
+class LoginItemTest : public testing::Test {
+protected:
+    LoginItemTest() {
+        program = writeProgram("opt/my apps/100% \"tavrin\"");
+        writeProgram("bin/tavrin");
+        directory.write("bin/no-program", "");
+        fs::create_directories(directory.path() / "bin/folder");
+    }
+    fs::path writeProgram(const std::string& name) {
+        const auto path = directory.write(name, "#!/bin/sh\n");
+        fs::permissions(path, fs::perms::owner_all);
+        return path;
+    }
+    Environment environment() {
+        return [this](const std::string& name) -> std::optional<std::string> {
+            return variables.contains(name) ? std::optional(variables.at(name)) : std::nullopt;
+        };
+    }
+    XdgAutostartLoginItem item() { return {files, program, environment()}; }
+    std::string path(const std::string& name) const { return (directory.path() / name).string(); }
+
+    TemporaryDirectory directory;
+    PosixFileSystem files;
+    fs::path program;
+    std::map<std::string, std::string> variables{{"XDG_CONFIG_HOME", path("config")},
+                                                 {"XDG_CONFIG_DIRS", path("none") + ":" + path("system")},
+                                                 {"PATH", path("bin")},
+                                                 {"XDG_CURRENT_DESKTOP", "ubuntu:GNOME"}};
+};
+
+TEST_F(LoginItemTest, theStatusIsWhatTheSessionWouldDo) {
+    const struct {
+        const char* keys;
+        LoginItemStatus status;
+    } cases[] = {
+        {"Exec=tavrin", enabled},
+        {"Exec=tavrin --flag %U\nTryExec=tavrin\nHidden=false\nX-GNOME-Autostart-enabled=true", enabled},
+        {"Exec=@/bin/tavrin\nTryExec=@/bin/tavrin", enabled},
+        {"Exec=\"@/bin/tavrin\"\nNoDisplay=true", enabled},
+        {"Exec=tavrin\nHidden=true", notRegistered},
+        {"Exec=tavrin\nX-GNOME-Autostart-enabled=false", notRegistered},
+        {"Exec=tavrin\nType=Link", notRegistered},
+        {"", notFound},
+        {"Exec=\"tavrin", notFound},
+        {"Exec=gone", notFound},
+        {"Exec=no-program", notFound},
+        {"Exec=folder", notFound},
+        {"Exec=@/bin/gone", notFound},
+        {"Exec=bin/tavrin", notFound},
+        {"Exec=tavrin\nTryExec=gone", notFound},
+        {"Exec=tavrin\nOnlyShowIn=KDE;GNOME;", enabled},
+        {"Exec=tavrin\nOnlyShowIn=KDE;", notFound},
+        {"Exec=tavrin\nOnlyShowIn=gnome;", notFound},
+        {"Exec=tavrin\nNotShowIn=KDE;", enabled},
+        {"Exec=tavrin\nNotShowIn=KDE;GNOME", notFound},
+        {"Exec=tavrin\nNotShowIn=GNOME;\nOnlyShowIn=ubuntu;", enabled},
+    };
+    auto item = this->item();
+    EXPECT_EQ(item.status(), notRegistered);
+    for (const auto& [keys, status] : cases) {
+        std::string text = keys;
+        for (auto at = text.find('@'); at != std::string::npos; at = text.find('@'))
+            text.replace(at, 1, directory.path().string());
+        directory.write(userEntry, "[Desktop Entry]\nType=Application\n" + text);
+        EXPECT_EQ(item.status(), status) << keys;
+    }
+    directory.write(userEntry, "nothing of the kind");
+    EXPECT_EQ(item.status(), notRegistered);
+}
+
+TEST_F(LoginItemTest, theUsersEntryStandsForTheSystems) {
+    auto item = this->item();
+    directory.write(systemEntry, "[Desktop Entry]\nType=Application\nExec=tavrin");
+    EXPECT_EQ(item.status(), enabled);
+    fs::create_directories(path("config/autostart"));
+    fs::create_symlink("/dev/null", path(userEntry));
+    EXPECT_EQ(item.status(), notRegistered);
+    fs::remove(path(userEntry));
+    directory.write(userEntry, "[Desktop Entry]\nType=Application\nExec=tavrin\nHidden=true");
+    EXPECT_EQ(item.status(), notRegistered);
+}
+
+TEST_F(LoginItemTest, registeringAndUnregistering) {
+    auto item = this->item();
+    ASSERT_TRUE(item.registerItem());
+    EXPECT_EQ(item.status(), enabled);
+    const auto entry = parseDesktopEntry(directory.read(userEntry));
+    EXPECT_EQ(execWords(entry->exec), std::vector{program.string()});
+    EXPECT_EQ(entry->tryExec, program);
+    EXPECT_EQ(entry->name, "Tavrin");
+    EXPECT_EQ(std::distance(fs::directory_iterator(path("config/autostart")), {}), 1)
+        << "nothing else is left";
+
+    ASSERT_TRUE(item.unregisterItem());
+    EXPECT_EQ(item.status(), notRegistered);
+    EXPECT_FALSE(fs::exists(path(userEntry)));
+    EXPECT_TRUE(item.unregisterItem()) << "already gone";
+}
+
+TEST_F(LoginItemTest, registeringKeepsWhatTheUserAdded) {
+    directory.write(userEntry,
+                    "# mine\n[Desktop Entry]\nType=Application\nName=My Tavrin\nName[de]=Meins\nExec=old\n"
+                    "TryExec=old\nHidden=true\nX-GNOME-Autostart-enabled=false\n"
+                    "X-GNOME-Autostart-Delay=5\nOnlyShowIn=KDE;\n");
+    auto item = this->item();
+    ASSERT_TRUE(item.registerItem());
+    EXPECT_EQ(item.status(), enabled);
+    const auto text = directory.read(userEntry);
+    EXPECT_EQ(parseDesktopEntry(text, {"de"})->name, "Meins");
+    EXPECT_EQ(parseDesktopEntry(text)->name, "My Tavrin");
+    EXPECT_NE(text.find("# mine"), std::string::npos);
+    EXPECT_NE(text.find("X-GNOME-Autostart-Delay=5"), std::string::npos);
+
+    directory.write(userEntry, "[Desktop Entry]\nType=Application\nOnlyShowIn=GNOME;\n");
+    ASSERT_TRUE(item.registerItem());
+    EXPECT_EQ(parseDesktopEntry(directory.read(userEntry))->onlyShowIn, std::vector<std::string>{"GNOME"});
+
+    directory.write(userEntry, "broken");
+    ASSERT_TRUE(item.registerItem());
+    EXPECT_EQ(item.status(), enabled);
+}
+
+TEST_F(LoginItemTest, aSystemsEntryIsHiddenInsteadOfRemoved) {
+    directory.write(systemEntry, "[Desktop Entry]\nType=Application\nName=System's\nExec=tavrin\n");
+    auto item = this->item();
+    ASSERT_TRUE(item.unregisterItem());
+    EXPECT_EQ(item.status(), notRegistered);
+    EXPECT_TRUE(parseDesktopEntry(directory.read(userEntry))->isHidden);
+    EXPECT_TRUE(fs::exists(path(systemEntry)));
+
+    ASSERT_TRUE(item.registerItem());
+    EXPECT_EQ(item.status(), enabled);
+    EXPECT_EQ(parseDesktopEntry(directory.read(userEntry))->name, "System's");
+}
+
+TEST_F(LoginItemTest, failuresSayWhereAndWhy) {
+    directory.write("config", "in the way");
+    auto item = this->item();
+    EXPECT_EQ(item.registerItem().error(),
+              (PlatformError{ENOTDIR, "create directory " + path("config") + ": Not a directory"}));
+    fs::remove(path("config"));
+
+    fs::create_directories(path(userEntry));
+    EXPECT_EQ(item.status(), notRegistered);
+    EXPECT_EQ(item.registerItem().error().code, EISDIR);
+    EXPECT_EQ(item.unregisterItem().error().code, EISDIR);
+    EXPECT_EQ(std::distance(fs::directory_iterator(path("config/autostart")), {}), 1) << "no temporary file";
+
+    fs::remove(program);
+    EXPECT_EQ(item.registerItem().error().code, ENOENT);
+}
+
+} // namespace
+} // namespace tavrin
