@@ -60,7 +60,7 @@ QVariantMap BusMenuTree::properties(int id, const QStringList& names) const {
     if (!children.empty())
         add("children-display", QStringLiteral("submenu"));
     if (item.keyEquivalent)
-        if (const auto shortcut = busMenuShortcut(*item.keyEquivalent); !shortcut.isEmpty())
+        if (const auto shortcut = busMenuShortcut(*item.keyEquivalent, panelKeyNaming()); !shortcut.isEmpty())
             add("shortcut", QVariant::fromValue(QList<QStringList>{shortcut}));
     return properties;
 }

@@ -74,20 +74,34 @@ QString keyEquivalentText(const KeyEquivalent& equivalent) {
     return text + menuTitle(equivalent.key);
 }
 
-QStringList busMenuShortcut(const KeyEquivalent& equivalent) {
-    static const QHash<QString, QString> keyNames = {
-        {"←", "Left"}, {"→", "Right"}, {"↑", "Up"},        {"↓", "Down"},
-        {"+", "plus"}, {"-", "minus"}, {"Space", "space"}, {"Delete", "BackSpace"}};
-    const auto key = menuTitle(equivalent.key);
+KeyNaming panelKeyNaming() {
+    // Panels made with GTK read names.
+    for (const QByteArray& name : qgetenv("XDG_CURRENT_DESKTOP").split(':'))
+        for (const char* desktop : {"XFCE", "MATE", "X-Cinnamon", "Budgie", "LXDE", "Unity"})
+            if (name.compare(desktop, Qt::CaseInsensitive) == 0)
+                return KeyNaming::keysyms;
+    return KeyNaming::characters;
+}
+
+QStringList busMenuShortcut(const KeyEquivalent& equivalent, KeyNaming naming) {
+    static const QHash<QString, QString> keyNames = {{"←", "Left"}, {"→", "Right"}, {"↑", "Up"},
+                                                     {"↓", "Down"}, {"+", "plus"},  {"-", "minus"}};
+    static const QHash<QString, QString> keysyms = {
+        {",", "comma"},      {".", "period"},      {"/", "slash"},          {";", "semicolon"},
+        {"'", "apostrophe"}, {"[", "bracketleft"}, {"]", "bracketright"},   {"\\", "backslash"},
+        {"=", "equal"},      {"Space", "space"},   {"Delete", "BackSpace"}, {"Enter", "KP_Enter"}};
+    static const QHash<QString, QString> characters = {{"Delete", "Backspace"}, {"Escape", "Esc"}};
+    QString key = menuTitle(equivalent.key);
     const bool hasNoName = key.startsWith(QLatin1String("Key")) && key.size() > 3;
     if (key.isEmpty() || hasNoName)
         return {};
+    key = keyNames.value(key, key);
+    key = (naming == KeyNaming::keysyms ? keysyms : characters).value(key, key);
     QStringList names;
     for (const auto& [modifier, symbol, busName] : modifierNames)
         if (equivalent.modifiers.contains(modifier))
             names += QString::fromLatin1(busName);
-    names += keyNames.value(key, key);
-    return names;
+    return names + QStringList{key};
 }
 
 } // namespace tavrin

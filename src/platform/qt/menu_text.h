@@ -23,8 +23,15 @@ QString busMenuLabel(const std::string& title);
 /// What is printed beside an item: "q", "⌃⌥R".
 QString keyEquivalentText(const KeyEquivalent& equivalent);
 
+/// How panels read the name of a key in the menu protocol of the session bus, which leaves it open: as the
+/// printed character, or as the name that X11 gives to it ("comma").
+enum class KeyNaming { characters, keysyms };
+
+/// How the panels of this desktop do.
+KeyNaming panelKeyNaming();
+
 /// The names of the modifiers and of the key in the menu protocol of the session bus; empty for a key that
 /// has no name there.
-QStringList busMenuShortcut(const KeyEquivalent& equivalent);
+QStringList busMenuShortcut(const KeyEquivalent& equivalent, KeyNaming naming);
 
 } // namespace tavrin
