@@ -20,7 +20,7 @@ TEST(Text, FoldsTitlesWithoutCaseAndDiacritics) {
     EXPECT_EQ(foldedTitle("STRASSE"), foldedTitle("straße"));
     EXPECT_EQ(foldedTitle("Ångström"), foldedTitle("A\u030angstrom"));
     EXPECT_EQ(foldedTitle("ИЙ"), foldedTitle("ии"));
-    EXPECT_NE(foldedTitle("กา"), foldedTitle("กี")) << "vowel signs are no diacritics";
+    EXPECT_NE(foldedTitle("กิ"), foldedTitle("กี")) << "vowel signs are no diacritics";
     EXPECT_NE(foldedTitle("Report 1"), foldedTitle("Report 2"));
 }
 
@@ -49,13 +49,14 @@ TEST(Uuid, IsReadInEitherCaseAndWrittenInUpperCase) {
 }
 
 TEST(Timestamp, ReadsAndWritesIso8601) {
-    EXPECT_EQ(iso8601Text(testing::at(1'772'357'400) + std::chrono::milliseconds{999}), "2026-03-01T09:30:00Z");
+    EXPECT_EQ(iso8601Text(testing::at(1'772'357'400) + std::chrono::milliseconds{999}),
+              "2026-03-01T09:30:00Z");
     EXPECT_EQ(iso8601Text(testing::at(-1)), "1969-12-31T23:59:59Z");
     EXPECT_EQ(parseIso8601("2026-03-01T09:30:00Z"), testing::at(1'772'357'400));
     EXPECT_EQ(parseIso8601("2026-03-01T10:30:00+01:00"), testing::at(1'772'357'400));
-    for (const char* text : {"", "2026-03-01", "2026-02-30T00:00:00Z", "2026-03-01T24:00:00Z", "2026-03-01T09:30:00",
-                             "2026-03-01T09:30:00.5Z", "2026-03-01 09:30:00Z", "2026-03-01T09:30:00Zx",
-                             "-026-03-01T09:30:00Z", "9999-01-01T00:00:00Z"})
+    for (const char* text : {"", "2026-03-01", "2026-02-30T00:00:00Z", "2026-03-01T24:00:00Z",
+                             "2026-03-01T09:30:00", "2026-03-01T09:30:00.5Z", "2026-03-01 09:30:00Z",
+                             "2026-03-01T09:30:00Zx", "-026-03-01T09:30:00Z", "9999-01-01T00:00:00Z"})
         EXPECT_FALSE(parseIso8601(text)) << text;
 }
 

@@ -48,6 +48,13 @@ TEST(RestoreMatcher, PairsWithinAnApplicationByTitleThenFrameThenSlot) {
     EXPECT_EQ(pairing(layout("other application", {entry("a", "t", home)}), {window(1, "b", "t", home)}), "");
 }
 
+TEST(RestoreMatcher, WeighsASlotLike25Points) {
+    for (const auto& [shift, expected] : {std::pair{24.9, "0>2 "}, {25.1, "0>1 "}})
+        EXPECT_EQ(pairing(layout("slot 1", {entry("a", "t", home, 1)}),
+                          {window(1, "a", "t", home), window(2, "a", "t", {shift, 0, 400, 300})}),
+                  expected);
+}
+
 TEST(RestoreMatcher, WeighsTheApplicationNameLittle) {
     auto renamed = window(1, "a", "t", home);
     renamed.appName = "A (beta)";

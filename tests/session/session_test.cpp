@@ -73,6 +73,9 @@ TEST(PermissionStatus, PollsUntilGrantedAndNeverTakesAway) {
     EXPECT_EQ(time.pendingTasks(), 1u);
     service.state = granted;
     time.pass(1.9);
+    service.state = denied;
+    model.recheckAndPoll(); // must not begin the interval anew
+    service.state = granted;
     EXPECT_EQ(model.state.value(), denied) << "until the next tick";
     time.pass(0.2);
     EXPECT_EQ(model.state.value(), granted);

@@ -39,9 +39,10 @@ TEST(StoreMigration, RefusesOtherVersionsAndWhatIsNoEnvelope) {
     for (const std::string& bytes :
          {std::string(""), std::string("[]"), std::string("null"), std::string("{}"), envelope("[]", "1.5"),
           envelope("[]", "1.0"), envelope("[]", "true"), envelope("[]", "\"1\""),
-          envelope("[]", "99999999999999999999"), envelope("{}"), envelope("null"), envelope("[]", "1", "yesterday"),
-          envelope("[1]", "2"), envelope("[]") + "x", std::string("{\"payload\": [], \"schemaVersion\": 1}"),
-          "\xef\xbb" + envelope("[]"), std::string(100'000, '[')})
+          envelope("[]", "99999999999999999999"), envelope("{}"), envelope("null"),
+          envelope("[]", "1", "yesterday"), envelope("[1]", "2"), envelope("[]") + "x",
+          std::string("{\"payload\": [], \"schemaVersion\": 1}"), "\xef\xbb" + envelope("[]"),
+          std::string(100'000, '[')})
         EXPECT_TRUE(isRefused<Layouts>(bytes)) << bytes.substr(0, 100);
 }
 
@@ -86,6 +87,11 @@ TEST(StoreMigration, SettingsMustSayWhatHappensAutomatically) {
                                       .autoRestoreOnDisconnect = false,
                                       .autoRestoreOnWake = true,
                                       .autoRestoreOnUnlockLogin = true}));
+    EXPECT_EQ(
+        decode<AppSettings>("{" + triggers + R"(, "autoRestoreOnWake": true, "clusterExtraAppWindows": null,
+        "layoutShortcuts": null, "autoDetectShortcut": null})"),
+        settings);
+    EXPECT_TRUE(isRefused<AppSettings>(envelope("{" + triggers + R"(, "autoRestoreOnWake": null})")));
     EXPECT_TRUE(isRefused<AppSettings>(envelope("{" + triggers + "}")));
     EXPECT_TRUE(isRefused<AppSettings>(envelope("{" + triggers + R"(, "autoRestoreOnWake": 1})")));
     for (const char* combo : {R"({"keyCode": 65536, "modifiers": 0})", R"({"keyCode": -1, "modifiers": 0})",
@@ -96,7 +102,8 @@ TEST(StoreMigration, SettingsMustSayWhatHappensAutomatically) {
 }
 
 TEST(StoreMigration, WritesKeysInAlphabeticalOrderAndNoAbsentOnes) {
-    const auto bytes = StoreMigration{}.encode(std::vector{SavedDisplay{"d", {1, 2, 3, 4}, true}}, testing::at(0));
+    const auto bytes =
+        StoreMigration{}.encode(std::vector{SavedDisplay{"d", {1, 2, 3, 4}, true}}, testing::at(0));
     EXPECT_EQ(bytes, R"({
   "payload": [
     {
@@ -114,8 +121,10 @@ TEST(StoreMigration, WritesKeysInAlphabeticalOrderAndNoAbsentOnes) {
   "updatedAt": "1970-01-01T00:00:00Z"
 }
 )");
-    EXPECT_EQ(StoreMigration{}.encode(AppSettings{}, testing::at(0))->find("autoDetectShortcut"), std::string::npos);
-    EXPECT_NE(StoreMigration{}.encode(AppSettings{}, testing::at(0))->find("excludedBundleIDs"), std::string::npos);
+    EXPECT_EQ(StoreMigration{}.encode(AppSettings{}, testing::at(0))->find("autoDetectShortcut"),
+              std::string::npos);
+    EXPECT_NE(StoreMigration{}.encode(AppSettings{}, testing::at(0))->find("excludedBundleIDs"),
+              std::string::npos);
 }
 
 rc::Gen<double> finiteNumber() {

@@ -187,7 +187,8 @@ TEST_F(StoreTest, WritesLayoutsBeforeProfiles) {
 
 TEST_F(StoreTest, ReadsTheSameRecordsBack) {
     auto desk = newProfile("Désk \"1\"");
-    SavedLayout layout = testing::layout("Wörk", {testing::entry("xterm", "a\tb", {-10.5, 0.1, 1e-300, 1e300}, 0)});
+    SavedLayout layout =
+        testing::layout("Wörk", {testing::entry("xterm", "a\tb", {-10.5, 0.1, 1e-300, 1e300}, 0)});
     layout.profileID = desk.id;
     layout.createdAt = layout.updatedAt = testing::at(0);
     layout.entries[0].normalizedFrame = Rect{0.1, 1.0 / 3, 0.7, 0.2};
