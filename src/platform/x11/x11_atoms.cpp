@@ -32,6 +32,7 @@ constexpr std::array entries = {
     Entry{"_NET_FRAME_EXTENTS", &X11Atoms::netFrameExtents},
     Entry{"_NET_WM_STRUT", &X11Atoms::netWmStrut},
     Entry{"_NET_WM_STRUT_PARTIAL", &X11Atoms::netWmStrutPartial},
+    Entry{"_GTK_WORKAREAS", &X11Atoms::gtkWorkareas},
     Entry{"_GTK_FRAME_EXTENTS", &X11Atoms::gtkFrameExtents},
     Entry{"_GTK_APPLICATION_ID", &X11Atoms::gtkApplicationId},
     Entry{"_NET_WM_STATE", &X11Atoms::netWmState},

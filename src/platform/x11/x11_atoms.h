@@ -28,6 +28,7 @@ struct X11Atoms {
     xcb_atom_t netFrameExtents = 0;
     xcb_atom_t netWmStrut = 0;
     xcb_atom_t netWmStrutPartial = 0;
+    xcb_atom_t gtkWorkareas = 0;
     xcb_atom_t gtkFrameExtents = 0;
     xcb_atom_t gtkApplicationId = 0;
 

@@ -55,6 +55,8 @@ X11Connection::open(const std::string& displayName) {
         xcb_disconnect(connection);
         const char* variable = std::getenv("DISPLAY");
         const std::string shown = !displayName.empty() ? displayName : variable ? variable : "";
+        if (shown.empty())
+            return std::unexpected("there is no X display: DISPLAY is not set");
         return std::unexpected(
             fmt::format("cannot connect to the X display \"{}\": {}", shown, connectionProblem(error)));
     }

@@ -26,8 +26,9 @@ struct X11Platform::Rooms {
           Scheduler& scheduler, ApplicationCatalog& catalog)
         : query(std::move(questions), scheduler), events(std::move(news), eventLoop, scheduler),
           table(query, catalog), windowManager(query), mover(query, table, windowManager),
-          screens(query.server()), windows(table), applications(table), elements(table, windowManager, mover),
-          trust(windowManager), desktopWatch(events, screens, windowManager), keyMonitor(events, query) {}
+          screens(query.server(), windowManager), windows(table), applications(table),
+          elements(table, windowManager, mover), trust(windowManager),
+          desktopWatch(events, screens, windowManager), keyMonitor(events, query) {}
 
     X11QueryConnection query;
     X11EventConnection events;

@@ -23,7 +23,7 @@ std::vector<Screen> X11ScreenList::screens() {
     const auto monitors = collectMonitors(server_, requestMonitors(server_));
     const auto scale = backingScaleFactor();
     const auto hardware = readDisplayHardware(server_, monitors);
-    const auto workAreas = readWorkAreas(server_, monitors);
+    const auto workAreas = readWorkAreas(server_, windowManager_.facts(), monitors);
     const auto primary = primaryArea(monitors);
     std::vector<Screen> screens;
     for (std::size_t i = 0; i < monitors.size(); ++i)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/x11/x11_connection.h"
+#include "platform/x11/x11_window_manager.h"
 #include "ports/screen_list.h"
 
 namespace tavrin {
@@ -9,7 +9,8 @@ namespace tavrin {
 /// every answer comes from the server, in a handful of round trips.
 class X11ScreenList final : public ScreenList {
 public:
-    explicit X11ScreenList(X11Connection& server) : server_(server) {}
+    X11ScreenList(X11Connection& server, X11WindowManager& windowManager)
+        : server_(server), windowManager_(windowManager) {}
 
     std::vector<Screen> screens() override;
 
@@ -18,6 +19,7 @@ public:
 
 private:
     X11Connection& server_;
+    X11WindowManager& windowManager_;
 };
 
 } // namespace tavrin

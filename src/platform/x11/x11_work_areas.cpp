@@ -93,17 +93,21 @@ DockFacts readDocks(X11Connection& server, const RootFacts& root) {
 
 } // namespace
 
-std::vector<PixelRect> readWorkAreas(X11Connection& server, std::span<const X11Monitor> monitors) {
+std::vector<PixelRect> readWorkAreas(X11Connection& server, const WindowManagerFacts& windowManager,
+                                     std::span<const X11Monitor> monitors) {
     const auto root = readRoot(server);
     const auto docks = readDocks(server, root);
     std::vector<PixelRect> result;
     for (const auto& monitor : monitors) {
-        auto free = workAreaOn(monitor.area, docks.areasPerMonitor);
+        std::optional<PixelRect> free;
+        if (windowManager.supports(server.atoms().gtkWorkareas))
+            free = workAreaOn(monitor.area, docks.areasPerMonitor);
         if (!free)
             free = areaWithoutDocks(monitor.area, root.root, docks.docks);
         // With a single monitor the desktop's one work area is exact, margins of the window manager included.
         const auto desktop = std::size_t{root.currentDesktop} * 4;
-        if (monitors.size() == 1 && root.desktopAreas.size() >= desktop + 4)
+        if (monitors.size() == 1 && windowManager.supports(server.atoms().netWorkarea) &&
+            root.desktopAreas.size() >= desktop + 4)
             if (const auto area = workAreaOn(*free, std::span(root.desktopAreas).subspan(desktop, 4)))
                 free = area;
         result.push_back(*free);
