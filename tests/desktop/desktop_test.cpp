@@ -2,6 +2,8 @@
 
 #include "support/desktop/screenshot.h"
 
+#include <QFile>
+
 #include <iostream>
 
 namespace tavrin {
@@ -20,7 +22,19 @@ void DesktopTest::begin(Desktop::Options options) {
     desktop_ = std::make_unique<Desktop>(options);
 }
 
+// A sanitizer's complaint counts even where the program went on, or nobody looked at how it ended.
+void DesktopTest::lookForComplaints() {
+    QFile log(desktop_->log("tavrin"));
+    if (!log.open(QIODevice::ReadOnly))
+        return;
+    const QString text = log.readAll();
+    for (const auto* complaint : {"Sanitizer", "runtime error"})
+        EXPECT_FALSE(text.contains(complaint)) << text.toStdString();
+}
+
 void DesktopTest::TearDown() {
+    if (desktop_)
+        lookForComplaints();
     if (!HasFailure() || !desktop_)
         return;
     takeScreenshot(desktop_->x(), desktop_->logs() + "/failure.png");

@@ -26,6 +26,8 @@ protected:
     Rect seen(xcb_window_t window) { return windows().visibleFrame(window).value_or(Rect{}); }
 
 private:
+    void lookForComplaints();
+
     std::unique_ptr<Desktop> desktop_;
 };
 
