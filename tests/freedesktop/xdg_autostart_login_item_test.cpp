@@ -77,6 +77,8 @@ TEST_F(LoginItemTest, theStatusIsWhatTheSessionWouldDo) {
         {"Exec=tavrin\nNotShowIn=KDE;GNOME", notFound},
         {"Exec=tavrin\nNotShowIn=GNOME;\nOnlyShowIn=ubuntu;", enabled},
     };
+    const auto oldFolder = fs::current_path();
+    fs::current_path(directory.path()); // relative paths would lead to a program from here
     auto item = this->item();
     EXPECT_EQ(item.status(), notRegistered);
     for (const auto& [keys, status] : cases) {
@@ -88,6 +90,7 @@ TEST_F(LoginItemTest, theStatusIsWhatTheSessionWouldDo) {
     }
     directory.write(userEntry, "nothing of the kind");
     EXPECT_EQ(item.status(), notRegistered);
+    fs::current_path(oldFolder);
 }
 
 TEST_F(LoginItemTest, theUsersEntryStandsForTheSystems) {
