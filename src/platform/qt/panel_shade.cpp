@@ -1,7 +1,6 @@
 #include "platform/qt/panel_shade.h"
 
 #include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
@@ -46,7 +45,7 @@ std::optional<Shade> schemeShade(QVariant value) {
 PanelShade::PanelShade(std::function<void()> changed) : changed_(std::move(changed)) {
     auto bus = QDBusConnection::sessionBus();
     bus.connect(portalService, portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
-                SLOT(settingChanged(QString, QString, QDBusVariant)));
+                SLOT(settingChanged(QDBusMessage)));
     auto* owners =
         new QDBusServiceWatcher(portalService, bus, QDBusServiceWatcher::WatchForRegistration, this);
     connect(owners, &QDBusServiceWatcher::serviceRegistered, this, &PanelShade::askPortal);
@@ -65,10 +64,12 @@ bool PanelShade::eventFilter(QObject* object, QEvent* event) {
     return QObject::eventFilter(object, event);
 }
 
-void PanelShade::settingChanged(const QString& group, const QString& key, const QDBusVariant& value) {
-    if (group != appearanceGroup || key != colorSchemeKey)
+void PanelShade::settingChanged(const QDBusMessage& message) {
+    const auto arguments = message.arguments();
+    if (arguments.size() != 3 || arguments[0].toString() != appearanceGroup ||
+        arguments[1].toString() != colorSchemeKey)
         return;
-    scheme_ = schemeShade(value.variant());
+    scheme_ = schemeShade(arguments[2]);
     update();
 }
 

@@ -2,13 +2,13 @@
 
 #include "platform/qt/template_icon.h"
 
+#include <QDBusMessage>
 #include <QObject>
 
 #include <functional>
 #include <optional>
 
 class QDBusPendingCallWatcher;
-class QDBusVariant;
 
 namespace tavrin {
 
@@ -29,7 +29,7 @@ protected:
     bool eventFilter(QObject* object, QEvent* event) override;
 
 private Q_SLOTS:
-    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+    void settingChanged(const QDBusMessage& message);
 
 private:
     void askPortal();

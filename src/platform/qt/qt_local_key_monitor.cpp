@@ -65,14 +65,15 @@ bool QtLocalKeyMonitor::isConsumed(const QKeyEvent& event) {
     // The repetitions of a consumed press do nothing either.
     if (event.isAutoRepeat())
         return lastPress_ && lastPress_->scanCode == event.nativeScanCode() && lastPress_->isConsumed;
+    const auto press = keyEvent(event);
+    if (!press)
+        return false;
     const bool isKnown = lastPress_ && lastPress_->timestamp == event.timestamp() &&
                          lastPress_->scanCode == event.nativeScanCode();
     if (!isKnown) {
         lastPress_ = Press{event.timestamp(), event.nativeScanCode(), false};
-        if (const auto press = keyEvent(event)) {
-            const bool consumed = offer(*press);
-            lastPress_ = Press{event.timestamp(), event.nativeScanCode(), consumed};
-        }
+        const bool consumed = offer(*press);
+        lastPress_ = Press{event.timestamp(), event.nativeScanCode(), consumed};
     }
     return lastPress_->isConsumed;
 }
