@@ -9,6 +9,20 @@
 #include <cstdio>
 
 namespace tavrin {
+namespace {
+
+/// Panels speak of pixels; Qt scales distances from the origin of each screen.
+QPoint fromPixels(QPoint pixels) {
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QPoint origin = screen->geometry().topLeft();
+        const double scale = screen->devicePixelRatio();
+        if (QRect(origin, screen->size() * scale).contains(pixels))
+            return origin + (pixels - origin) / scale;
+    }
+    return pixels;
+}
+
+} // namespace
 
 QtStatusItem::QtStatusItem()
     : panelShade_([this] { showIcon(); }),
@@ -73,8 +87,8 @@ void QtStatusItem::panelsChanged(StatusNotifierHosts::Presence presence) {
             embeddedIcon_->hide();
         if (!notifierItem_) {
             notifierItem_ = std::make_unique<StatusNotifierItem>(busMenu_, [this](QPoint position) {
-                lastActivation_ = position;
-                popUpMenu(position);
+                lastActivation_ = fromPixels(position);
+                popUpMenu(*lastActivation_);
             });
             notifierItem_->setToolTip(toolTip_);
         }
