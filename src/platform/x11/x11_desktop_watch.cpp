@@ -17,8 +17,15 @@ X11DesktopWatch::X11DesktopWatch(X11EventConnection& connection, X11ScreenList& 
     if (connection.server().extensions().hasMonitors)
         xcb_randr_select_input(connection.get(), connection.root(),
                                XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
-                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_PROPERTY);
     watchCheckWindow();
+}
+
+bool X11DesktopWatch::isScreenChange(const xcb_randr_notify_event_t& notice) const {
+    // Of the properties of an output, only the display's data say which display it is; others follow every
+    // turn of the brightness.
+    return notice.subCode != XCB_RANDR_NOTIFY_OUTPUT_PROPERTY || notice.u.op.atom == connection_.atoms().edid;
 }
 
 void X11DesktopWatch::handleEvent(const xcb_generic_event_t& event) {
@@ -40,7 +47,8 @@ void X11DesktopWatch::handleEvent(const xcb_generic_event_t& event) {
             reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window == checkWindow_;
     } else if (extensions.hasMonitors) {
         haveScreensChanged_ |= type == extensions.randrFirstEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
-                               type == extensions.randrFirstEvent + XCB_RANDR_NOTIFY;
+                               (type == extensions.randrFirstEvent + XCB_RANDR_NOTIFY &&
+                                isScreenChange(reinterpret_cast<const xcb_randr_notify_event_t&>(event)));
     }
 }
 

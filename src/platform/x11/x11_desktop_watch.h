@@ -4,6 +4,8 @@
 #include "platform/x11/x11_screen_list.h"
 #include "platform/x11/x11_window_manager.h"
 
+#include <xcb/randr.h>
+
 #include <functional>
 
 namespace tavrin {
@@ -24,6 +26,7 @@ public:
     }
 
 private:
+    bool isScreenChange(const xcb_randr_notify_event_t& notice) const;
     void handleEvent(const xcb_generic_event_t& event);
     void reportChanges();
     void watchCheckWindow();

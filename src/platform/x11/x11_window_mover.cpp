@@ -13,6 +13,8 @@ using namespace std::chrono_literals;
 constexpr auto usualPatience = 1000ms;
 /// After a window manager gave no answer, until it gives one again: a layout has many windows.
 constexpr auto shortPatience = 50ms;
+/// How long a window may keep a state that it was told to leave.
+constexpr auto statePatience = 250ms;
 /// How long a client may take to draw its shadows again.
 constexpr auto shadowPatience = 250ms;
 /// The frame may change with the state of the window; what was computed with the old one is then redone.
@@ -33,8 +35,6 @@ X11WindowMover::X11WindowMover(X11QueryConnection& connection, X11WindowTable& t
     : connection_(connection), table_(table), windowManager_(windowManager), patience_(usualPatience) {
     connection_.join(*this);
 }
-
-X11WindowMover::~X11WindowMover() = default;
 
 AXError X11WindowMover::setPosition(xcb_window_t window, const Point& position) {
     const auto x = pixels(position.x);
@@ -57,23 +57,37 @@ AXError X11WindowMover::setSize(xcb_window_t window, const Size& size) {
     return place(window, target);
 }
 
+PixelRect X11WindowMover::wantedClient(const X11Window& window, const Target& target) {
+    const auto borders = window.borders();
+    const auto visible = visibleRect(window.client, borders);
+    return clientRect({target.x.value_or(visible.x), target.y.value_or(visible.y),
+                       target.width.value_or(visible.width), target.height.value_or(visible.height)},
+                      borders);
+}
+
 AXError X11WindowMover::place(xcb_window_t id, const Target& target) {
-    const auto deadline = Clock::now() + patience_;
-    if (const auto error = leavePinnedStates(id, deadline); error != AXError::success)
+    const auto* pinned = table_.find(id);
+    if (!pinned)
+        return AXError::invalidUIElement;
+    // A maximised window that is already where it should be stays maximised.
+    if (wantedClient(*pinned, target) == pinned->client)
+        return AXError::success;
+    if (const auto error = leavePinnedStates(id); error != AXError::success)
         return error;
+    const bool canMoveResize = windowManager_.facts().supports(connection_.atoms().netMoveresizeWindow);
     for (int attempt = 0; attempt < attemptLimit; ++attempt) {
         const auto* window = table_.find(id);
         if (!window)
             return AXError::invalidUIElement;
         const auto borders = window->borders();
-        auto visible = visibleRect(window->client, borders);
-        visible = {target.x.value_or(visible.x), target.y.value_or(visible.y),
-                   target.width.value_or(visible.width), target.height.value_or(visible.height)};
-        const auto client = clientRect(visible, borders);
+        const auto client = wantedClient(*window, target);
         if (client == window->client)
             return AXError::success;
-        requestPlace(*window, target, client);
-        const bool isAnswered = awaitAnswer(id, deadline);
+        if (canMoveResize)
+            moveResize(*window, target, client);
+        else
+            configure(*window, target, client);
+        const bool isAnswered = awaitAnswer(id);
         table_.markOutdated(id, WindowPart::geometry | WindowPart::decorations | WindowPart::shadows);
         table_.refresh(Freshness::recent);
         window = table_.find(id);
@@ -87,7 +101,7 @@ AXError X11WindowMover::place(xcb_window_t id, const Target& target) {
     return AXError::success;
 }
 
-AXError X11WindowMover::leavePinnedStates(xcb_window_t id, Clock::time_point deadline) {
+AXError X11WindowMover::leavePinnedStates(xcb_window_t id) {
     const auto* window = table_.find(id);
     if (!window)
         return AXError::invalidUIElement;
@@ -95,8 +109,9 @@ AXError X11WindowMover::leavePinnedStates(xcb_window_t id, Clock::time_point dea
         return AXError::success;
     const auto shadows = window->shadows;
     removeStates(*window);
-    const bool isAnswered = awaitAnswer(id, deadline);
-    // Some set the state later than they answer; some answer that they keep it.
+    const bool isAnswered = awaitAnswer(id);
+    // Some set the state later than they answer, and some answer but keep it.
+    const auto deadline = Clock::now() + statePatience;
     do {
         table_.refresh(Freshness::recent);
         window = table_.find(id);
@@ -119,19 +134,14 @@ void X11WindowMover::awaitShadows(xcb_window_t id, const FrameInsets& pinnedShad
     } while (window && window->shadows == pinnedShadows && connection_.waitForEvents(deadline));
 }
 
-void X11WindowMover::requestPlace(const X11Window& window, const Target& target, const PixelRect& client) {
-    const auto& moveResize = connection_.atoms().netMoveresizeWindow;
-    if (!windowManager_.facts().supports(moveResize)) {
-        configure(window, target, client);
-        return;
-    }
+void X11WindowMover::moveResize(const X11Window& window, const Target& target, const PixelRect& client) {
     const auto flag = [](bool isSet, int bit) { return isSet ? 1U << bit : 0U; };
     const auto values = flag(target.x.has_value(), 8) | flag(target.y.has_value(), 9) |
                         flag(target.width.has_value(), 10) | flag(target.height.has_value(), 11);
     // The corner of the frame is asked for, not that of the client, because the frame may change with the
     // state of the window.
     const auto& decorations = window.borders().decorations;
-    sendToWindowManager(window.id, moveResize,
+    sendToWindowManager(window.id, connection_.atoms().netMoveresizeWindow,
                         {XCB_GRAVITY_NORTH_WEST | values | sourcePager << 12,
                          static_cast<std::uint32_t>(client.x - decorations.left),
                          static_cast<std::uint32_t>(client.y - decorations.top),
@@ -178,7 +188,8 @@ void X11WindowMover::removeStates(const X11Window& window) {
         remove(atoms.netWmStateShaded, XCB_ATOM_NONE);
 }
 
-bool X11WindowMover::awaitAnswer(xcb_window_t window, Clock::time_point deadline) {
+bool X11WindowMover::awaitAnswer(xcb_window_t window) {
+    const auto deadline = Clock::now() + patience_;
     requestFence();
     while (answeredFence_ != requestedFence_) {
         if (!connection_.waitForEvents(deadline)) {

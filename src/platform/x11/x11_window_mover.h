@@ -14,7 +14,6 @@ namespace tavrin {
 class X11WindowMover final : public X11Mirror {
 public:
     X11WindowMover(X11QueryConnection& connection, X11WindowTable& table, X11WindowManager& windowManager);
-    ~X11WindowMover() override;
 
     /// Puts the upper left corner of what the user sees at `position` (points, top-left origin at the primary
     /// screen). `illegalArgument` for a place no window can have, otherwise as the port of the elements says.
@@ -41,13 +40,14 @@ private:
         Point position;
     };
 
+    static PixelRect wantedClient(const X11Window& window, const Target& target);
     AXError place(xcb_window_t window, const Target& target);
-    AXError leavePinnedStates(xcb_window_t window, Clock::time_point deadline);
+    AXError leavePinnedStates(xcb_window_t window);
     void awaitShadows(xcb_window_t window, const FrameInsets& pinnedShadows);
-    void requestPlace(const X11Window& window, const Target& target, const PixelRect& client);
+    void moveResize(const X11Window& window, const Target& target, const PixelRect& client);
     void configure(const X11Window& window, const Target& target, const PixelRect& client);
     void removeStates(const X11Window& window);
-    bool awaitAnswer(xcb_window_t window, Clock::time_point deadline);
+    bool awaitAnswer(xcb_window_t window);
     void requestFence();
     void sendToWindowManager(xcb_window_t window, xcb_atom_t type,
                              const std::array<std::uint32_t, 5>& values);
