@@ -39,5 +39,7 @@ int main(int argc, char** argv) {
     platform.applicationHost.setActivationPolicy(ActivationPolicy::accessory);
     desktop.setOnActivate([&delegate] { delegate.bringForward(); });
     delegate.applicationDidFinishLaunching();
-    return desktop.run();
+    const int status = desktop.run();
+    desktop.setOnActivate({});
+    return status;
 }

@@ -16,6 +16,7 @@ StatusItemController::StatusItemController(Collaborators collaborators) : collab
     subscriptions_.push_back(collaborators_.permissionStatusViewModel.state.subscribe(rebuild));
     subscriptions_.push_back(collaborators_.currentProfileViewModel.currentProfileName.subscribe(rebuild));
     subscriptions_.push_back(collaborators_.currentProfileViewModel.suggestedProfileName.subscribe(rebuild));
+    subscriptions_.push_back(collaborators_.currentProfileViewModel.currentProfileID.subscribe(rebuild));
     subscriptions_.push_back(collaborators_.profileListViewModel.profiles.subscribe(rebuild));
     subscriptions_.push_back(collaborators_.shortcutManager.layoutShortcuts.subscribe(rebuild));
     statusItem.show();
@@ -74,6 +75,7 @@ void StatusItemController::quickUpdateLayout(const Uuid& layoutID) {
 void StatusItemController::menuNeedsUpdate() {
     collaborators_.permissionStatusViewModel.recheck();
     collaborators_.currentProfileViewModel.refresh();
+    collaborators_.profileListViewModel.reload();
     rebuildMenu();
 }
 

@@ -13,6 +13,9 @@ public:
     Observable() = default;
     explicit Observable(Value initial) : value_(std::move(initial)) {}
 
+    Observable(const Observable&) = delete;
+    Observable& operator=(const Observable&) = delete;
+
     const Value& value() const { return value_; }
 
     void set(Value value) {
@@ -24,8 +27,10 @@ public:
 
     /// Calls `observer` with the current value now and with every later one until the token is released.
     Token subscribe(std::function<void(const Value&)> observer) {
-        observer(value_);
-        return changed_.connect([this, observer = std::move(observer)] { observer(value_); });
+        // An observer may set the value anew, so it gets a value of its own.
+        const auto tell = [this, observer = std::move(observer)] { observer(Value(value_)); };
+        tell();
+        return changed_.connect(tell);
     }
 
 private:

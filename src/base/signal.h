@@ -19,6 +19,10 @@ class Signal {
 public:
     using Callback = std::function<void(Arguments...)>;
 
+    Signal() = default;
+    Signal(const Signal&) = delete;
+    Signal& operator=(const Signal&) = delete;
+
     /// The callback is called, in the order of connection, until the token is released.
     Token connect(Callback callback) {
         const auto key = state_->nextKey++;

@@ -18,7 +18,9 @@ bool isSameApplication(const WindowInfo& window, const AXWindowSnapshot& snapsho
 
 /// The description that its application gives of a listed window: the only one of the application, else
 /// the only one with the window's title, else the one that is clearly nearest; null if none.
-const AXWindowSnapshot* snapshotOf(const WindowInfo& window, const std::vector<AXWindowSnapshot>& snapshots) {
+/// `foldedTitles` are those of the snapshots.
+const AXWindowSnapshot* snapshotOf(const WindowInfo& window, const std::vector<AXWindowSnapshot>& snapshots,
+                                   const std::vector<std::string>& foldedTitles) {
     std::vector<const AXWindowSnapshot*> candidates;
     for (const AXWindowSnapshot& snapshot : snapshots)
         if (isSameApplication(window, snapshot))
@@ -28,7 +30,9 @@ const AXWindowSnapshot* snapshotOf(const WindowInfo& window, const std::vector<A
     if (candidates.size() == 1)
         return candidates.front();
     if (const std::string title = foldedTitle(window.title); !title.empty()) {
-        const auto hasTitle = [&](const auto* candidate) { return foldedTitle(candidate->title) == title; };
+        const auto hasTitle = [&](const auto* candidate) {
+            return foldedTitles[static_cast<std::size_t>(candidate - snapshots.data())] == title;
+        };
         if (std::ranges::count_if(candidates, hasTitle) == 1)
             return *std::ranges::find_if(candidates, hasTitle);
     }
@@ -134,6 +138,9 @@ std::vector<SavedLayoutEntry> CaptureService::entries(const std::vector<WindowIn
     const auto snapshots = isAppSpecific && collaborators_.axWindowProvider
                                ? collaborators_.axWindowProvider->currentSnapshots()
                                : std::vector<AXWindowSnapshot>{};
+    std::vector<std::string> foldedTitles;
+    for (const AXWindowSnapshot& snapshot : snapshots)
+        foldedTitles.push_back(foldedTitle(snapshot.title));
     const auto places = placementInputs(displays);
     std::map<std::string, std::int64_t> slotCounts;
     std::vector<SavedLayoutEntry> entries;
@@ -143,7 +150,7 @@ std::vector<SavedLayoutEntry> CaptureService::entries(const std::vector<WindowIn
                                .frame = window.frame,
                                .slotIndex = slotCounts[window.bundleIdentifier.value_or(window.appName)]++};
         if (isAppSpecific) {
-            const AXWindowSnapshot* snapshot = snapshotOf(window, snapshots);
+            const AXWindowSnapshot* snapshot = snapshotOf(window, snapshots, foldedTitles);
             entry.appName = window.appName;
             entry.windowTitle = windowTitle(window, snapshot);
             entry.windowRole = snapshot ? snapshot->role : std::nullopt;

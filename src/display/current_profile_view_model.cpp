@@ -33,6 +33,7 @@ void CurrentProfileViewModel::publish(const Published& published) {
     suggestedProfileName.set(published.suggestedName);
     matchExplanation.set(published.explanation);
     requiresConfirmation.set(published.requiresConfirmation);
+    currentProfileID.set(currentProfile_ ? std::optional(currentProfile_->id) : std::nullopt);
 }
 
 CurrentProfileViewModel::Published CurrentProfileViewModel::published(const match::Exact& exact) {

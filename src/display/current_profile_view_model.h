@@ -20,6 +20,7 @@ public:
     Observable<std::optional<std::string>> suggestedProfileName;
     Observable<std::optional<std::string>> matchExplanation;
     Observable<bool> requiresConfirmation{false};
+    Observable<std::optional<Uuid>> currentProfileID; ///< setups may share a name
 
     /// The profile matched exactly at the last refresh; absent otherwise.
     const std::optional<MonitorProfile>& currentProfile() const { return currentProfile_; }

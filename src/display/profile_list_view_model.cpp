@@ -7,6 +7,7 @@ namespace tavrin {
 void ProfileListViewModel::reload() {
     if (auto loaded = profileStore_.loadProfiles())
         profiles.set(std::move(*loaded));
+    reloaded.emit();
 }
 
 std::expected<MonitorProfile, StoreError>

@@ -16,6 +16,9 @@ public:
     Observable<std::vector<MonitorProfile>> profiles;
     Observable<std::string> currentProfilePlaceholder{std::string("No profile matched yet")};
 
+    /// After every `reload`, also when the list is as before: the layouts of a setup may not be.
+    Signal<> reloaded;
+
     /// Reads the list again; one that cannot be read leaves what was shown.
     void reload();
 

@@ -10,6 +10,9 @@ class UserDefaults {
 public:
     virtual ~UserDefaults() = default;
 
+    /// False when values cannot be read or would not last until the next run.
+    virtual bool isUsable() = 0;
+
     /// 0 when the key is absent or holds something else.
     virtual std::int64_t integer(const std::string& key) = 0;
     /// false when the key is absent or holds something else.

@@ -70,7 +70,8 @@ void AutoRestoreCoordinator::attempt(const SavedLayout& layout, int number) {
 
 void AutoRestoreCoordinator::report(const SavedLayout& layout, const RestoreResult& result) {
     if (collaborators_.restoreDebugStore)
-        collaborators_.restoreDebugStore->record(collaborators_.clock.now(), RestoreTriggerSource::automation, layout, result);
+        collaborators_.restoreDebugStore->record(collaborators_.clock.now(), RestoreTriggerSource::automation,
+                                                 layout, result);
     if (onFeedback)
         onFeedback(result);
 }

@@ -53,9 +53,19 @@ bool agreesInRole(const AXWindowCandidate& candidate, const SavedLayoutEntry& en
            (!entry.windowSubrole || entry.windowSubrole == candidate.subrole);
 }
 
-std::string comparisonTitle(const SavedLayoutEntry& entry, const WindowInfo& window) {
-    const std::string saved = foldedTitle(entry.windowTitle.value_or(""));
-    return saved.empty() ? foldedTitle(window.title) : saved;
+/// The candidates with the saved title; when none carries it (titles change), those with the live one.
+Candidates narrowedByTitle(const Candidates& candidates, const SavedLayoutEntry& entry,
+                           const WindowInfo& window) {
+    for (const std::string& title :
+         {foldedTitle(entry.windowTitle.value_or("")), foldedTitle(window.title)}) {
+        if (title.empty())
+            continue;
+        auto kept = filtered(candidates,
+                             [&](const auto& candidate) { return foldedTitle(candidate.title) == title; });
+        if (!kept.empty())
+            return kept;
+    }
+    return candidates;
 }
 
 /// The one in the saved slot when nothing tells the candidates apart; absent otherwise.
@@ -83,41 +93,46 @@ std::expected<AXElement, AXWindowChoiceFailure> chooseWindow(const std::vector<A
         return isAtFrame(candidate, window.frame, frameMatchTolerance);
     };
     const auto inRole = [&](const AXWindowCandidate& candidate) { return agreesInRole(candidate, entry); };
-    const auto titled = [title = comparisonTitle(entry, window)](const AXWindowCandidate& candidate) {
-        return title.empty() || foldedTitle(candidate.title) == title;
-    };
 
     const Candidates frameMatches = filtered(all, atFrame);
     if (frameMatches.size() == 1)
         return frameMatches.front()->element;
     if (frameMatches.size() >= 2) {
-        const Candidates likely = narrowed(narrowed(frameMatches, titled), inRole);
+        const Candidates likely = narrowed(narrowedByTitle(frameMatches, entry, window), inRole);
         if (likely.size() == 1)
             return likely.front()->element;
         if (const auto* twin = twinInSlot(likely, entry))
             return twin->element;
     }
 
-    const Candidates pool = narrowed(all, titled);
+    const Candidates pool = narrowedByTitle(all, entry, window);
     const Candidates roleMatches = filtered(pool, inRole);
     if (roleMatches.size() == 1)
         return roleMatches.front()->element;
     const Candidates framed =
         filtered(pool, [](const AXWindowCandidate& candidate) { return candidate.frame.has_value(); });
+    const auto distance = [&](const auto* candidate) {
+        return frameDistance(*candidate->frame, window.frame);
+    };
+    const Candidates near = filtered(framed, [&](const AXWindowCandidate& candidate) {
+        return distance(&candidate) <= nearestFrameLimit;
+    });
     const auto nearest =
-        nearestFrame(framed, window.frame, [](const auto* candidate) { return *candidate->frame; });
-    if (nearest && nearest->isClear && nearest->distance <= nearestFrameLimit)
-        return framed[nearest->position]->element;
-    if (const auto* twin = pool.size() >= 2 ? twinInSlot(pool, entry) : nullptr)
+        nearestFrame(near, window.frame, [](const auto* candidate) { return *candidate->frame; });
+    if (nearest && nearest->isClear)
+        return near[nearest->position]->element;
+    if (pool.size() == 1)
+        return pool.front()->element;
+    if (const auto* twin = twinInSlot(pool, entry))
         return twin->element;
-    if (all.size() == 1)
-        return all.front()->element;
     return std::unexpected(AXWindowChoiceFailure{
         .candidatesWithFrames = static_cast<std::size_t>(std::ranges::count_if(
             candidates, [](const auto& candidate) { return candidate.frame.has_value(); })),
         .frameMatches = frameMatches.size(),
         .roleMatches = filtered(all, inRole).size(),
-        .nearestScore = nearest ? std::optional(nearest->distance) : std::nullopt});
+        .nearestScore = framed.empty()
+                            ? std::nullopt
+                            : std::optional(distance(*std::ranges::min_element(framed, {}, distance)))});
 }
 
 } // namespace tavrin

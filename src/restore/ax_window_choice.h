@@ -28,9 +28,10 @@ struct AXWindowChoiceFailure {
 };
 
 /// The candidate that is `window`: the only one at its frame; else, among those that carry the title, the
-/// one that its role tells, the one clearly nearest, or for twins the one in the entry's slot; else a sole
-/// candidate. An absent saved role or subrole agrees with any, and a title that no candidate carries
-/// narrows nothing. `frameMatchTolerance` in points, per component.
+/// one that its role tells, the one clearly nearest within 160 points, or for twins the one in the entry's
+/// slot. An absent saved role or subrole agrees with any. A saved title that no candidate carries gives way
+/// to the live one, and one that no candidate carries either narrows nothing. `frameMatchTolerance` in
+/// points, per component.
 std::expected<AXElement, AXWindowChoiceFailure> chooseWindow(const std::vector<AXWindowCandidate>& candidates,
                                                              const SavedLayoutEntry& entry,
                                                              const WindowInfo& window,

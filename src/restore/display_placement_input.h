@@ -17,6 +17,11 @@ struct DisplayPlacementInput {
     bool operator==(const DisplayPlacementInput&) const = default;
 
     std::string identifier() const { return stableID.value_or(fallbackID); }
+
+    /// Whether a saved display identifier means this display.
+    bool isCalled(const std::string& displayIdentifier) const {
+        return stableID == displayIdentifier || fallbackID == displayIdentifier;
+    }
 };
 
 /// The displays of a snapshot as places, in its order.

@@ -44,8 +44,7 @@ DisplayRemapping DisplayRemapper::remap(const std::vector<SavedDisplay>& savedDi
     std::vector<SavedDisplay> unmatched;
     for (const SavedDisplay& saved : savedDisplays) {
         const auto found = std::ranges::find_if(pool, [&](const DisplayPlacementInput& display) {
-            return display.stableID == saved.displayIdentifier ||
-                   display.fallbackID == saved.displayIdentifier;
+            return display.isCalled(saved.displayIdentifier);
         });
         if (found == pool.end()) {
             unmatched.push_back(saved);

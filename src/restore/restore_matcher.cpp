@@ -1,6 +1,7 @@
 #include "restore/restore_matcher.h"
 
 #include "base/text.h"
+#include "restore/window_placement_normalizer.h"
 #include "restore/window_placement_translator.h"
 
 #include <algorithm>
@@ -122,6 +123,45 @@ std::vector<Assignment> assignByScore(ApplicationGroup& group) {
     return assignments;
 }
 
+/// Where the windows of one layout go on the displays of now.
+class TargetFrames {
+public:
+    TargetFrames(const SavedLayout& layout, const std::vector<DisplaySnapshot>& displays)
+        : savedDisplays_(layout.savedDisplays.value_or(std::vector<SavedDisplay>{})),
+          currentDisplays_(placementInputs({displays})),
+          remapping_(DisplayRemapper{}.remap(savedDisplays_, currentDisplays_)) {}
+
+    /// On a display that is as it was, exactly the saved frame; elsewhere the translated one. Windows and
+    /// visible frames are kept in different spaces, so the limits of the translation would shift windows
+    /// near an edge even where nothing has changed.
+    Rect of(const SavedLayoutEntry& entry) const {
+        return stoodOnUnchangedDisplay(entry) ? entry.frame
+                                              : WindowPlacementTranslator{}.targetFrame(entry, remapping_);
+    }
+
+private:
+    bool stoodOnUnchangedDisplay(const SavedLayoutEntry& entry) const {
+        return std::ranges::any_of(savedDisplays_, [&](const SavedDisplay& saved) {
+            return stoodOn(saved, entry) && std::ranges::any_of(currentDisplays_, [&](const auto& current) {
+                       return current.isCalled(saved.displayIdentifier) &&
+                              current.visibleFrame == saved.visibleFrame;
+                   });
+        });
+    }
+
+    /// Twins without a serial number share an identifier, so the place decides too.
+    static bool stoodOn(const SavedDisplay& saved, const SavedLayoutEntry& entry) {
+        constexpr double roundingError = 0.01;
+        return entry.displayIdentifier == saved.displayIdentifier && entry.normalizedFrame &&
+               frameDistance(frameFromFractions(*entry.normalizedFrame, saved.visibleFrame), entry.frame) <
+                   roundingError;
+    }
+
+    std::vector<SavedDisplay> savedDisplays_;
+    std::vector<DisplayPlacementInput> currentDisplays_;
+    DisplayRemapping remapping_;
+};
+
 /// The saved place that held most of an application's windows; the place seen first wins a tie.
 struct DominantTarget {
     SavedLayoutEntry entry;
@@ -129,7 +169,7 @@ struct DominantTarget {
 };
 
 DominantTarget dominantTarget(const std::vector<SavedLayoutEntry>& entries,
-                              const DisplayRemapping& remapping) {
+                              const TargetFrames& targetFrames) {
     using FrameKey = std::tuple<double, double, double, double>;
     struct Place {
         DominantTarget target;
@@ -138,7 +178,7 @@ DominantTarget dominantTarget(const std::vector<SavedLayoutEntry>& entries,
     std::vector<Place> places;
     std::map<FrameKey, std::size_t> placeOfKey;
     for (const SavedLayoutEntry& entry : entries) {
-        const Rect frame = WindowPlacementTranslator{}.targetFrame(entry, remapping);
+        const Rect frame = targetFrames.of(entry);
         const auto [position, isNew] =
             placeOfKey.try_emplace({frame.x, frame.y, frame.width, frame.height}, places.size());
         if (isNew)
@@ -146,11 +186,6 @@ DominantTarget dominantTarget(const std::vector<SavedLayoutEntry>& entries,
         ++places[position->second].count;
     }
     return std::ranges::max_element(places, {}, &Place::count)->target;
-}
-
-DisplayRemapping remapping(const SavedLayout& layout, const std::vector<DisplaySnapshot>& displays) {
-    return DisplayRemapper{}.remap(layout.savedDisplays.value_or(std::vector<SavedDisplay>{}),
-                                   placementInputs({displays}));
 }
 
 } // namespace
@@ -166,11 +201,11 @@ std::vector<SavedLayoutEntry> RestoreMatcher::saneEntries(const SavedLayout& lay
 std::vector<MatchedPair> RestoreMatcher::pairs(const SavedLayout& layout,
                                                const std::vector<WindowInfo>& windows,
                                                const std::vector<DisplaySnapshot>& displays) const {
-    const DisplayRemapping displayRemapping = remapping(layout, displays);
+    const TargetFrames targetFrames(layout, displays);
     const std::vector<SavedLayoutEntry> entries = saneEntries(layout);
     std::vector<MatchedPair> pairs;
     const auto append = [&](const SavedLayoutEntry& entry, const WindowInfo& window) {
-        pairs.push_back({entry, window, WindowPlacementTranslator{}.targetFrame(entry, displayRemapping)});
+        pairs.push_back({entry, window, targetFrames.of(entry)});
     };
     if (layout.kind == SavedLayoutKind::generic) {
         for (const auto& [entry, window] : assignByDistance(entries, windows, genericDistanceThreshold_))
@@ -189,7 +224,7 @@ std::vector<MatchedPair> RestoreMatcher::overflowPairs(const SavedLayout& layout
                                                        const std::vector<MatchedPair>& pairs) const {
     if (layout.kind == SavedLayoutKind::generic)
         return {};
-    const DisplayRemapping displayRemapping = remapping(layout, displays);
+    const TargetFrames targetFrames(layout, displays);
     std::set<std::int64_t> paired;
     for (const MatchedPair& pair : pairs)
         paired.insert(pair.windowInfo.id);
@@ -198,7 +233,7 @@ std::vector<MatchedPair> RestoreMatcher::overflowPairs(const SavedLayout& layout
     for (auto& [bundleIdentifier, group] : groupByApplication(saneEntries(layout), windows)) {
         if (group.entries.size() >= group.windows.size())
             continue;
-        const DominantTarget target = dominantTarget(group.entries, displayRemapping);
+        const DominantTarget target = dominantTarget(group.entries, targetFrames);
         std::ranges::stable_sort(group.windows, {}, &WindowInfo::id);
         for (const WindowInfo& window : group.windows)
             if (!paired.contains(window.id))

@@ -2,6 +2,12 @@
 
 namespace tavrin {
 
+Rect frameFromFractions(const SavedLayoutFrame& fractions, const DisplayFrame& visibleFrame) {
+    return {visibleFrame.minX() + fractions.x * visibleFrame.width,
+            visibleFrame.minY() + fractions.y * visibleFrame.height, fractions.width * visibleFrame.width,
+            fractions.height * visibleFrame.height};
+}
+
 std::optional<NormalizedWindowPlacement>
 WindowPlacementNormalizer::normalize(const Rect& windowFrame,
                                      const std::vector<DisplayPlacementInput>& displays) const {

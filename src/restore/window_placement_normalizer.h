@@ -16,6 +16,9 @@ struct NormalizedWindowPlacement {
     bool operator==(const NormalizedWindowPlacement&) const = default;
 };
 
+/// Where fractions of a visible frame lie; the inverse of normalizing.
+Rect frameFromFractions(const SavedLayoutFrame& fractions, const DisplayFrame& visibleFrame);
+
 /// Decides on which display a window lies.
 class WindowPlacementNormalizer {
 public:

@@ -1,5 +1,7 @@
 #include "restore/window_placement_translator.h"
 
+#include "restore/window_placement_normalizer.h"
+
 #include <algorithm>
 
 namespace tavrin {
@@ -22,18 +24,14 @@ Rect WindowPlacementTranslator::targetFrame(const SavedLayoutEntry& entry,
     const Rect& visible = targetDisplay(entry, remapping).visibleFrame;
     if (!(visible.width > 0 && visible.height > 0))
         return entry.frame;
-    const Rect& fractions = *entry.normalizedFrame;
+    const Rect wanted = frameFromFractions(*entry.normalizedFrame, visible);
     Rect target;
     target.width =
-        std::min(std::min(std::max(fractions.width * visible.width, clamps.minSize.width), visible.width),
-                 clamps.maxSize.width);
+        std::min({std::max(wanted.width, clamps.minSize.width), visible.width, clamps.maxSize.width});
     target.height =
-        std::min(std::min(std::max(fractions.height * visible.height, clamps.minSize.height), visible.height),
-                 clamps.maxSize.height);
-    target.x = std::min(std::max(visible.minX() + fractions.x * visible.width, visible.minX()),
-                        visible.maxX() - target.width);
-    target.y = std::min(std::max(visible.minY() + fractions.y * visible.height, visible.minY()),
-                        visible.maxY() - target.height);
+        std::min({std::max(wanted.height, clamps.minSize.height), visible.height, clamps.maxSize.height});
+    target.x = std::min(std::max(wanted.x, visible.minX()), visible.maxX() - target.width);
+    target.y = std::min(std::max(wanted.y, visible.minY()), visible.maxY() - target.height);
     return target;
 }
 

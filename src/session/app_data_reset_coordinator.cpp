@@ -9,7 +9,8 @@ constexpr auto* noticePendingKey = "tavrin.beta.resetNoticePending";
 } // namespace
 
 AppDataResetCoordinator::Outcome AppDataResetCoordinator::applyIfNeeded() {
-    if (defaults_.integer(resetVersionKey) >= targetVersion_)
+    // Without a memory the reset would be applied again at every start.
+    if (!defaults_.isUsable() || defaults_.integer(resetVersionKey) >= targetVersion_)
         return Outcome::alreadyApplied;
     for (const auto& file : {paths_.profilesFile(), paths_.layoutsFile(), paths_.settingsFile()})
         if (paths_.fileManager.exists(file))

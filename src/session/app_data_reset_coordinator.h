@@ -21,7 +21,7 @@ public:
         : paths_(std::move(paths)), defaults_(defaults), targetVersion_(targetVersion) {}
 
     /// To be called before anything reads the files. A file that cannot be removed stays, and the reset
-    /// counts as applied all the same.
+    /// counts as applied all the same. Nothing is removed where the user defaults cannot remember it.
     Outcome applyIfNeeded();
 
     /// A reset happened and the user has not been told yet.

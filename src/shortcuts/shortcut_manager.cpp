@@ -28,22 +28,20 @@ ShortcutManager::ShortcutManager(SettingsStore& settingsStore, KeyMonitors& keyM
 }
 
 void ShortcutManager::start() {
-    if (isStarted_)
+    if (globalMonitor_ || localMonitor_)
         return;
-    isStarted_ = true;
     globalMonitor_ = keyMonitors_.addGlobalMonitor([this](const KeyEvent& event) { handle(event); });
     localMonitor_ = keyMonitors_.addLocalMonitor([this](const KeyEvent& event) { return handle(event); });
 }
 
 void ShortcutManager::stop() {
-    isStarted_ = false;
     globalMonitor_.release();
     localMonitor_.release();
 }
 
 void ShortcutManager::setAutoDetectShortcut(std::optional<KeyCombo> combo) {
-    autoDetectShortcut.set(accepted(combo));
     armSuppression(accepted(combo));
+    autoDetectShortcut.set(accepted(combo));
     persist();
 }
 
@@ -53,8 +51,8 @@ void ShortcutManager::setLayoutShortcut(std::optional<KeyCombo> combo, const Uui
         shortcuts[layoutID] = *kept;
     else
         shortcuts.erase(layoutID);
-    layoutShortcuts.set(std::move(shortcuts));
     armSuppression(accepted(combo));
+    layoutShortcuts.set(std::move(shortcuts));
     persist();
 }
 
@@ -71,7 +69,14 @@ void ShortcutManager::pruneLayoutShortcuts(const std::vector<Uuid>& layoutIDs) {
     persist();
 }
 
+Token ShortcutManager::pause() {
+    ++*pauses_;
+    return Token([pauses = pauses_] { --*pauses; });
+}
+
 bool ShortcutManager::handle(const KeyEvent& event) {
+    if (*pauses_ > 0)
+        return false;
     const Timestamp now = clock_.now();
     if (suppressionExpiry_ && now > *suppressionExpiry_)
         armSuppression(std::nullopt);

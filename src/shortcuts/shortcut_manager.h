@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -41,6 +42,9 @@ public:
     /// Removes the shortcuts of all layouts but these.
     void pruneLayoutShortcuts(const std::vector<Uuid>& layoutIDs);
 
+    /// No press fires while the token is held: a recorder listens.
+    Token pause();
+
     /// One key press. True when it was a shortcut (or the press that recorded one) and is used up.
     bool handle(const KeyEvent& event);
 
@@ -53,7 +57,7 @@ private:
     WallClock& clock_;
     Token globalMonitor_;
     Token localMonitor_;
-    bool isStarted_ = false;
+    std::shared_ptr<int> pauses_ = std::make_shared<int>(0);
     std::optional<KeyCombo> suppressedRecordedCombo_;
     std::optional<Timestamp> suppressionExpiry_;
 };

@@ -44,8 +44,7 @@ bool ShortcutRecorder::handle(const KeyEvent& event) {
 void ShortcutRecorder::clear() {
     combo_.reset();
     validationMessage_.reset();
-    if (onChange_)
-        onChange_(combo_);
+    tellChange();
 }
 
 void ShortcutRecorder::capture(const KeyCombo& combo) {
@@ -61,8 +60,13 @@ void ShortcutRecorder::capture(const KeyCombo& combo) {
     combo_ = combo;
     validationMessage_.reset();
     isRecording_ = false;
-    if (onChange_)
-        onChange_(combo_);
+    tellChange();
+}
+
+void ShortcutRecorder::tellChange() {
+    // The owner may replace the recorder in answer.
+    if (const auto onChange = onChange_)
+        onChange(combo_);
 }
 
 } // namespace tavrin

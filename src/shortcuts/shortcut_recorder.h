@@ -17,6 +17,8 @@ public:
                      std::function<std::optional<std::string>(const KeyCombo&)> validate);
 
     const std::optional<KeyCombo>& combo() const { return combo_; }
+    /// The shortcut was changed elsewhere.
+    void setCombo(std::optional<KeyCombo> combo) { combo_ = combo; }
     bool isRecording() const { return isRecording_; }
     /// Why the last press was refused; absent when it was not.
     const std::optional<std::string>& validationMessage() const { return validationMessage_; }
@@ -35,6 +37,7 @@ public:
 
 private:
     void capture(const KeyCombo& combo);
+    void tellChange();
 
     std::optional<KeyCombo> combo_;
     std::function<void(std::optional<KeyCombo>)> onChange_;

@@ -35,13 +35,14 @@ std::optional<std::string> SaveLayoutPopoverView::notice() const {
 }
 
 void SaveLayoutPopoverView::save() {
-    if (canSave() && onSave_)
-        onSave_(layoutName_);
+    // Saving may close the popover, and with it this view.
+    if (const auto onSave = onSave_; onSave && canSave())
+        onSave(std::string(layoutName_));
 }
 
 void SaveLayoutPopoverView::cancel() {
-    if (onCancel_)
-        onCancel_();
+    if (const auto onCancel = onCancel_)
+        onCancel();
 }
 
 } // namespace tavrin

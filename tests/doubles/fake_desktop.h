@@ -2,7 +2,9 @@
 
 #include "base/signal.h"
 #include "ports/accessibility_permission_servicing.h"
+#include "ports/application_catalog.h"
 #include "ports/ax_window_snapshot_providing.h"
+#include "ports/desktop_information.h"
 #include "ports/display_snapshot_providing.h"
 #include "ports/key_monitors.h"
 #include "ports/restore_servicing.h"
@@ -103,10 +105,26 @@ struct FakeKeys : KeyMonitors {
     }
 };
 
+struct FakeCatalog : ApplicationCatalog {
+    std::map<std::string, std::string> icons;
+    ApplicationIdentity identify(const ApplicationClues&) override { return {}; }
+    std::optional<std::string> iconName(const std::string& bundleIdentifier) override {
+        const auto found = icons.find(bundleIdentifier);
+        return found == icons.end() ? std::nullopt : std::optional(found->second);
+    }
+};
+
+struct FixedDesktopInformation : DesktopInformation {
+    DesktopFacts facts{"XFCE", "Openbox", "x11", "Qt 6"};
+    DesktopFacts currentFacts() override { return facts; }
+};
+
 struct FakeDefaults : UserDefaults {
     std::map<std::string, std::int64_t> integers;
     std::map<std::string, bool> booleans;
     int writes = 0;
+    bool usable = true;
+    bool isUsable() override { return usable; }
     std::int64_t integer(const std::string& key) override { return integers[key]; }
     bool boolean(const std::string& key) override { return booleans[key]; }
     void setInteger(const std::string& key, std::int64_t value) override {

@@ -1,5 +1,6 @@
 #include "doubles/builders.h"
 #include "restore/restore_matcher.h"
+#include "restore/window_placement_normalizer.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
@@ -117,6 +118,33 @@ TEST(RestoreMatcher, SendsSurplusWindowsToTheDominantPlace) {
         << "the place seen first wins a tie";
     EXPECT_TRUE(matcher.overflowPairs(layout("g", entries, SavedLayoutKind::generic), windows, oneDisplay, {})
                     .empty());
+}
+
+/// The target of a window that was saved at `frame` of `savedOn`, on the displays `now`.
+Rect targetFrame(const Rect& frame, const std::vector<DisplaySnapshot>& savedOn,
+                 const std::vector<DisplaySnapshot>& now) {
+    const auto placement = WindowPlacementNormalizer{}.normalize(frame, placementInputs({savedOn}));
+    auto saved = layout("l", {entry("a", "t", frame)});
+    saved.entries[0].displayIdentifier = placement->displayIdentifier;
+    saved.entries[0].normalizedFrame = placement->normalizedFrame;
+    saved.savedDisplays.emplace();
+    for (const auto& display : savedOn)
+        saved.savedDisplays->push_back({display.id(), display.visibleFrame, false});
+    return RestoreMatcher{}.pairs(saved, {window(1, "a", "t", {7, 7, 7, 7})}, now).at(0).translatedFrame;
+}
+
+TEST(RestoreMatcher, PutsWindowsBackExactlyWhereTheirDisplayIsUnchanged) {
+    const auto left = testing::display("1-2-0", {0, 40, 1920, 1040}, {0, 0, 0.5, 1});
+    const auto right = testing::display("1-2-0", {1920, -120, 1600, 1200}, {0.5, 0, 0.5, 1}); // a twin
+    const auto other = testing::display("9-9-9", {0, 0, 1000, 800});
+    for (const Rect& frame :
+         {Rect{0, 0, 1920, 1040}, Rect{100, 1070, 800, 600}, Rect{50, 50, 164, 164},
+          Rect{-300, 500, 800, 600}, Rect{1920, 0, 1600, 1200}, Rect{2000, 1000, 400, 80}})
+        EXPECT_EQ(targetFrame(frame, {left, right}, {left, right}), frame);
+    EXPECT_EQ(targetFrame({100, 10, 800, 600}, {left, right}, {left}), (Rect{100, 10, 800, 600}));
+    const auto moved = targetFrame({2000, 100, 800, 600}, {left, right}, {left});
+    EXPECT_LE(moved.maxX(), 1920) << "the twin that is gone does not count as the one that stayed";
+    EXPECT_LE(targetFrame({100, 10, 1800, 1000}, {left}, {other}).maxX(), 1000);
 }
 
 TEST(RestoreMatcher, NeverPairsAWindowOrAnEntryTwice) {

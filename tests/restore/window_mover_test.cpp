@@ -136,6 +136,23 @@ TEST_F(WindowMoverTest, TellsWindowsAtTheSameFrameByTitleThenRoleThenSlot) {
     }
 }
 
+TEST_F(WindowMoverTest, GoesByTheLiveTitleWhenTheSavedOneIsGone) {
+    add(live, "mail");
+    add(live, "news");
+    saved.windowTitle = "what was open last week";
+    const auto outcome = move(target, "News ");
+    EXPECT_EQ(outcome, WindowMoveOutcome(WindowMoved{}));
+    EXPECT_EQ(elements.sets.at(0).first, windows[1]);
+
+    elements.applications.clear();
+    windows.clear();
+    saved.windowTitle = "mail";
+    saved.windowRole = "AXSheet";
+    add(shifted(500), "mail");
+    add(shifted(10), "news");
+    EXPECT_EQ(moved(), "0") << "the only one with the title, however far";
+}
+
 TEST_F(WindowMoverTest, TakesTheOnlyOneInTheSavedRoleElsewhere) {
     saved.windowRole = "AXWindow";
     saved.windowSubrole = "AXDialog";
@@ -153,8 +170,8 @@ TEST_F(WindowMoverTest, TakesTheNearestOnlyWhenItIsNearAndClearlyNearest) {
     for (const Case& c :
          {Case{{10, 34}, {"a", "b"}, "0"}, Case{{34, 10}, {"a", "b"}, "1"},
           Case{{10, 33.9}, {"a", "b"}, "AX target selection failed"}, Case{{10, 20}, {"t", "t"}, "0"},
-          Case{{160, 500}, {"a", "b"}, "0"}, Case{{160.5, 500}, {"a", "b"}, "AX target selection failed"},
-          Case{{5000}, {"a"}, "0"}}) {
+          Case{{160, 500}, {"a", "b"}, "0"}, Case{{150, 165}, {"a", "b"}, "0"},
+          Case{{160.5, 500}, {"a", "b"}, "AX target selection failed"}, Case{{5000}, {"a"}, "0"}}) {
         windows.clear();
         elements.applications.clear();
         for (std::size_t i = 0; i < c.distances.size(); ++i)

@@ -2,11 +2,15 @@
 
 #include <QApplication>
 
+#include <clocale>
+
 namespace tavrin {
 
 QtProgram::QtProgram(int& argc, char** argv, const std::string& version) {
     QCoreApplication::setApplicationVersion(QString::fromStdString(version));
     application_ = std::make_unique<QApplication>(argc, argv);
+    // Numbers in files are written with a point, whatever the user's language.
+    std::setlocale(LC_NUMERIC, "C");
 }
 
 QtProgram::~QtProgram() = default;
@@ -17,6 +21,10 @@ int QtProgram::run() {
 
 void QtProgram::exit(int status) {
     QCoreApplication::exit(status);
+}
+
+std::string QtProgram::toolkitVersion() {
+    return std::string("Qt ") + qVersion();
 }
 
 } // namespace tavrin

@@ -13,6 +13,11 @@ std::filesystem::path QtUserDefaults::defaultFile() {
     return std::filesystem::path(QFile::encodeName(folder).toStdString()) / "Tavrin" / "defaults.ini";
 }
 
+bool QtUserDefaults::isUsable() {
+    settings_.sync();
+    return settings_.status() == QSettings::NoError && settings_.isWritable();
+}
+
 std::int64_t QtUserDefaults::integer(const std::string& key) {
     bool isNumber = false;
     const auto value = text(key).toLongLong(&isNumber);

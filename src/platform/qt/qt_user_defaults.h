@@ -17,6 +17,7 @@ public:
     /// $XDG_CONFIG_HOME/Tavrin/defaults.ini, with ~/.config where the variable is not set.
     static std::filesystem::path defaultFile();
 
+    bool isUsable() override;
     std::int64_t integer(const std::string& key) override;
     bool boolean(const std::string& key) override;
     void setInteger(const std::string& key, std::int64_t value) override;
