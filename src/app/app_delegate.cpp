@@ -50,6 +50,23 @@ AppDelegate::AppDelegate(const Platform& platform, UserInterfaceFactory& userInt
           .profileStore = profileStore_,
           .restoreDebugStore = restoreDebugStore_,
           .launchAtLoginService = launchAtLoginService_,
+          .windowProvider = windowListProvider_,
+          .displaySnapshotProvider = displaySnapshotProvider_,
+          .keyMonitors = platform_.keyMonitors,
+          .applicationCatalog = platform_.applicationCatalog,
+          .desktopInformation = platform_.desktopInformation,
+          .host = platform_.applicationHost,
+          .linkOpener = platform_.linkOpener,
+          .scheduler = platform_.scheduler,
+          .clock = platform_.clock,
+          .dataDirectory = paths().rootURL,
+          .processIdentifier = platform_.processIdentifier,
+          .saveCurrentLayout = [this] { capturePopoverController_.show(); },
+          .restoreLayout =
+              [this](const Uuid& layoutID) {
+                  if (statusItemController_)
+                      statusItemController_->restoreLayout(layoutID);
+              },
       })),
       settingsWindowController_(*settingsWindow_, platform_.applicationHost, resetCoordinator_),
       capturePopoverController_(captureService_, profileStore_, currentProfileViewModel_,

@@ -45,9 +45,12 @@ public:
     /// Shows on the icon for a moment how a restore went.
     void showRestoreFeedback(const RestoreResult& result);
 
+    /// As choosing the layout in the menu: restores it, records the attempt and shows the feedback. Does
+    /// nothing when the layout is gone.
+    void restoreLayout(const Uuid& layoutID);
+
 private:
     void perform(MenuAction action, const std::optional<Uuid>& layoutID);
-    void restoreLayout(const Uuid& layoutID);
     void quickUpdateLayout(const Uuid& layoutID);
     void menuNeedsUpdate();
     void showNormalIcon();

@@ -7,7 +7,9 @@
 namespace tavrin {
 
 class AccessibilityTrust;
+class ApplicationCatalog;
 class ApplicationHost;
+class DesktopInformation;
 class FileSystem;
 class KeyMonitors;
 class LinkOpener;
@@ -43,6 +45,8 @@ struct Platform {
     LinkOpener& linkOpener;
     std::filesystem::path applicationSupportDirectory; ///< where the user's data of all programs lies
     ProcessID processIdentifier;                       ///< of this process
+    ApplicationCatalog& applicationCatalog;
+    DesktopInformation& desktopInformation;
 };
 
 } // namespace tavrin

@@ -9,6 +9,8 @@
 #include "session/permission_status_view_model.h"
 #include "shortcuts/shortcut_manager.h"
 
+#include <functional>
+
 namespace tavrin {
 
 /// What the panes of the settings window show and change.
@@ -22,6 +24,19 @@ struct SettingsCollaborators {
     ProfileStore& profileStore;
     RestoreDebugStore& restoreDebugStore;
     LaunchAtLoginService& launchAtLoginService;
+    WindowListProviding& windowProvider;
+    DisplaySnapshotProviding& displaySnapshotProvider;
+    KeyMonitors& keyMonitors;
+    ApplicationCatalog& applicationCatalog;
+    DesktopInformation& desktopInformation;
+    ApplicationHost& host;
+    LinkOpener& linkOpener;
+    Scheduler& scheduler;
+    WallClock& clock;
+    std::filesystem::path dataDirectory;            ///< where the data files lie
+    ProcessID processIdentifier;                    ///< of this program
+    std::function<void()> saveCurrentLayout;        ///< asks for a name and saves, as the menu does
+    std::function<void(const Uuid&)> restoreLayout; ///< restores as the menu does
 };
 
 } // namespace tavrin

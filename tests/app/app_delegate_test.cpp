@@ -67,9 +67,12 @@ protected:
     testing::FakeTime time;
     testing::FakeStatusItem item;
     testing::FakeHost host;
+    testing::FakeCatalog catalog;
+    testing::FixedDesktopInformation information;
     testing::FakeInterface interface { host };
-    Platform platform{screens,  windowList, applications, elements, trust, keys, events, loginItem, instances,
-                      defaults, files,      time,         time,     item,  host, host,   "/data",   4711};
+    Platform platform{screens,   windowList, applications, elements, trust,   keys,       events,
+                      loginItem, instances,  defaults,     files,    time,    time,       item,
+                      host,      host,       "/data",      4711,     catalog, information};
     SettingsStore settings{AppSupportPaths{files, "/data/Tavrin"}, time};
     ProfileStore store{AppSupportPaths{files, "/data/Tavrin"}, time};
     std::shared_ptr<testing::FakeElements::Element> window;

@@ -54,7 +54,10 @@ struct FakeHost : ApplicationHost, LinkOpener, SettingsWindowSurface {
         log += "help ";
         return true;
     }
-    bool openFolder(const std::filesystem::path&) override { return true; }
+    bool openFolder(const std::filesystem::path& folder) override {
+        log += folder.string() + " ";
+        return true;
+    }
     void show(SettingsPane pane, ResetNotice notice) override {
         log += fmt::format("window{}{} ", static_cast<int>(pane), notice == ResetNotice::shown ? "!" : "");
     }

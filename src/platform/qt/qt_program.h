@@ -22,6 +22,9 @@ public:
     /// Has `run` return `status`.
     void exit(int status);
 
+    /// Of the library that is used, for example "Qt 6.4.2".
+    static std::string toolkitVersion();
+
 private:
     std::unique_ptr<QApplication> application_;
 };

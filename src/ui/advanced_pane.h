@@ -1,0 +1,62 @@
+#pragma once
+
+#include "ui/settings_collaborators.h"
+#include "ui/troubleshooting_report.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrin {
+
+/// The permission, the last restore, the rule for extra windows, and what helps when something is wrong.
+class AdvancedPane {
+public:
+    static constexpr std::string_view clusterLabel =
+        "Cluster extra same-app windows into the dominant saved region";
+    static constexpr std::string_view clusterExplanation =
+        "When a restore finds more open windows for an app than were captured, Tavrin can send the extras to "
+        "the saved region that had the most windows for that app.";
+    static constexpr std::string_view noAttemptText = "No restore attempt recorded yet in this app session.";
+
+    /// The collaborators outlive the pane.
+    explicit AdvancedPane(const SettingsCollaborators& collaborators);
+
+    /// The view is shown, or shown again: reads settings and displays anew.
+    void appear();
+
+    std::string permissionTitle() const { return collaborators_.permissionStatusViewModel.title(); }
+    std::string permissionMessage() const { return collaborators_.permissionStatusViewModel.message(); }
+    bool isPermissionGranted() const;
+    void recheckPermission();
+
+    const std::optional<RestoreAttemptDiagnostics>& lastAttempt() const {
+        return collaborators_.restoreDebugStore.lastAttempt.value();
+    }
+    /// The attempt with every error in full; empty before the first one.
+    std::string lastAttemptText() const;
+
+    bool clustersExtraAppWindows() const { return clustersExtraAppWindows_; }
+    void setClustersExtraAppWindows(bool isOn);
+
+    /// The troubleshooting section is unfolded.
+    bool isTroubleshootingExpanded() const { return isTroubleshootingExpanded_; }
+    void setTroubleshootingExpanded(bool isExpanded);
+    const TroubleshootingReport& report() const { return report_; }
+    /// False when the folder could not be shown.
+    bool openDataDirectory();
+
+    Signal<> changed;
+
+private:
+    void readReport();
+
+    const SettingsCollaborators& collaborators_;
+    bool clustersExtraAppWindows_ = true;
+    bool isTroubleshootingExpanded_ = false;
+    TroubleshootingReport report_;
+    std::vector<Token> subscriptions_;
+};
+
+} // namespace tavrin

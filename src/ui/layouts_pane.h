@@ -1,0 +1,74 @@
+#pragma once
+
+#include "ui/layouts_pane_content.h"
+#include "ui/settings_collaborators.h"
+
+#include <string_view>
+
+namespace tavrin {
+
+/// The saved display setups with their layouts. What cannot be saved, renamed or deleted stays as it is,
+/// and the pane shows what the files hold.
+class LayoutsPane {
+public:
+    static constexpr std::string_view emptyText =
+        "Arrange your windows the way you like them, then save them as a layout for the displays you are "
+        "using now.";
+    static constexpr std::string_view emptySetupText = "No layouts saved for this display setup yet.";
+
+    /// The collaborators outlive the pane.
+    explicit LayoutsPane(const SettingsCollaborators& collaborators);
+
+    /// The view is shown, or shown again: reads everything anew.
+    void appear();
+
+    const LayoutsPaneContent& content() const { return content_; }
+    Timestamp now() const { return collaborators_.clock.now(); }
+
+    void saveLayout();
+    void confirmSuggestion();
+
+    void restore(const Uuid& layoutID);
+    /// Replaces the saved windows by those that are open now.
+    void update(const Uuid& layoutID);
+    /// Makes the layout the one that is restored automatically on its setup, or the setup without one.
+    enum class DefaultLayout { set, cleared };
+    void setDefault(const Uuid& layoutID, DefaultLayout wanted);
+
+    /// Why the layout or the setup cannot have that name; absent when it can. Nothing changes when it keeps
+    /// the name it has.
+    std::optional<std::string> layoutNameRefusal(const Uuid& layoutID, std::string_view name) const;
+    std::optional<std::string> setupNameRefusal(std::string_view name) const;
+    void renameLayout(const Uuid& layoutID, std::string_view name);
+    void renameSetup(const Uuid& profileID, std::string_view name);
+
+    /// Absent for what is gone meanwhile.
+    std::optional<DeletionQuestion> layoutDeletionQuestion(const Uuid& layoutID) const;
+    std::optional<DeletionQuestion> setupDeletionQuestion(const Uuid& profileID) const;
+    /// Shortcuts go with their layouts, layouts with their setup.
+    void deleteLayout(const Uuid& layoutID);
+    void deleteSetup(const Uuid& profileID);
+
+    Signal<> changed;
+
+private:
+    struct Found {
+        const SetupCard& setup;
+        const LayoutCard& layout;
+    };
+    std::optional<Found> find(const Uuid& layoutID) const;
+    LayoutsPaneContent read() const;
+    std::optional<SetupSuggestion> suggestion() const;
+    void publish();
+    /// Lets the models read again what an action left behind, and with them this pane.
+    void reloadModels();
+    void removeShortcutsOfMissingLayouts();
+
+    const SettingsCollaborators& collaborators_;
+    LayoutsPaneContent content_;
+    std::optional<Uuid> statusLayoutID_;
+    std::string status_;
+    std::vector<Token> subscriptions_;
+};
+
+} // namespace tavrin

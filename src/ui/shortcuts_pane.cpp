@@ -1,0 +1,115 @@
+#include "ui/shortcuts_pane.h"
+
+#include "base/fatal.h"
+
+#include <algorithm>
+
+namespace tavrin {
+
+ShortcutsPane::ShortcutsPane(Collaborators collaborators) : collaborators_(collaborators) {
+    recorders_[std::nullopt] = makeRecorder(std::nullopt);
+    subscriptions_.push_back(collaborators_.profileListViewModel.reloaded.connect([this] { readGroups(); }));
+    subscriptions_.push_back(collaborators_.currentProfileViewModel.currentProfileName.subscribe(
+        [this](const auto&) { readGroups(); }));
+    ShortcutManager& manager = collaborators_.shortcutManager;
+    subscriptions_.push_back(manager.autoDetectShortcut.subscribe([this](const auto&) { readCombos(); }));
+    subscriptions_.push_back(manager.layoutShortcuts.subscribe([this](const auto&) { readCombos(); }));
+}
+
+void ShortcutsPane::appear() {
+    if (const auto layouts = collaborators_.profileStore.loadLayouts()) {
+        std::vector<Uuid> layoutIDs;
+        for (const SavedLayout& layout : *layouts)
+            layoutIDs.push_back(layout.id);
+        const auto& shortcuts = collaborators_.shortcutManager.layoutShortcuts.value();
+        if (std::ranges::any_of(shortcuts, [&](const auto& shortcut) {
+                return std::ranges::find(layoutIDs, shortcut.first) == layoutIDs.end();
+            }))
+            collaborators_.shortcutManager.pruneLayoutShortcuts(layoutIDs);
+    }
+    readGroups();
+}
+
+ShortcutRecorderView& ShortcutsPane::recorder(const std::optional<Uuid>& layoutID) {
+    const auto found = recorders_.find(layoutID);
+    if (found == recorders_.end())
+        fatal("a recorder without a row");
+    return *found->second;
+}
+
+void ShortcutsPane::readGroups() {
+    const auto layouts = collaborators_.profileStore.loadLayouts().value_or(std::vector<SavedLayout>{});
+    const auto& current = collaborators_.currentProfileViewModel.currentProfile();
+    std::vector<Group> groups;
+    Recorders recorders;
+    recorders[std::nullopt] = std::move(recorders_[std::nullopt]);
+    for (const MonitorProfile& profile : collaborators_.profileListViewModel.profiles.value()) {
+        Group group{profile.name, current && current->id == profile.id, {}};
+        for (const SavedLayout& layout : layouts) {
+            if (layout.profileID != profile.id)
+                continue;
+            group.rows.push_back({layout.id, layout.name});
+            auto& kept = recorders_[layout.id];
+            recorders[layout.id] = kept ? std::move(kept) : makeRecorder(layout.id);
+        }
+        if (!group.rows.empty())
+            groups.push_back(std::move(group));
+    }
+    std::ranges::stable_partition(groups, &Group::isCurrent);
+    recorders_ = std::move(recorders);
+    if (groups_ == groups)
+        return;
+    groups_ = std::move(groups);
+    changed.emit();
+}
+
+void ShortcutsPane::readCombos() {
+    for (const auto& [layoutID, view] : recorders_)
+        view->setCombo(combo(layoutID));
+}
+
+std::optional<KeyCombo> ShortcutsPane::combo(const std::optional<Uuid>& layoutID) const {
+    const ShortcutManager& manager = collaborators_.shortcutManager;
+    if (!layoutID)
+        return manager.autoDetectShortcut.value();
+    const auto& shortcuts = manager.layoutShortcuts.value();
+    const auto found = shortcuts.find(*layoutID);
+    return found == shortcuts.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::vector<ShortcutConflictChecker::Assignment>
+ShortcutsPane::assignments(const std::optional<Uuid>& editedLayoutID) const {
+    std::vector<ShortcutConflictChecker::Assignment> assignments;
+    const auto add = [&](const std::optional<Uuid>& layoutID, const std::string& label) {
+        if (layoutID == editedLayoutID)
+            return;
+        if (const auto used = combo(layoutID))
+            assignments.push_back({label, *used});
+    };
+    add(std::nullopt, std::string(autoDetectTitle));
+    for (const Group& group : groups_)
+        for (const Row& row : group.rows)
+            add(row.layoutID, row.title);
+    for (const auto& [layoutID, used] : collaborators_.shortcutManager.layoutShortcuts.value())
+        if (!recorders_.contains(layoutID))
+            assignments.push_back({"a layout that cannot be shown", used});
+    return assignments;
+}
+
+std::unique_ptr<ShortcutRecorderView> ShortcutsPane::makeRecorder(const std::optional<Uuid>& layoutID) {
+    ShortcutRecorder recorder(
+        combo(layoutID),
+        [this, layoutID](std::optional<KeyCombo> recorded) {
+            if (layoutID)
+                collaborators_.shortcutManager.setLayoutShortcut(recorded, *layoutID);
+            else
+                collaborators_.shortcutManager.setAutoDetectShortcut(recorded);
+        },
+        [this, layoutID](const KeyCombo& proposed) {
+            return ShortcutConflictChecker{}.conflictMessage(proposed, assignments(layoutID));
+        });
+    return std::make_unique<ShortcutRecorderView>(std::move(recorder), collaborators_.shortcutManager,
+                                                  collaborators_.keyMonitors);
+}
+
+} // namespace tavrin
