@@ -2,10 +2,10 @@
 
 #include "platform/freedesktop/desktop_entry.h"
 #include "platform/freedesktop/exec_line.h"
+#include "platform/freedesktop/program_search.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -16,11 +16,6 @@ namespace fs = std::filesystem;
 
 std::unexpected<PlatformError> failure(const FileError& error) {
     return std::unexpected(PlatformError{error.code, error.description()});
-}
-
-bool isProgram(const fs::path& path) {
-    struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && ::access(path.c_str(), X_OK) == 0;
 }
 
 /// Whether the session of one of the `current` desktops shows the entry. The first desktop that an entry
@@ -55,15 +50,6 @@ std::optional<fs::path> XdgAutostartLoginItem::systemEntry() {
     return std::nullopt;
 }
 
-bool XdgAutostartLoginItem::isProgramThere(const std::string& program) const {
-    if (program.find('/') != std::string::npos)
-        return program.starts_with('/') && isProgram(program);
-    const auto folders = nonEmpty(environment_, "PATH").value_or("/usr/local/bin:/usr/bin:/bin");
-    return std::ranges::any_of(splitList(folders, ':'), [&](const std::string& folder) {
-        return folder.starts_with('/') && isProgram(fs::path(folder) / program);
-    });
-}
-
 LoginItemStatus XdgAutostartLoginItem::status() {
     // The user's entry stands for the system's one even when it cannot be read (a link to /dev/null).
     const auto path = files_.exists(userEntry()) ? userEntry() : systemEntry();
@@ -73,8 +59,8 @@ LoginItemStatus XdgAutostartLoginItem::status() {
         return LoginItemStatus::notRegistered;
 
     const auto words = execWords(entry->exec).value_or(std::vector<std::string>());
-    const bool starts = !words.empty() && isProgramThere(words.front()) &&
-                        (entry->tryExec.empty() || isProgramThere(entry->tryExec)) &&
+    const bool starts = !words.empty() && findProgram(words.front(), environment_) &&
+                        (entry->tryExec.empty() || findProgram(entry->tryExec, environment_)) &&
                         isShownIn(*entry, splitList(environment_("XDG_CURRENT_DESKTOP").value_or(""), ':'));
     return starts ? LoginItemStatus::enabled : LoginItemStatus::notFound;
 }
@@ -89,7 +75,7 @@ std::string XdgAutostartLoginItem::currentContent() {
 }
 
 std::expected<void, PlatformError> XdgAutostartLoginItem::registerItem() {
-    if (!program_.is_absolute() || !isProgram(program_))
+    if (!program_.is_absolute() || !findProgram(program_.string(), environment_))
         return failure({"start at login", program_.string(), ENOENT});
     const auto content = currentContent();
     const auto entry = parseDesktopEntry(content).value_or(DesktopEntry());

@@ -33,7 +33,6 @@ public:
 private:
     std::filesystem::path userEntry() const;
     std::optional<std::filesystem::path> systemEntry();
-    bool isProgramThere(const std::string& program) const;
 
     /// The entry to change: the user's own, else the system's, else nothing.
     std::string currentContent();
