@@ -96,6 +96,9 @@ std::string QtApplicationHost::shortVersion() {
 }
 
 bool QtApplicationHost::isActive() const {
+    // An open menu takes the keyboard without taking the focus.
+    if (QApplication::activePopupWidget())
+        return true;
     // Qt goes on calling the program active when the window with the focus is hidden.
     return QGuiApplication::applicationState() == Qt::ApplicationActive && window_ && window_->isVisible();
 }

@@ -21,7 +21,7 @@ public:
     /// `application` must not have shown a window yet.
     explicit QtApplicationHost(QApplication& application);
 
-    /// A window of this program has the focus.
+    /// A window or a menu of this program gets the key presses.
     bool isActive() const;
 
     /// `handler` is called every time the program comes to the front until the token is released.

@@ -47,6 +47,12 @@ struct X11Platform::Rooms {
 X11Platform::X11Platform(std::unique_ptr<Rooms> rooms) : rooms_(std::move(rooms)) {}
 X11Platform::~X11Platform() = default;
 
+std::expected<void, std::string> X11Platform::reach(const std::string& displayName) {
+    if (const auto connection = X11Connection::open(displayName); !connection)
+        return std::unexpected(connection.error());
+    return {};
+}
+
 std::expected<std::unique_ptr<X11Platform>, std::string> X11Platform::open(const std::string& displayName,
                                                                            EventLoop& eventLoop,
                                                                            Scheduler& scheduler,

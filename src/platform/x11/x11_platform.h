@@ -21,6 +21,9 @@ namespace tavrin {
 /// Everything this program sees and does of an X11 desktop.
 class X11Platform {
 public:
+    /// Whether there is a server at all; the error is a text for the user.
+    static std::expected<void, std::string> reach(const std::string& displayName);
+
     /// An empty display name means the one of the environment. The error is a text for the user. The
     /// collaborators must outlive the platform.
     static std::expected<std::unique_ptr<X11Platform>, std::string> open(const std::string& displayName,
