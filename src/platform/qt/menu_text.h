@@ -7,8 +7,9 @@
 
 namespace tavrin {
 
-/// The most characters of a menu title that are shown; of a longer one the middle is left out.
-inline constexpr int longestMenuTitle = 64;
+/// The most characters of a menu title that are shown; of a longer one the middle is left out. Every text of
+/// the program itself is shorter.
+inline constexpr int longestMenuTitle = 120;
 
 /// A title as it may stand in a menu: one line, without control characters and without characters that
 /// would turn the direction of the text after it, elided in the middle.
