@@ -111,8 +111,9 @@ protected:
 
 TEST_F(AppDelegateTest, ResetsOldDataBeforeAnythingReadsIt) {
     defaults.integers.clear();
-    files.files["/data/Tavrin/settings.json"] = "from an older program";
+    ASSERT_TRUE(settings.save({.autoDetectShortcut = KeyCombo{15, ModifierSet::control}}));
     AppDelegate delegate{platform, interface};
+    EXPECT_EQ(interface.collaborators->shortcutManager.autoDetectShortcut.value(), std::nullopt);
     EXPECT_FALSE(files.files.contains("/data/Tavrin/settings.json"));
     EXPECT_TRUE(defaults.booleans["tavrin.beta.resetNoticePending"]);
     EXPECT_FALSE(item.isShown) << "nothing is visible before launch has finished";

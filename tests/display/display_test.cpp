@@ -59,6 +59,25 @@ TEST(DisplaySnapshotProvider, CopesWithScreensWithoutHardwareOrSize) {
     EXPECT_EQ(defaultProfileName({}), "0-Display Setup");
 }
 
+TEST(DisplaySnapshotProvider, PlacesDisplaysOnAllSidesOfThePrimary) {
+    FixedScreens screens;
+    const DisplayHardware panel{1, 1, 1, true, 900, 600}, monitor{2, 2, 2, false, 900, 600};
+    screens.list = {screen({0, 0, 900, 600}, panel), screen({0, 600, 900, 600}, monitor),
+                    screen({-900, 0, 900, 600}, std::nullopt)};
+    const auto snapshot = DisplaySnapshotProvider{screens}.currentSnapshot();
+    EXPECT_EQ(keys(snapshot), (std::vector<std::string>{"external:0.000:0.000:0.500:0.500:1:unknown",
+                                                        "external:0.500:0.500:0.500:0.500:1:900x600",
+                                                        "internal:0.500:0.000:0.500:0.500:1:900x600"}));
+    const auto fingerprint = MonitorProfileMatcher{}.makeFingerprint(snapshot);
+    EXPECT_EQ(fingerprint.stableDisplayIDs, (std::vector<std::string>{"1-1-1", "2-2-2"}));
+    EXPECT_EQ(fingerprint.displayCount, 3);
+    screens.list.resize(1);
+    EXPECT_EQ(defaultProfileName(DisplaySnapshotProvider{screens}.currentSnapshot()), "Built-in Display");
+    screens.list = {screen({0, 0, 333.33, 100}, monitor), screen({333.33, 0, 666.6, 100}, monitor)};
+    EXPECT_EQ(keys(DisplaySnapshotProvider{screens}.currentSnapshot())[1],
+              "external:0.333:0.000:0.667:1.000:1:900x600");
+}
+
 TEST(DisplaySnapshotProvider, GivesTheSameFingerprintInAnyOrderOfScreens) {
     FixedScreens screens;
     const DisplayHardware twin{1, 2, 0, false, 1920, 1080};
@@ -139,6 +158,23 @@ TEST(MonitorProfileMatcher, ReusesConfirmedArrangementsWhateverTheHardware) {
     confirmed.learnedAssociations = {{.confirmedDisplaySignature = signature}};
     EXPECT_EQ(MonitorProfileMatcher{}.match(desk(), {similar("Near", 2, 2, 1), confirmed}),
               MatchResult(match::Exact{confirmed, "Reused a previously confirmed fuzzy association."}));
+}
+
+TEST(MonitorProfileMatcher, PrefersIdentityToMemoryAndTheFirstMemory) {
+    const auto signature = MonitorProfileMatcher{}.makeFingerprint(desk()).arrangementSignature;
+    auto first = similar("First", 2, 0, 0), second = similar("Second", 2, 0, 0);
+    first.learnedAssociations = second.learnedAssociations = {{.confirmedDisplaySignature = signature}};
+    const MonitorProfileMatcher matcher;
+    EXPECT_EQ(profileOf(matcher.match(desk(), {first, second}))->name, "First");
+    EXPECT_EQ(profileOf(matcher.match(desk(), {first, profile("Same", desk())}))->name, "Same");
+}
+
+TEST(MonitorProfileMatcher, ComparesKeysPlaceByPlace) {
+    auto shifted = profile("Shifted", desk());
+    auto& signature = shifted.displayFingerprint.arrangementSignature;
+    const auto bar = signature.find('|');
+    signature = "external:0.000:9|" + signature.substr(0, bar); // the left display's key, one place on
+    EXPECT_DOUBLE_EQ(MonitorProfileMatcher{}.similarityScore(desk(), shifted), 0.4);
 }
 
 TEST(MonitorProfileMatcher, SuggestsOnlyWhatIsClearlyBest) {

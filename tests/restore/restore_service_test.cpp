@@ -11,18 +11,22 @@ const Rect home{0, 0, 400, 300}, away{900, 500, 400, 300};
 
 struct RecordingMover : WindowMoving {
     std::vector<std::int64_t> moved;
+    std::vector<std::pair<ProcessID, Rect>> orders;
     std::map<std::int64_t, std::string> failures; ///< by window number
-    WindowMoveOutcome move(ProcessID, const SavedLayoutEntry&, const WindowInfo& window,
-                           const Rect&) override {
+    WindowMoveOutcome move(ProcessID pid, const SavedLayoutEntry& entry, const WindowInfo& window,
+                           const Rect& target) override {
+        EXPECT_EQ(entry.bundleIdentifier, window.bundleIdentifier);
         moved.push_back(window.id);
+        orders.emplace_back(pid, target);
         if (const auto failure = failures.find(window.id); failure != failures.end())
             return WindowMoveFailed{failure->second};
         return WindowMoved{};
     }
 };
 
-struct NoProcess : RunningApplicationResolving {
-    std::optional<ProcessID> processIdentifier(const WindowInfo&) override { return std::nullopt; }
+struct OneProcess : RunningApplicationResolving {
+    std::optional<ProcessID> answer;
+    std::optional<ProcessID> processIdentifier(const WindowInfo&) override { return answer; }
 };
 
 struct FixedSettings : SettingsProviding {
@@ -36,7 +40,7 @@ protected:
     RecordingMover mover;
     testing::FixedDisplays displays;
     FixedSettings settings;
-    NoProcess resolver;
+    OneProcess resolver;
     testing::FixedPermission permission;
     SavedLayout saved =
         testing::layout("Work", {testing::entry("a", "1", home), testing::entry("a", "2", home),
@@ -52,6 +56,8 @@ protected:
 };
 
 TEST_F(RestoreServiceTest, NeedsPermissionAndWindows) {
+    permission.state = AccessibilityPermissionState::unknown;
+    EXPECT_EQ(restore().moveFailureCount, 3);
     permission.state = AccessibilityPermissionState::denied;
     windows.windows = {testing::window(1, "a", "1", away)};
     EXPECT_EQ(restore(),
@@ -70,6 +76,10 @@ TEST_F(RestoreServiceTest, MovesWhatIsNotInPlace) {
                        testing::window(2, "a", "2", {2.0001, 0, 400, 300})};
     EXPECT_EQ(restore(), RestoreResult(3, 2, 1, {}, 1, 0));
     EXPECT_EQ(mover.moved, std::vector<std::int64_t>{2});
+    windows.windows[1].ownerPID.reset();
+    resolver.answer = 77;
+    EXPECT_EQ(restore(), RestoreResult(3, 2, 1, {}, 1, 0));
+    EXPECT_EQ(mover.orders, (std::vector<std::pair<ProcessID, Rect>>{{100, home}, {77, home}}));
 }
 
 TEST_F(RestoreServiceTest, CountsAndNamesEveryFailure) {
@@ -95,6 +105,19 @@ TEST_F(RestoreServiceTest, SendsSurplusWindowsAfterTheOthersWithoutCountingThem)
     EXPECT_EQ(restore(), expected) << "unreadable settings do not switch it off";
     settings.settings = AppSettings{.clusterExtraAppWindows = false};
     EXPECT_EQ(restore(), RestoreResult(1, 1, 0, {}, 0, 0));
+}
+
+TEST(RestoreResult, TellsHowItWent) {
+    const auto flags = [](const RestoreResult& result) {
+        return std::string(result.isCompleteSuccess() ? "complete " : "") +
+               (result.isPartialSuccess() ? "partial " : "") + (result.isMoveFailureOnly() ? "failed " : "") +
+               (result.isNothingMatched() ? "nothing " : "");
+    };
+    EXPECT_EQ(flags({3, 3, 0, {}, 0, 0}), "complete ");
+    EXPECT_EQ(flags({3, 1, 2, {}, 1, 1}), "partial ");
+    EXPECT_EQ(flags({3, 0, 3, {}, 1, 2}), "failed ");
+    EXPECT_EQ(flags({3, 0, 3, {}, 3, 0}), "nothing ");
+    EXPECT_EQ(flags({0, 0, 0, {}, 0, 0}), "nothing ");
 }
 
 TEST(RestoreResult, DerivesMissingCounts) {

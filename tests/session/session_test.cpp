@@ -61,6 +61,13 @@ TEST(PermissionStatus, PollsUntilGrantedAndNeverTakesAway) {
     EXPECT_EQ(model.title(), "Checking Accessibility");
     model.requestAccess();
     EXPECT_EQ(time.pendingTasks(), 0u) << "granted at once";
+    {
+        service.state = denied;
+        PermissionStatusViewModel shortLived{service, time};
+        shortLived.requestAccess();
+        EXPECT_EQ(time.pendingTasks(), 1u);
+    }
+    EXPECT_EQ(time.pendingTasks(), 0u) << "polling ends with the model";
 
     service.state = denied;
     model.recheck();
@@ -116,7 +123,10 @@ TEST(AppDataReset, RemovesTheFilesOncePerVersion) {
     testing::FakeFileSystem files;
     testing::FakeDefaults defaults;
     const AppSupportPaths paths{files, "/data"};
-    files.files = {{"/data/profiles.json", "p"}, {"/data/settings.json", "s"}, {"/data/notes.txt", "mine"}};
+    files.files = {{"/data/profiles.json", "p"},
+                   {"/data/layouts.json", "l"},
+                   {"/data/settings.json", "s"},
+                   {"/data/notes.txt", "mine"}};
     AppDataResetCoordinator reset{paths, defaults};
     EXPECT_EQ(reset.applyIfNeeded(), AppDataResetCoordinator::Outcome::didReset);
     EXPECT_EQ(files.files, (std::map<std::string, std::string>{{"/data/notes.txt", "mine"}}));
@@ -130,6 +140,16 @@ TEST(AppDataReset, RemovesTheFilesOncePerVersion) {
     EXPECT_EQ(defaults.writes, writes);
     EXPECT_TRUE(files.files.contains("/data/layouts.json"));
 
+    defaults.integers["tavrin.beta.appDataResetVersion"] = 5;
+    EXPECT_EQ(reset.applyIfNeeded(), AppDataResetCoordinator::Outcome::alreadyApplied)
+        << "a newer build's reset";
+    EXPECT_TRUE(files.files.contains("/data/layouts.json"));
+    defaults.integers.clear();
+    defaults.usable = false;
+    EXPECT_EQ(reset.applyIfNeeded(), AppDataResetCoordinator::Outcome::alreadyApplied)
+        << "what cannot be remembered would be repeated";
+    EXPECT_TRUE(files.files.contains("/data/layouts.json"));
+    defaults.usable = true;
     files.failing = {"remove"};
     AppDataResetCoordinator later{paths, defaults, 2};
     EXPECT_EQ(later.applyIfNeeded(), AppDataResetCoordinator::Outcome::didReset);

@@ -78,11 +78,25 @@ TEST(StoreMigration, TellsLayoutKindsByTheirExactText) {
     EXPECT_TRUE(isRefused<SavedLayout>(envelope("{" + rest + "\"AppSpecific\"}")));
 }
 
+TEST(StoreMigration, ReadsProfilesWithoutADefaultButNotWithoutTheirLists) {
+    const std::string common = R"("id": "0f9a2b3c-4d5e-6f70-8192-a3b4c5d6e7f8", "name": "Desk",
+        "createdAt": "2026-03-01T09:30:00Z", "updatedAt": "2026-03-01T09:30:00Z", "displayFingerprint":
+        {"arrangementSignature": "k", "displayCount": 2, "stableDisplayIDs": ["1-2-0", "1-2-0"]})";
+    const auto profile =
+        decode<MonitorProfile>("{" + common + R"(, "layoutIDs": [], "learnedAssociations": []})");
+    ASSERT_TRUE(profile);
+    EXPECT_EQ(profile->defaultLayoutID, std::nullopt);
+    EXPECT_EQ(profile->displayFingerprint, (DisplayFingerprint{{"1-2-0", "1-2-0"}, "k", 2}));
+    EXPECT_TRUE(isRefused<MonitorProfile>(envelope("{" + common + R"(, "layoutIDs": []})")));
+    EXPECT_TRUE(isRefused<MonitorProfile>(envelope("{" + common + R"(, "learnedAssociations": []})")));
+}
+
 TEST(StoreMigration, SettingsMustSayWhatHappensAutomatically) {
     const std::string triggers = R"("autoRestoreOnConnect": false, "autoRestoreOnDisconnect": false,
         "autoRestoreOnUnlockLogin": true)";
     const auto settings = decode<AppSettings>("{" + triggers + R"(, "autoRestoreOnWake": true})");
     ASSERT_TRUE(settings);
+    EXPECT_TRUE(settings->clusterExtraAppWindows && !settings->launchAtLogin);
     EXPECT_EQ(*settings, (AppSettings{.autoRestoreOnConnect = false,
                                       .autoRestoreOnDisconnect = false,
                                       .autoRestoreOnWake = true,

@@ -49,7 +49,10 @@ void expectError(const Result& result, const StoreError& error, const char* what
 TEST_F(StoreTest, ReadsNothingAsEmptyAndCreatesNothing) {
     EXPECT_EQ(store.loadProfiles(), std::vector<MonitorProfile>{});
     EXPECT_EQ(store.loadLayouts(), std::vector<SavedLayout>{});
-    EXPECT_EQ(settingsStore.load(), AppSettings{});
+    const auto defaults = settingsStore.load().value();
+    EXPECT_TRUE(defaults.autoRestoreOnConnect && defaults.autoRestoreOnDisconnect &&
+                defaults.clusterExtraAppWindows);
+    EXPECT_FALSE(defaults.autoRestoreOnWake || defaults.autoRestoreOnUnlockLogin || defaults.launchAtLogin);
     EXPECT_TRUE(files.directories.empty());
     newProfile();
     EXPECT_TRUE(files.directories.contains("/data/Tavrin"));
@@ -183,6 +186,16 @@ TEST_F(StoreTest, WritesLayoutsBeforeProfiles) {
     ASSERT_EQ(files.log.size(), 6u);
     EXPECT_EQ(files.log[1], "rename /data/Tavrin/layouts.json");
     EXPECT_EQ(files.log[4], "rename /data/Tavrin/profiles.json");
+}
+
+TEST_F(StoreTest, KeepsProfilesAsTheyWereWhenTheLayoutsCannotBeWritten) {
+    const auto desk = newProfile();
+    const auto before = files.files;
+    files.failing = {"rename"};
+    auto layout = testing::layout("Work", {});
+    layout.profileID = desk.id;
+    EXPECT_FALSE(store.saveLayout(layout));
+    EXPECT_EQ(files.files, before);
 }
 
 TEST_F(StoreTest, ReadsTheSameRecordsBack) {
