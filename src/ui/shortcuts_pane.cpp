@@ -56,7 +56,8 @@ void ShortcutsPane::readGroups() {
             groups.push_back(std::move(group));
     }
     std::ranges::stable_partition(groups, &Group::isCurrent);
-    recorders_ = std::move(recorders);
+    // Whoever shows a row that is gone lets go of its recorder in answer to `changed`.
+    recorders_.swap(recorders);
     if (groups_ == groups)
         return;
     groups_ = std::move(groups);

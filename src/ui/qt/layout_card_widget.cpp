@@ -1,0 +1,166 @@
+#include "ui/qt/layout_card_widget.h"
+
+#include "ui/qt/layout_picture_widget.h"
+#include "ui/qt/name_editor.h"
+#include "ui/qt/settings_group.h"
+#include "ui/qt/settings_pane_widget.h"
+#include "ui/qt/settings_style.h"
+#include "ui/qt/shortcut_recorder_widget.h"
+#include "ui/qt/symbol_icon.h"
+#include "ui/relative_time.h"
+
+#include <QContextMenuEvent>
+#include <QDateTime>
+#include <QLocale>
+#include <QMenu>
+#include <QPainter>
+#include <QPushButton>
+#include <QToolButton>
+
+namespace tavrin {
+namespace {
+
+/// A short text in a rounded frame.
+class Badge final : public QLabel {
+public:
+    explicit Badge(const QString& text) : QLabel(text) {
+        setTextFormat(Qt::PlainText);
+        setContentsMargins(8, 2, 8, 2);
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(badgeColor(palette()));
+        painter.drawRoundedRect(rect(), height() / 2.0, height() / 2.0);
+        QLabel::paintEvent(event);
+    }
+};
+
+QDateTime dateTime(Timestamp time) {
+    return QDateTime::fromMSecsSinceEpoch(
+        std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count());
+}
+
+QLabel* makeDetail(const LayoutCard& card, Timestamp now) {
+    const QDateTime changed = dateTime(card.updatedAt);
+    const auto relative = relativeTimeText(card.updatedAt, now);
+    const QString when = relative ? qText(*relative) : QLocale().toString(changed, QLocale::ShortFormat);
+    auto* detail =
+        makeText(QStringLiteral("%1 · Changed %2").arg(qText(windowCountText(card.windowCount)), when),
+                 TextRole::secondary);
+    detail->setToolTip(QLocale().toString(changed, QLocale::LongFormat));
+    return detail;
+}
+
+} // namespace
+
+LayoutCardWidget::LayoutCardWidget(const LayoutCard& card, Timestamp now, Callbacks callbacks)
+    : callbacks_(std::move(callbacks)), menu_(new QMenu(this)) {
+    fillMenu(card);
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(3);
+    texts->addWidget(makeNameLine(card));
+    texts->addWidget(makeDetail(card, now));
+    if (!card.status.empty())
+        texts->addWidget(makeText(qText(card.status), TextRole::secondary));
+    texts->addStretch(1);
+    texts->addWidget(makeButtonLine(card));
+    auto* line = new QHBoxLayout(this);
+    setRowMargins(*line);
+    line->setSpacing(16);
+    line->addWidget(new LayoutPictureWidget(card.picture, callbacks_.iconOf), 0, Qt::AlignVCenter);
+    line->addLayout(texts, 1);
+}
+
+QWidget* LayoutCardWidget::makeNameLine(const LayoutCard& card) {
+    QFont bold = font();
+    bold.setBold(true);
+    nameEditor_ = new NameEditor(qText(card.name), bold, QStringLiteral("Name of the layout"),
+                                 {.refusal = callbacks_.nameRefusal, .rename = callbacks_.rename});
+    auto* content = new QWidget;
+    auto* line = new QHBoxLayout(content);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(6);
+    line->addWidget(nameEditor_, 1);
+    if (card.isDefault) {
+        auto* badge = new Badge(QStringLiteral("Default"));
+        badge->setToolTip(QStringLiteral("Restored automatically on this display setup."));
+        line->addWidget(badge, 0, Qt::AlignTop);
+    }
+    if (card.shortcut) {
+        auto* badge = new Badge(qText(card.shortcut->displayString()));
+        badge->setToolTip(shortcutInWords(*card.shortcut));
+        badge->setAccessibleName(QStringLiteral("Shortcut %1").arg(shortcutInWords(*card.shortcut)));
+        line->addWidget(badge, 0, Qt::AlignTop);
+    }
+    return content;
+}
+
+QWidget* LayoutCardWidget::makeButtonLine(const LayoutCard& card) {
+    const QString name = qText(card.name);
+    const QString id = qText(card.id.text());
+    auto* restore = new QPushButton(QStringLiteral("Restore"));
+    restore->setObjectName(id + QStringLiteral("/restore"));
+    restore->setAccessibleName(QStringLiteral("Restore %1").arg(name));
+    connect(restore, &QPushButton::clicked, this, [this] { callbacks_.restore(); });
+    auto* update = new QPushButton(QStringLiteral("Update"));
+    update->setObjectName(id + QStringLiteral("/update"));
+    update->setAccessibleName(QStringLiteral("Update %1").arg(name));
+    update->setEnabled(card.canUpdate);
+    update->setToolTip(
+        card.canUpdate ? QStringLiteral("Replaces the saved windows by those that are open now.")
+                       : QStringLiteral("Only the layouts of the connected display setup can be updated."));
+    update->setAccessibleDescription(update->toolTip());
+    connect(update, &QPushButton::clicked, this, [this] { callbacks_.update(); });
+    auto* more = new QToolButton;
+    more->setObjectName(id + QStringLiteral("/more"));
+    more->setAccessibleName(QStringLiteral("More for %1").arg(name));
+    more->setToolTip(QStringLiteral("Rename, default, delete"));
+    more->setIcon(symbolIcon(QStringLiteral("ellipsis")));
+    more->setAutoRaise(true);
+    more->setFocusPolicy(Qt::StrongFocus);
+    more->setPopupMode(QToolButton::InstantPopup);
+    more->setMenu(menu_);
+    more->setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
+    nameEditor_->setFocusProxy(more);
+
+    auto* content = new QWidget;
+    auto* line = new QHBoxLayout(content);
+    line->setContentsMargins(0, 4, 0, 0);
+    line->setSpacing(8);
+    line->addWidget(restore);
+    line->addWidget(update);
+    line->addStretch(1);
+    line->addWidget(more);
+    return content;
+}
+
+void LayoutCardWidget::fillMenu(const LayoutCard& card) {
+    menu_->addAction(QStringLiteral("Rename"), this, [this] { nameEditor_->startEditing(); });
+    menu_->addAction(card.isDefault ? QStringLiteral("Do Not Restore Automatically")
+                                    : QStringLiteral("Make Default"),
+                     this, [this] { callbacks_.toggleDefault(); });
+    menu_->addSeparator();
+    menu_->addAction(QStringLiteral("Delete…"), this, [this] { callbacks_.askDelete(); });
+}
+
+void LayoutCardWidget::contextMenuEvent(QContextMenuEvent* event) {
+    menu_->popup(event->globalPos());
+}
+
+void LayoutCardWidget::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_F2:
+        return nameEditor_->startEditing();
+    case Qt::Key_Delete:
+        return callbacks_.askDelete();
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
+
+} // namespace tavrin

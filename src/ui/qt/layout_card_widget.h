@@ -1,0 +1,49 @@
+#pragma once
+
+#include "ui/layouts_pane_content.h"
+
+#include <QIcon>
+#include <QWidget>
+
+#include <functional>
+
+class QMenu;
+class QToolButton;
+class QVBoxLayout;
+
+namespace tavrin {
+
+class NameEditor;
+
+/// One layout: its picture, what there is to say about it, and what can be done with it.
+class LayoutCardWidget final : public QWidget {
+public:
+    struct Callbacks {
+        std::function<void()> restore;
+        std::function<void()> update;
+        std::function<void()> toggleDefault;
+        std::function<void()> askDelete;
+        std::function<std::optional<std::string>(const std::string&)> nameRefusal;
+        std::function<void(const std::string&)> rename;
+        std::function<QIcon(const std::string&)> iconOf;
+    };
+
+    LayoutCardWidget(const LayoutCard& card, Timestamp now, Callbacks callbacks);
+
+    NameEditor& nameEditor() { return *nameEditor_; }
+
+protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    QWidget* makeNameLine(const LayoutCard& card);
+    QWidget* makeButtonLine(const LayoutCard& card);
+    void fillMenu(const LayoutCard& card);
+
+    Callbacks callbacks_;
+    NameEditor* nameEditor_ = nullptr;
+    QMenu* menu_ = nullptr;
+};
+
+} // namespace tavrin

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QWidget>
+
+#include <functional>
+#include <optional>
+
+class QLabel;
+class QLineEdit;
+
+namespace tavrin {
+
+/// A name that can be changed where it stands. Return and leaving the field take the new name, Escape keeps
+/// the old one; a name that is refused keeps the field open with the reason under it.
+class NameEditor final : public QWidget {
+public:
+    struct Callbacks {
+        /// Why a name is refused; absent when it is fine.
+        std::function<std::optional<std::string>(const std::string&)> refusal;
+        std::function<void(const std::string&)> rename;
+    };
+
+    /// `what` names the field to a screen reader.
+    NameEditor(const QString& name, const QFont& font, const QString& what, Callbacks callbacks);
+
+    bool isEditing() const;
+    QString editedText() const;
+
+    /// Shows the field, with `text` in it (by default the name) and the focus.
+    void startEditing(const std::optional<QString>& text = {});
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+
+private:
+    enum class OnRefusal { keepEditing, discard };
+    void commit(OnRefusal onRefusal);
+    void stopEditing();
+    void showMessage();
+
+    QString name_;
+    Callbacks callbacks_;
+    QLabel* label_;
+    QLineEdit* field_;
+    QLabel* message_;
+};
+
+} // namespace tavrin

@@ -1,0 +1,185 @@
+#include "ui/qt/settings_group.h"
+
+#include "ui/qt/settings_style.h"
+#include "ui/qt/switch_control.h"
+#include "ui/qt/symbol_icon.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <vector>
+
+namespace tavrin {
+namespace {
+
+constexpr double cornerRadius = 9;
+constexpr int rowMargin = 14;
+
+QFont scaled(QFont font, double factor) {
+    if (font.pointSizeF() > 0)
+        font.setPointSizeF(font.pointSizeF() * factor);
+    else
+        font.setPixelSize(qRound(font.pixelSize() * factor));
+    return font;
+}
+
+class SwitchRow final : public QWidget {
+public:
+    explicit SwitchRow(SwitchControl* control) : control_(control) {}
+
+protected:
+    void mouseReleaseEvent(QMouseEvent* event) override {
+        if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()))
+            control_->click();
+    }
+
+private:
+    SwitchControl* control_;
+};
+
+void collectTabStops(const QLayout& layout, std::vector<QWidget*>& stops) {
+    for (int i = 0; i < layout.count(); ++i) {
+        QLayoutItem* item = layout.itemAt(i);
+        if (const QLayout* inner = item->layout())
+            collectTabStops(*inner, stops);
+        QWidget* widget = item->widget();
+        if (!widget)
+            continue;
+        if (widget->focusPolicy() & Qt::TabFocus)
+            stops.push_back(widget);
+        if (const QLayout* inner = widget->layout())
+            collectTabStops(*inner, stops);
+    }
+}
+
+void fillRow(QWidget& row, const QString& title, const QString& subtitle, QWidget* control) {
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(2);
+    auto* label = makeText(title);
+    texts->addWidget(label);
+    if (!subtitle.isEmpty())
+        texts->addWidget(makeText(subtitle, TextRole::secondary));
+    auto* line = new QHBoxLayout(&row);
+    setRowMargins(*line);
+    line->setSpacing(16);
+    line->addLayout(texts, 1);
+    if (control) {
+        // With a buddy an ampersand would mark a key.
+        label->setText(QString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
+        label->setBuddy(control);
+        if (!subtitle.isEmpty() && control->accessibleDescription().isEmpty())
+            control->setAccessibleDescription(subtitle);
+        line->addWidget(control, 0, Qt::AlignVCenter);
+    }
+}
+
+} // namespace
+
+SettingsGroup::SettingsGroup(QWidget* parent) : QWidget(parent), rows_(new QVBoxLayout(this)) {
+    rows_->setContentsMargins(1, 1, 1, 1);
+    rows_->setSpacing(1);
+}
+
+void SettingsGroup::addRow(QWidget* row) {
+    rows_->addWidget(row);
+    row->show();
+}
+
+void SettingsGroup::clear() {
+    while (QLayoutItem* item = rows_->takeAt(0)) {
+        // The row may be the one whose button is being clicked.
+        if (QWidget* row = item->widget()) {
+            row->hide();
+            row->deleteLater();
+        }
+        delete item;
+    }
+}
+
+void SettingsGroup::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(lineColor(palette()), 1));
+    painter.setBrush(groupColor(palette()));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    for (int i = 0; i + 1 < rows_->count(); ++i) {
+        const int y = rows_->itemAt(i)->geometry().bottom() + 1;
+        painter.fillRect(QRect(rowMargin, y, width() - 2 * rowMargin, 1), lineColor(palette()));
+    }
+}
+
+QLabel* makeText(const QString& text, TextRole role) {
+    auto* label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    if (role != TextRole::ordinary) {
+        QPalette palette = label->palette();
+        palette.setColor(QPalette::WindowText,
+                         role == TextRole::secondary ? secondaryTextColor(palette) : warningColor(palette));
+        label->setPalette(palette);
+    }
+    return label;
+}
+
+QLabel* makeSectionTitle(const QString& text) {
+    auto* label = makeText(text);
+    QFont font = label->font();
+    font.setBold(true);
+    label->setFont(font);
+    return label;
+}
+
+QLabel* makePaneTitle(const QString& text) {
+    auto* label = makeSectionTitle(text);
+    label->setFont(scaled(label->font(), 1.5));
+    return label;
+}
+
+QWidget* makeRow(const QString& title, const QString& subtitle, QWidget* control) {
+    auto* row = new QWidget;
+    fillRow(*row, title, subtitle, control);
+    return row;
+}
+
+QWidget* makeSwitchRow(const QString& title, const QString& subtitle, SwitchControl* control) {
+    auto* row = new SwitchRow(control);
+    fillRow(*row, title, subtitle, control);
+    return row;
+}
+
+QWidget* makeNoteRow(const QString& text) {
+    auto* row = new QWidget;
+    auto* line = new QHBoxLayout(row);
+    setRowMargins(*line);
+    line->addWidget(makeText(text, TextRole::secondary));
+    return row;
+}
+
+void setRowMargins(QLayout& layout) {
+    layout.setContentsMargins(rowMargin, 10, rowMargin, 10);
+}
+
+void addSection(QVBoxLayout& sections, const QString& title, const QString& explanation, QWidget* content) {
+    if (sections.count() > 0)
+        sections.addSpacing(22);
+    if (!title.isEmpty()) {
+        sections.addWidget(makeSectionTitle(title));
+        sections.addSpacing(explanation.isEmpty() ? 8 : 3);
+    }
+    if (!explanation.isEmpty()) {
+        sections.addWidget(makeText(explanation, TextRole::secondary));
+        sections.addSpacing(8);
+    }
+    sections.addWidget(content);
+}
+
+void followLayoutWithTab(QWidget& root) {
+    std::vector<QWidget*> stops;
+    if (const QLayout* layout = root.layout())
+        collectTabStops(*layout, stops);
+    for (std::size_t i = 1; i < stops.size(); ++i)
+        QWidget::setTabOrder(stops[i - 1], stops[i]);
+}
+
+} // namespace tavrin

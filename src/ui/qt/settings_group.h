@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QLabel>
+#include <QVBoxLayout>
+#include <QWidget>
+
+namespace tavrin {
+
+class SwitchControl;
+
+/// Rows in a rounded frame with lines between them.
+class SettingsGroup final : public QWidget {
+public:
+    explicit SettingsGroup(QWidget* parent = nullptr);
+
+    /// The group owns the row.
+    void addRow(QWidget* row);
+    /// Deletes all rows.
+    void clear();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QVBoxLayout* rows_;
+};
+
+/// A text that wraps, in the colour of ordinary or of less important text. Always shown as it is, never as
+/// markup.
+enum class TextRole { ordinary, secondary, warning };
+QLabel* makeText(const QString& text, TextRole role = TextRole::ordinary);
+
+/// The heading of a section, or of the whole pane.
+QLabel* makeSectionTitle(const QString& text);
+QLabel* makePaneTitle(const QString& text);
+
+/// A row: text (and a smaller one under it) at the start, `control` at the end. The text is the control's
+/// label; `control` may be null.
+QWidget* makeRow(const QString& title, const QString& subtitle, QWidget* control);
+
+/// As above with a switch that a click anywhere in the row turns.
+QWidget* makeSwitchRow(const QString& title, const QString& subtitle, SwitchControl* control);
+
+/// A row of nothing but a less important text.
+QWidget* makeNoteRow(const QString& text);
+
+/// The margins of a row's content.
+void setRowMargins(QLayout& layout);
+
+/// A section: its title, an explanation (may be empty) and its content.
+void addSection(QVBoxLayout& sections, const QString& title, const QString& explanation, QWidget* content);
+
+/// Makes Tab visit the controls in the order in which the layouts show them.
+void followLayoutWithTab(QWidget& root);
+
+} // namespace tavrin

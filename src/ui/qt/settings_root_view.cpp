@@ -1,0 +1,210 @@
+#include "ui/qt/settings_root_view.h"
+
+#include "ui/qt/advanced_pane_widget.h"
+#include "ui/qt/apps_pane_widget.h"
+#include "ui/qt/automation_settings_widget.h"
+#include "ui/qt/layouts_pane_widget.h"
+#include "ui/qt/settings_group.h"
+#include "ui/qt/settings_style.h"
+#include "ui/qt/shortcuts_pane_widget.h"
+#include "ui/qt/symbol_icon.h"
+
+#include <QListWidget>
+#include <QPainter>
+#include <QScrollArea>
+#include <QStyledItemDelegate>
+
+namespace tavrin {
+namespace {
+
+constexpr int contentWidth = 720; ///< lines that are longer are hard to read
+constexpr int sideMargin = 28;
+
+class SideListDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        const int width = option.fontMetrics.horizontalAdvance(index.data().toString());
+        return {width + iconSide(option) + 48, option.fontMetrics.height() * 9 / 4};
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        const bool isSelected = option.state & QStyle::State_Selected;
+        const QRectF row = QRectF(option.rect).adjusted(8, 2, -8, -2);
+        if (isSelected || option.state & QStyle::State_MouseOver) {
+            painter->setPen(Qt::NoPen);
+            painter->setBrush(isSelected ? option.palette.color(QPalette::Active, QPalette::Highlight)
+                                         : badgeColor(option.palette));
+            painter->drawRoundedRect(row, 6, 6);
+        }
+        const int side = iconSide(option);
+        const QRect iconPlace(qRound(row.left()) + 10, option.rect.center().y() - side / 2 + 1, side, side);
+        index.data(Qt::DecorationRole)
+            .value<QIcon>()
+            .paint(painter, iconPlace, Qt::AlignCenter, isSelected ? QIcon::Selected : QIcon::Normal);
+        painter->setPen(option.palette.color(QPalette::Active,
+                                             isSelected ? QPalette::HighlightedText : QPalette::WindowText));
+        painter->drawText(option.rect.adjusted(iconPlace.right() + 12, 0, -12, 0), Qt::AlignVCenter,
+                          index.data().toString());
+        painter->restore();
+    }
+
+private:
+    static int iconSide(const QStyleOptionViewItem& option) { return option.fontMetrics.height() * 5 / 4; }
+};
+
+std::unique_ptr<SettingsPaneWidget> makePane(SettingsPane pane, const SettingsCollaborators& collaborators) {
+    switch (pane) {
+    case SettingsPane::layouts:
+        return std::make_unique<LayoutsPaneWidget>(collaborators);
+    case SettingsPane::automation:
+        return std::make_unique<AutomationSettingsWidget>(collaborators);
+    case SettingsPane::shortcuts:
+        return std::make_unique<ShortcutsPaneWidget>(collaborators);
+    case SettingsPane::apps:
+        return std::make_unique<AppsPaneWidget>(collaborators);
+    case SettingsPane::advanced:
+        return std::make_unique<AdvancedPaneWidget>(collaborators);
+    }
+    return nullptr;
+}
+
+QString titleOf(SettingsPane pane) {
+    for (const SettingsPaneDescription& description : settingsPanes)
+        if (description.pane == pane)
+            return qText(description.title);
+    return {};
+}
+
+QWidget* makeHeader(SettingsPane pane, SettingsPaneWidget& widget) {
+    auto* header = new QWidget;
+    auto* line = new QHBoxLayout(header);
+    line->setContentsMargins(0, 0, 0, 0);
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(4);
+    texts->addWidget(makePaneTitle(titleOf(pane)));
+    if (const QString description = widget.description(); !description.isEmpty())
+        texts->addWidget(makeText(description, TextRole::secondary));
+    line->addLayout(texts, 1);
+    if (QWidget* control = widget.makeHeaderControl())
+        line->addWidget(control, 0, Qt::AlignTop);
+    return header;
+}
+
+} // namespace
+
+SettingsRootView::SettingsRootView(const SettingsCollaborators& collaborators, SettingsPane selectedPane,
+                                   SettingsWindowSurface::ResetNotice notice)
+    : collaborators_(collaborators), selectedPane_(selectedPane), sideList_(new QListWidget),
+      content_(new QVBoxLayout) {
+    buildSideList();
+    auto* line = new QFrame;
+    line->setFixedWidth(1);
+    line->setAutoFillBackground(true);
+    QPalette linePalette = line->palette();
+    linePalette.setColor(QPalette::Window, lineColor(palette()));
+    line->setPalette(linePalette);
+
+    auto* columns = new QHBoxLayout(this);
+    columns->setContentsMargins(0, 0, 0, 0);
+    columns->setSpacing(0);
+    auto* side = new QVBoxLayout;
+    side->setContentsMargins(0, 12, 0, 12);
+    side->addWidget(sideList_);
+    columns->addLayout(side);
+    columns->addWidget(line);
+    columns->addLayout(content_, 1);
+    content_->setContentsMargins(0, 0, 0, 0);
+    content_->setSpacing(0);
+    if (notice == SettingsWindowSurface::ResetNotice::shown)
+        content_->addWidget(makeNotice());
+    showPane();
+}
+
+void SettingsRootView::appear() {
+    pane_->appear();
+}
+
+void SettingsRootView::buildSideList() {
+    sideList_->setAccessibleName(QStringLiteral("Settings panes"));
+    sideList_->setItemDelegate(new SideListDelegate(sideList_));
+    sideList_->setFrameShape(QFrame::NoFrame);
+    sideList_->setMouseTracking(true);
+    sideList_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    sideList_->viewport()->setAutoFillBackground(false);
+    for (const SettingsPaneDescription& description : settingsPanes) {
+        auto* item = new QListWidgetItem(symbolIcon(qText(description.symbol)), qText(description.title));
+        item->setData(Qt::UserRole, static_cast<int>(description.pane));
+        sideList_->addItem(item);
+        if (description.pane == selectedPane_)
+            sideList_->setCurrentItem(item);
+    }
+    sideList_->setFixedWidth(std::max(180, sideList_->sizeHintForColumn(0) + 24));
+    connect(sideList_, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
+        if (!item)
+            return;
+        selectedPane_ = static_cast<SettingsPane>(item->data(Qt::UserRole).toInt());
+        showPane();
+    });
+    setFocusProxy(sideList_);
+}
+
+QWidget* SettingsRootView::makeNotice() {
+    auto* row = new QWidget;
+    auto* line = new QHBoxLayout(row);
+    setRowMargins(*line);
+    line->setSpacing(12);
+    auto* icon = new QLabel;
+    const int side = fontMetrics().height() * 5 / 4;
+    icon->setPixmap(
+        symbolIcon(QStringLiteral("info.circle.fill"), palette().color(QPalette::Active, QPalette::Highlight))
+            .pixmap(QSize(side, side), devicePixelRatioF()));
+    line->addWidget(icon, 0, Qt::AlignTop);
+    line->addWidget(makeText(QStringLiteral(
+                        "Beta data was reset on this launch. Profiles, layouts, and settings start fresh.")),
+                    1);
+    auto* group = new SettingsGroup;
+    group->addRow(row);
+    auto* notice = new QWidget;
+    auto* margins = new QVBoxLayout(notice);
+    margins->setContentsMargins(sideMargin, 18, sideMargin, 0);
+    margins->addWidget(group);
+    return notice;
+}
+
+void SettingsRootView::showPane() {
+    delete page_;
+    auto pane = makePane(selectedPane_, collaborators_);
+    pane_ = pane.get();
+
+    auto* column = new QWidget;
+    column->setMaximumWidth(contentWidth);
+    auto* rows = new QVBoxLayout(column);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(20);
+    rows->addWidget(makeHeader(selectedPane_, *pane));
+    rows->addWidget(pane.release(), 1);
+
+    auto* body = new QWidget;
+    auto* centring = new QHBoxLayout(body);
+    centring->setContentsMargins(sideMargin, 22, sideMargin, 26);
+    centring->addWidget(column);
+
+    auto* scrollArea = new QScrollArea;
+    scrollArea->setFrameShape(QFrame::NoFrame);
+    scrollArea->setWidgetResizable(true);
+    scrollArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scrollArea->setFocusPolicy(Qt::NoFocus);
+    scrollArea->setWidget(body);
+    scrollArea->viewport()->setAutoFillBackground(false);
+    body->setAutoFillBackground(false);
+    page_ = scrollArea;
+    content_->addWidget(page_, 1);
+    pane_->appear();
+}
+
+} // namespace tavrin

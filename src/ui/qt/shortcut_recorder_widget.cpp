@@ -1,0 +1,122 @@
+#include "ui/qt/shortcut_recorder_widget.h"
+
+#include "ui/qt/settings_group.h"
+#include "ui/qt/settings_pane_widget.h"
+#include "ui/qt/settings_style.h"
+#include "ui/qt/symbol_icon.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QToolButton>
+
+namespace tavrin {
+
+QSize RecorderField::sizeHint() const {
+    const int width = fontMetrics().horizontalAdvance(QStringLiteral("Press shortcut…")) + 36;
+    return {width, qRound(fontMetrics().height() * 1.75)};
+}
+
+void RecorderField::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        click();
+    else
+        QPushButton::keyPressEvent(event);
+}
+
+void RecorderField::focusOutEvent(QFocusEvent* event) {
+    view_.cancelRecording();
+    QPushButton::focusOutEvent(event);
+}
+
+void RecorderField::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const ShortcutRecorder& recorder = view_.recorder();
+    const QPalette& colors = palette();
+    constexpr double radius = 6;
+    painter.setPen(QPen(mixedColor(lineColor(colors), colors.color(QPalette::WindowText), 0.15), 1));
+    painter.setBrush(colors.base());
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    if (hasFocus() || recorder.isRecording())
+        drawFocusRing(painter, QRectF(rect()), radius, colors);
+    const bool isShortcut = recorder.combo() && !recorder.isRecording();
+    painter.setPen(isShortcut ? colors.color(QPalette::Text) : secondaryTextColor(colors));
+    painter.drawText(rect(), Qt::AlignCenter, text());
+}
+
+ShortcutRecorderRow::ShortcutRecorderRow(const QString& title, const QString& subtitle, const QString& owner,
+                                         ShortcutRecorderView& view)
+    : owner_(owner), view_(view), field_(new RecorderField(view)), clearButton_(new QToolButton),
+      message_(makeText({}, TextRole::warning)) {
+    clearButton_->setIcon(symbolIcon(QStringLiteral("xmark.circle")));
+    const int side = fontMetrics().height();
+    clearButton_->setIconSize({side, side});
+    clearButton_->setAutoRaise(true);
+    clearButton_->setFocusPolicy(Qt::StrongFocus);
+    clearButton_->setToolTip(QStringLiteral("Clear"));
+    clearButton_->setAccessibleName(QStringLiteral("Clear shortcut of %1").arg(owner));
+    QSizePolicy keepsItsPlace = clearButton_->sizePolicy();
+    keepsItsPlace.setRetainSizeWhenHidden(true);
+    clearButton_->setSizePolicy(keepsItsPlace);
+    message_->setAlignment(Qt::AlignRight);
+
+    connect(field_, &QPushButton::clicked, this, [this] {
+        field_->setFocus();
+        view_.startRecording();
+    });
+    connect(clearButton_, &QToolButton::clicked, this, [this] {
+        field_->setFocus();
+        view_.clear();
+    });
+
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(1);
+    texts->addWidget(makeText(title));
+    if (!subtitle.isEmpty())
+        texts->addWidget(makeText(subtitle, TextRole::secondary));
+    auto* line = new QHBoxLayout;
+    line->setSpacing(6);
+    line->addLayout(texts, 1);
+    line->addSpacing(10);
+    line->addWidget(field_, 0, Qt::AlignVCenter);
+    line->addWidget(clearButton_, 0, Qt::AlignVCenter);
+    auto* rows = new QVBoxLayout(this);
+    setRowMargins(*rows);
+    rows->setSpacing(6);
+    rows->addLayout(line);
+    rows->addWidget(message_);
+
+    subscription_ = view_.changed.connect([this] { showState(); });
+    showState();
+}
+
+void ShortcutRecorderRow::showState() {
+    const ShortcutRecorder& recorder = view_.recorder();
+    const QString words = recorder.combo() ? shortcutInWords(*recorder.combo()) : QStringLiteral("none");
+    const QString message = qText(recorder.validationMessage().value_or(""));
+    field_->setText(qText(recorder.text()));
+    field_->setToolTip(recorder.combo() ? words : QString());
+    field_->setAccessibleName(QStringLiteral("Shortcut of %1").arg(owner_));
+    field_->setAccessibleDescription(recorder.isRecording()
+                                         ? QStringLiteral("%1 %2").arg(qText(recorder.text()), message)
+                                         : QStringLiteral("%1 %2").arg(words, message));
+    field_->update();
+    clearButton_->setVisible(recorder.combo().has_value());
+    message_->setText(message);
+    message_->setVisible(!message.isEmpty());
+}
+
+QString shortcutInWords(const KeyCombo& combo) {
+    struct Name {
+        ModifierSet modifier;
+        const char* text;
+    };
+    QString words;
+    for (const Name& name : {Name{ModifierSet::control, "Ctrl+"}, Name{ModifierSet::option, "Alt+"},
+                             Name{ModifierSet::shift, "Shift+"}, Name{ModifierSet::command, "Super+"}})
+        if (combo.modifiers.contains(name.modifier))
+            words += QLatin1String(name.text);
+    return words + qText(KeyCombo::keyName(combo.keyCode));
+}
+
+} // namespace tavrin
