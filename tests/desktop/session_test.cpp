@@ -1,9 +1,9 @@
 #include "desktop_test.h"
+#include "support/desktop/embedding_panel.h"
 #include "support/desktop/login_manager.h"
+#include "support/desktop/mouse.h"
 #include "support/desktop/tavrin_program.h"
 
-#include <QDBusConnectionInterface>
-#include <QDBusServiceWatcher>
 #include <QJsonObject>
 #include <gmock/gmock.h>
 
@@ -88,7 +88,7 @@ TEST_F(SessionTest, TheMenuTellsTheStateItemByItem) {
 
     ASSERT_TRUE(program().openSaveForm());
     ASSERT_TRUE(desktop().keyboard().press(Keyboard::escapeKey));
-    ASSERT_TRUE(waitUntil([&] { return !program().hasForm(); }));
+    ASSERT_TRUE(waitUntil([&] { return !program().formArea(); }));
     EXPECT_EQ(program().menu(), "Current Display Setup\n"
                                 "2-Display Setup\n"
                                 "Exact display identity and arrangement match.\n"
@@ -219,18 +219,42 @@ TEST_F(SessionTest, ASecondCopyHandsOverAndAKilledOneLeavesNothingInTheWay) {
 
 TEST_F(SessionTest, ATrayThatAppearsLateOrRestartsGetsTheItem) {
     beginWith({.hasTray = false});
-    const QString name = "org.tavrin.Tavrin";
-    auto bus = desktop().sessionBus().connection();
-    QDBusServiceWatcher arrival(name, bus); // wakes the waiting below
-    ASSERT_TRUE(program().launch());
-    ASSERT_TRUE(waitUntil([&] { return bus.interface()->isServiceRegistered(name).value(); }));
+    ASSERT_TRUE(program().launch() && program().waitUntilRegistered());
     for (const auto* when : {"late", "restarted"}) {
         ASSERT_TRUE(tray().appear());
-        EXPECT_TRUE(tray().waitForItem()) << when;
-        EXPECT_THAT(program().menu(), HasSubstr("Quit Tavrin")) << when;
+        EXPECT_TRUE(waitUntil([&] {
+            return tray().hasItem() && program().menu().find("Quit Tavrin") != std::string::npos;
+        })) << when;
         tray().disappear();
     }
 }
+
+// Panels without a status area over the bus embed a window instead.
+class EmbeddingPanelTest : public SessionTest, public ::testing::WithParamInterface<bool> {};
+
+TEST_P(EmbeddingPanelTest, GetsTheIconAndAClickOpensTheMenu) {
+    const bool isPanelFirst = GetParam();
+    beginWith({.hasTray = false});
+    EmbeddingPanel panel(desktop().server().display().toStdString());
+    ASSERT_TRUE(!isPanelFirst || panel.appear());
+    ASSERT_TRUE(program().launch());
+    ASSERT_TRUE(isPanelFirst || (program().waitUntilRegistered() && panel.appear()));
+    const auto icon = panel.waitForIcon();
+    ASSERT_TRUE(icon);
+
+    Mouse mouse(desktop().x());
+    mouse.click(*icon, Mouse::Button::right);
+    ASSERT_TRUE(waitUntil([&] { return program().formArea().has_value(); })) << "the menu";
+    const Rect menu = *program().formArea();
+    constexpr double halfAnItem = 10;
+    mouse.click({menu.x, menu.maxY() - 2 * halfAnItem, menu.width, 2 * halfAnItem}); // the last item
+    EXPECT_EQ(program().process().waitForExit(), 0) << "\"Quit Tavrin\" was chosen";
+}
+
+std::string whichIsFirst(const ::testing::TestParamInfo<bool>& test) {
+    return test.param ? "PanelFirst" : "ProgramFirst";
+}
+INSTANTIATE_TEST_SUITE_P(Order, EmbeddingPanelTest, ::testing::Bool(), whichIsFirst);
 
 } // namespace
 

@@ -2,13 +2,13 @@
 
 #include "support/desktop/wait.h"
 
+#include <QDBusConnectionInterface>
+#include <QDBusServiceWatcher>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSaveFile>
-
-#include <algorithm>
 
 namespace tavrin::desktop {
 
@@ -38,6 +38,13 @@ bool TavrinProgram::start() {
     return true;
 }
 
+bool TavrinProgram::waitUntilRegistered() {
+    const QString name = "org.tavrin.Tavrin";
+    auto bus = desktop_.sessionBus().connection();
+    QDBusServiceWatcher arrival(name, bus); // wakes the waiting
+    return waitUntil([&] { return bus.interface()->isServiceRegistered(name).value(); });
+}
+
 std::string TavrinProgram::menu() {
     const auto items = desktop_.tray().openMenu();
     return items ? describe(*items) : std::string();
@@ -48,11 +55,13 @@ bool TavrinProgram::offers(const std::string& layout) {
     return items && titleOf(layout, *items);
 }
 
-bool TavrinProgram::hasForm() {
+std::optional<Rect> TavrinProgram::formArea() {
+    auto& windows = desktop_.windows();
     const auto pid = static_cast<std::uint32_t>(process_->pid());
-    return std::ranges::any_of(desktop_.windows().shown(), [&](xcb_window_t window) {
-        return desktop_.windows().processOf(window) == pid;
-    });
+    for (const auto window : windows.shown())
+        if (windows.processOf(window) == pid)
+            return windows.outermost(window);
+    return std::nullopt;
 }
 
 bool TavrinProgram::openSaveForm() {
@@ -62,7 +71,7 @@ bool TavrinProgram::openSaveForm() {
 
 bool TavrinProgram::saveLayout(const std::string& name) {
     return openSaveForm() && desktop_.keyboard().type(name) &&
-           desktop_.keyboard().press(Keyboard::returnKey) && waitUntil([this] { return !hasForm(); });
+           desktop_.keyboard().press(Keyboard::returnKey) && waitUntil([this] { return !formArea(); });
 }
 
 bool TavrinProgram::restoreLayout(const std::string& name) {

@@ -15,6 +15,8 @@ public:
     bool start();
     /// Starts it without waiting for anything.
     bool launch();
+    /// Waits until it runs as the one copy on this desktop, with or without a tray.
+    bool waitUntilRegistered();
     Process& process() { return *process_; }
 
     /// The whole menu as `describe` writes it; empty when the program does not answer.
@@ -26,7 +28,8 @@ public:
     bool saveLayout(const std::string& name);
     /// Opens the save form and waits until it has the keyboard.
     bool openSaveForm();
-    bool hasForm(); ///< a window of the program is on the screen
+    /// Where a window of the program is on the screen, as the form or its menu; root pixels.
+    std::optional<Rect> formArea();
 
     /// Chooses a layout of the present setup and waits until the icon tells the outcome.
     bool restoreLayout(const std::string& name);

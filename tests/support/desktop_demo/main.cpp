@@ -160,7 +160,7 @@ private:
         desktop_.keyboard().type(layoutName);
         picture("2-saving");
         desktop_.keyboard().press(Keyboard::returnKey);
-        if (!waitUntil([&] { return !program_.hasForm(); }) || !program_.offers(layoutName))
+        if (!waitUntil([&] { return !program_.formArea(); }) || !program_.offers(layoutName))
             return stopped("the layout was not saved");
         say("Saved through the menu's \"Save Layout…\" under the name \"{}\". The menu now reads:\n\n{}",
             layoutName, program_.menu());
