@@ -94,9 +94,9 @@ bool StatusMenu::chooseByKey(const QString& key) {
     if (key.isEmpty())
         return false;
     for (const MenuItem& item : items_) {
-        const bool isMeant = item.isEnabled && item.keyEquivalent &&
-                             item.keyEquivalent->modifiers == ModifierSet{} &&
-                             QString::fromStdString(item.keyEquivalent->key) == key;
+        const bool isMeant =
+            item.isEnabled && item.keyEquivalent && item.keyEquivalent->modifiers == ModifierSet{} &&
+            QString::fromStdString(item.keyEquivalent->key).compare(key, Qt::CaseInsensitive) == 0;
         if (isMeant) {
             const MenuItem copy = item;
             close();

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QApplication>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <ostream>
+
+QT_BEGIN_NAMESPACE
+inline void PrintTo(const QString& text, std::ostream* stream) {
+    *stream << '"' << text.toStdString() << '"';
+}
+QT_END_NAMESPACE
+
+namespace tavrin {
+
+/// The application object of the whole run, on a screen that nobody sees.
+class QtEnvironment final : public testing::Environment {
+public:
+    void SetUp() override {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        application_ = std::make_unique<QApplication>(count_, arguments_);
+    }
+    void TearDown() override { application_.reset(); }
+
+private:
+    int count_ = 1;
+    char name_[6] = "tests";
+    char* arguments_[2] = {name_, nullptr};
+    std::unique_ptr<QApplication> application_;
+};
+
+inline testing::Environment* const qtEnvironment = testing::AddGlobalTestEnvironment(new QtEnvironment);
+
+/// Handles events until `condition` holds. False when it does not within a time that no healthy run needs.
+inline bool waitUntil(const std::function<bool()>& condition,
+                      std::chrono::milliseconds limit = std::chrono::seconds(10)) {
+    bool isLate = false;
+    QTimer timer;
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, [&] { isLate = true; });
+    timer.start(limit);
+    while (!condition() && !isLate)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return condition();
+}
+
+/// Handles what is waiting, until a timer of no length that starts now has fired.
+inline void runEventLoopOnce() {
+    bool isDone = false;
+    QTimer::singleShot(0, [&] { isDone = true; });
+    waitUntil([&] { return isDone; });
+}
+
+} // namespace tavrin

@@ -1,0 +1,181 @@
+#include "platform/qt/icon_resources.h"
+#include "qt/qt_application.h"
+#include "ui/qt/popover_placement.h"
+#include "ui/qt/qt_save_popover.h"
+#include "ui/qt/save_popover_window.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLayout>
+#include <QLineEdit>
+#include <QPushButton>
+#include <gtest/gtest.h>
+
+namespace tavrin {
+namespace {
+
+TEST(PopoverPlacementTest, StandsBesideItsAnchorInsideTheScreen) {
+    const QRect screen(100, 0, 1000, 800);
+    const QRect withoutPanels = screen.adjusted(0, 30, 0, -30);
+    const QSize size(300, 200);
+    const struct {
+        const char* situation;
+        QRect anchor;
+        QPoint position;
+    } cases[] = {
+        {"panel at the top", {600, 4, 22, 22}, {460, 32}},
+        {"panel at the bottom", {600, 774, 22, 22}, {460, 568}},
+        {"corner of a panel at the bottom", {1070, 774, 22, 22}, {800, 568}},
+        {"panel at the left", {102, 400, 22, 22}, {130, 310}},
+        {"panel at the right", {1074, 400, 22, 22}, {768, 310}},
+        {"pointer in the upper half", {600, 200, 1, 1}, {450, 207}},
+        {"pointer in a corner", {100, 0, 1, 1}, {100, 30}},
+        {"anchor beyond the screen", {3000, 3000, 22, 22}, {800, 570}},
+    };
+    for (const auto& [situation, anchor, position] : cases)
+        EXPECT_EQ(popoverPosition(anchor, size, screen, withoutPanels), position) << situation;
+    EXPECT_EQ(popoverPosition({5, 5, 1, 1}, {500, 500}, {0, 0, 300, 300}, {0, 0, 300, 300}), QPoint(0, 0))
+        << "too large for its screen: the beginning is seen";
+}
+
+struct SavePopoverTest : testing::Test {
+    SavePopoverTest() {
+        registerIconResources();
+        open();
+    }
+
+    void open() {
+        view = std::make_shared<SaveLayoutPopoverView>(
+            std::vector<std::string>{"Work"}, [this](const std::string& name) { saved.push_back(name); },
+            [this] { ++cancelled; });
+        window.emplace(view, [] {});
+        window->show();
+        field = window->findChild<QLineEdit*>();
+        for (auto* button : window->findChildren<QPushButton*>())
+            (button->text() == "Save" ? saveButton : cancelButton) = button;
+    }
+
+    void press(QWidget* target, int key) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &event);
+    }
+
+    /// The texts that the form shows.
+    bool shows(const QString& text) {
+        for (const auto* label : window->findChildren<QLabel*>())
+            if (label->isVisible() && label->text() == text)
+                return true;
+        return false;
+    }
+
+    std::shared_ptr<SaveLayoutPopoverView> view;
+    std::optional<SavePopoverWindow> window;
+    QLineEdit* field = nullptr;
+    QPushButton* saveButton = nullptr;
+    QPushButton* cancelButton = nullptr;
+    std::vector<std::string> saved;
+    int cancelled = 0;
+};
+
+TEST_F(SavePopoverTest, SaysWhatWouldHappen) {
+    EXPECT_FALSE(saveButton->isEnabled());
+    EXPECT_TRUE(shows("Enter a name for this layout."));
+    field->setText("wORK ");
+    EXPECT_TRUE(saveButton->isEnabled());
+    EXPECT_TRUE(shows("Replaces existing layout"));
+    EXPECT_EQ(field->accessibleDescription(), "Replaces existing layout");
+    field->setText("Home");
+    EXPECT_TRUE(saveButton->isEnabled());
+    EXPECT_FALSE(shows("Replaces existing layout"));
+    field->setText(QString(1000, 'x'));
+    EXPECT_FALSE(saveButton->isEnabled());
+    EXPECT_TRUE(shows(QString::fromStdString(*view->errorMessage())));
+    EXPECT_EQ(saveButton->toolTip(), QString::fromStdString(*view->errorMessage()));
+}
+
+TEST_F(SavePopoverTest, ReturnSavesAndEscapeCancels) {
+    press(field, Qt::Key_Return);
+    EXPECT_TRUE(saved.empty()) << "nothing is typed yet";
+    field->setText("Desk");
+    press(field, Qt::Key_Return);
+    press(field, Qt::Key_Enter);
+    EXPECT_EQ(saved, (std::vector<std::string>{"Desk", "Desk"}));
+    saveButton->click();
+    EXPECT_EQ(saved.size(), 3u);
+    EXPECT_EQ(cancelled, 0);
+    press(field, Qt::Key_Escape);
+    cancelButton->click();
+    EXPECT_EQ(cancelled, 2);
+    EXPECT_EQ(saved.size(), 3u);
+}
+
+TEST_F(SavePopoverTest, ClipsNothingInAnyFontSize) {
+    EXPECT_EQ(window->size(), QSize(300, 200));
+    const QFont usual = QApplication::font();
+    for (int pointSize = 7; pointSize <= 24; ++pointSize) {
+        QFont font = usual;
+        font.setPointSize(pointSize);
+        QApplication::setFont(font);
+        open();
+        for (const QString& name : {QString(), QString("Work"), QString(1000, 'x')}) {
+            field->setText(name);
+            QCoreApplication::sendPostedEvents();
+            window->layout()->activate();
+            for (auto* widget : window->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+                if (!widget->isVisible())
+                    continue;
+                const int needed = widget->hasHeightForWidth() ? widget->heightForWidth(widget->width())
+                                                               : widget->minimumSizeHint().height();
+                EXPECT_GE(widget->height(), needed) << pointSize << widget->metaObject()->className();
+                EXPECT_TRUE(window->rect().contains(widget->geometry())) << pointSize;
+                for (auto* other : window->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+                    EXPECT_TRUE(other == widget || !other->isVisible() ||
+                                !other->geometry().intersects(widget->geometry()))
+                        << pointSize;
+            }
+        }
+    }
+    QApplication::setFont(usual);
+}
+
+struct Host : ApplicationHost {
+    void setActivationPolicy(ActivationPolicy) override {}
+    void activate() override { ++activations; }
+    void terminate() override {}
+    std::filesystem::path bundlePath() override { return {}; }
+    std::string shortVersion() override { return {}; }
+    int activations = 0;
+};
+
+TEST(QtSavePopoverTest, ShowsOneAtATimeAndMayBeClosedByItsOwnAnswer) {
+    registerIconResources();
+    Host host;
+    QtSavePopover popover(host, [] { return Rect{700, 2, 20, 20}; });
+    int cancelled = 0;
+    const auto windows = [] {
+        std::vector<QWidget*> visible;
+        for (auto* widget : QApplication::topLevelWidgets())
+            if (widget->isVisible() && widget->windowTitle() == "Save Layout")
+                visible.push_back(widget);
+        return visible;
+    };
+    for (int i = 0; i < 2; ++i)
+        popover.show(std::make_shared<SaveLayoutPopoverView>(
+            std::vector<std::string>{}, [](const std::string&) {},
+            [&] {
+                ++cancelled;
+                popover.close();
+            }));
+    EXPECT_EQ(host.activations, 2);
+    ASSERT_EQ(windows().size(), 1u);
+    EXPECT_EQ(windows().front()->pos().y(), 28);
+
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::sendEvent(windows().front(), &escape);
+    EXPECT_EQ(cancelled, 1);
+    EXPECT_TRUE(windows().empty());
+    runEventLoopOnce();
+}
+
+} // namespace
+} // namespace tavrin
