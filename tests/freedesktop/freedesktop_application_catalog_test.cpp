@@ -400,7 +400,9 @@ TEST_F(ApplicationCatalogTest, aNumberUsedAgainIsAnotherProcess) {
 
     const auto directory = std::to_string(pid);
     processes.files().write(directory + "/cmdline", "mousepad");
+    now += 1s;
     EXPECT_EQ(applications.identify(clues).bundleIdentifier, "org.kde.kate.desktop") << "the same process";
+    now += 1s;
     fs::remove(processes.files().path() / directory / "exe");
     processes.files().write(directory + "/stat", "100 (x) S 1 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 9999 0");
     EXPECT_EQ(applications.identify(clues).bundleIdentifier, "org.xfce.mousepad.desktop");

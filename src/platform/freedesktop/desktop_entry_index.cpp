@@ -93,16 +93,17 @@ DesktopEntryIndex::Stamp DesktopEntryIndex::stampOf(const fs::path& directory) {
             status.st_mtim.tv_sec * nanoseconds + status.st_mtim.tv_nsec};
 }
 
-void DesktopEntryIndex::refresh() {
+bool DesktopEntryIndex::refresh() {
     const auto now = clock_();
     if (checked_ && now - *checked_ < checkInterval_)
-        return;
+        return false;
     const bool isCurrent = checked_ && std::ranges::all_of(stamps_, [](const Stamp& stamp) {
                                return stamp == stampOf(stamp.path);
                            });
     checked_ = now;
     if (!isCurrent)
         read();
+    return true;
 }
 
 void DesktopEntryIndex::read() {

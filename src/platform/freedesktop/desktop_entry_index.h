@@ -24,8 +24,9 @@ public:
     DesktopEntryIndex(std::vector<std::filesystem::path> directories, std::vector<std::string> locales,
                       Seconds checkInterval = Seconds(1), Clock clock = std::chrono::steady_clock::now);
 
-    /// Reads the directories again when they have changed.
-    void refresh();
+    /// Reads the directories again when they have changed. True when the interval was over, so that it was
+    /// time to look.
+    bool refresh();
 
     /// All applications that are not hidden, by ID. An entry is hidden by one of the same ID in a better
     /// directory. Valid until the next `refresh`.

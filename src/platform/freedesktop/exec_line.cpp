@@ -3,7 +3,6 @@
 #include "platform/freedesktop/desktop_entry.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <filesystem>
 
@@ -80,44 +79,14 @@ std::string programOfCommand(const std::vector<std::string>& words) {
 }
 
 bool isInterpreter(std::string_view program) {
-    static constexpr std::array exact{"sh",
-                                      "bash",
-                                      "dash",
-                                      "zsh",
-                                      "fish",
-                                      "ksh",
-                                      "env",
-                                      "java",
-                                      "node",
-                                      "nodejs",
-                                      "mono",
-                                      "wine",
-                                      "wine64",
-                                      "gjs",
-                                      "ruby",
-                                      "lua",
-                                      "guile",
-                                      "php",
-                                      "electron",
-                                      "sudo",
-                                      "pkexec",
-                                      "gksu",
-                                      "kdesu",
-                                      "flatpak",
-                                      "snap",
-                                      "bwrap",
-                                      "xdg-open",
-                                      "gtk-launch",
-                                      "gio",
-                                      "nohup",
-                                      "setsid",
-                                      "systemd-run",
-                                      "dbus-launch",
-                                      "wine-preloader",
-                                      "wine64-preloader",
-                                      "ld-linux-x86-64.so.2"};
-    return std::ranges::find(exact, program) != exact.end() || program.starts_with("python") ||
-           program.starts_with("perl") || program.starts_with("tclsh") || program.starts_with("wish");
+    constexpr std::string_view names =
+        " sh bash dash zsh fish ksh env nohup setsid sudo pkexec gksu kdesu systemd-run dbus-launch "
+        " java node nodejs electron mono gjs ruby lua guile php ld-linux-x86-64.so.2 "
+        " wine wine64 wine-preloader wine64-preloader flatpak snap bwrap xdg-open gtk-launch gio ";
+    const bool isOneWord = !program.empty() && program.find(' ') == std::string_view::npos;
+    return (isOneWord && names.find(" " + std::string(program) + " ") != std::string_view::npos) ||
+           program.starts_with("python") || program.starts_with("perl") || program.starts_with("tclsh") ||
+           program.starts_with("wish");
 }
 
 std::string quotedExecWord(std::string_view word) {

@@ -51,7 +51,8 @@ FreedesktopApplicationCatalog::FreedesktopApplicationCatalog(DesktopEntryIndex i
     : index_(std::move(index)), procRoot_(std::move(procRoot)) {}
 
 void FreedesktopApplicationCatalog::refresh() {
-    index_.refresh();
+    if (index_.refresh())
+        ++round_;
     if (index_.generation() == answersGeneration_ && answers_.size() < maximumAnswers)
         return;
     answers_.clear();
@@ -60,15 +61,19 @@ void FreedesktopApplicationCatalog::refresh() {
 
 ApplicationIdentity FreedesktopApplicationCatalog::identify(const ApplicationClues& clues) {
     refresh();
-    Question question{
-        {clues.pid, clean(clues.applicationID), clean(clues.instanceName), clean(clues.className)}};
-    if (clues.pid)
-        question.processStartTime = processStartTime(procRoot_, *clues.pid).value_or(0);
-    const auto known = answers_.find(question);
-    if (known != answers_.end())
-        return known->second;
-    auto identity = find(question.clues);
-    answers_.emplace(std::move(question), identity);
+    ApplicationClues cleaned{clues.pid, clean(clues.applicationID), clean(clues.instanceName),
+                             clean(clues.className)};
+    const auto known = answers_.find(cleaned);
+    if (known != answers_.end() && known->second.round == round_)
+        return known->second.identity;
+
+    const auto startTime = clues.pid ? processStartTime(procRoot_, *clues.pid).value_or(0) : 0;
+    if (known != answers_.end() && known->second.processStartTime == startTime) {
+        known->second.round = round_;
+        return known->second.identity;
+    }
+    auto identity = find(cleaned);
+    answers_.insert_or_assign(std::move(cleaned), Answer{identity, startTime, round_});
     return identity;
 }
 

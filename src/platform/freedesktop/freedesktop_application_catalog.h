@@ -11,7 +11,8 @@ namespace tavrin {
 
 /// The applications that have a desktop entry. The bundle identifier is the desktop file ID, for example
 /// org.gnome.Nautilus.desktop; see `matchApplication` for how it is found. Without an entry it is the
-/// window class as instance.class, for example xterm.XTerm, and the name is the class.
+/// window class as instance.class, for example xterm.XTerm, and the name is the class. Answers are kept as
+/// long as the process and the installed applications stay; both are looked at at most once per second.
 class FreedesktopApplicationCatalog final : public ApplicationCatalog {
 public:
     /// What the environment says about directories and language is read once, here.
@@ -24,11 +25,10 @@ public:
     std::optional<std::string> iconName(const std::string& bundleIdentifier) override;
 
 private:
-    /// A number alone may come to name another process.
-    struct Question {
-        ApplicationClues clues;
-        std::uint64_t processStartTime = 0;
-        auto operator<=>(const Question&) const = default;
+    struct Answer {
+        ApplicationIdentity identity;
+        std::uint64_t processStartTime = 0; ///< tells whether the number still means the same process
+        std::uint64_t round = 0;            ///< when that was looked up last
     };
 
     void refresh();
@@ -36,7 +36,8 @@ private:
 
     DesktopEntryIndex index_;
     std::filesystem::path procRoot_;
-    std::map<Question, ApplicationIdentity> answers_;
+    std::map<ApplicationClues, Answer> answers_;
+    std::uint64_t round_ = 0; ///< grows as often as the index looks for changes
     std::uint64_t answersGeneration_ = 0;
 };
 
