@@ -202,6 +202,35 @@ TEST_F(SessionTest, WakingAndUnlockingRestoreWhenTheUserWantsIt) {
     EXPECT_EQ(seen(window()), saved) << "after unlocking";
 }
 
+TEST_F(SessionTest, AShortcutWorksWhileAnotherApplicationHasTheKeyboard) {
+    beginWith({});
+    ASSERT_TRUE(program().start());
+    const Rect saved{700, 300, 500, 400};
+    saveAndStray("Desk", saved);
+    ASSERT_TRUE(tray().choose({"Quit Tavrin"}));
+    ASSERT_EQ(program().process().waitForExit(), 0);
+
+    const auto layout = program().payload("layouts.json")[0]["id"].toString();
+    constexpr int keyR = 15, control = 0x40000;
+    QJsonObject settings;
+    for (const auto* trigger : {"Connect", "Disconnect", "Wake", "UnlockLogin"})
+        settings[QString("autoRestoreOn") + trigger] = false;
+    settings["layoutShortcuts"] =
+        QJsonObject{{layout, QJsonObject{{"keyCode", keyR}, {"modifiers", control}}}};
+    ASSERT_TRUE(program().setPayload("settings.json", settings));
+    ASSERT_TRUE(program().start());
+    EXPECT_THAT(program().menu(), HasSubstr("* Desk (auto) [Control+R]"));
+
+    windows().activate(window());
+    ASSERT_TRUE(waitUntil([&] {
+        const auto pid = windows().processWithKeyboard();
+        return pid != 0 && pid != program().process().pid();
+    }));
+    EXPECT_TRUE(desktop().keyboard().pressWith(Keyboard::controlKey, 'r'));
+    EXPECT_TRUE(program().waitForFeedback());
+    EXPECT_EQ(seen(window()), saved);
+}
+
 TEST_F(SessionTest, ASecondCopyHandsOverAndAKilledOneLeavesNothingInTheWay) {
     beginWith({});
     ASSERT_TRUE(program().start());
