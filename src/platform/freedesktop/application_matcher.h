@@ -13,11 +13,11 @@ namespace tavrin {
 /// 2. The Flatpak that the process lives in; of several entries of it the one that fits the window class.
 /// 3. The window class: against StartupWMClass, then the name of the entry, then the last part of a name
 ///    such as org.gnome.Nautilus, then the program that Exec starts; at each step the instance before the
-///    class, since web applications share the class of their browser. Of entries that fit
-///    equally well those of a Flatpak stand back when the process is in none, then the process's own
-///    program counts, then one that menus show wins, then one that starts its program without arguments,
-///    then the first by name. But when the application that the session manager or snap started
-///    the process as fits the window class in any way, it is the one.
+///    class, since web applications share the class of their browser. Of entries that fit equally well
+///    those of a Flatpak stand back when the process is in none, then the process's own program counts,
+///    then one that menus show wins, then one that starts its program without arguments, then the first by
+///    name. But when the application that the session manager or snap started the process as fits the
+///    window class in any way, it is the one.
 /// 4. The program of the process against the program that Exec starts.
 /// 5. The application that the process was started as.
 ///

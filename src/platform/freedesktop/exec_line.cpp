@@ -90,8 +90,11 @@ bool isInterpreter(std::string_view program) {
 }
 
 std::string quotedExecWord(std::string_view word) {
-    constexpr std::string_view reserved = " \t\n\"'\\><~|&;$*?#()`";
-    const bool needsQuotes = word.empty() || word.find_first_of(reserved) != std::string_view::npos;
+    const bool needsQuotes =
+        word.empty() || !std::ranges::all_of(word, [](unsigned char c) {
+            return std::isalnum(c) || c >= 0x80 ||
+                   std::string_view("/._-+,:@%=").find(static_cast<char>(c)) != std::string_view::npos;
+        });
     std::string quoted;
     for (const char c : word) {
         if (escapedInQuotes.find(c) != std::string_view::npos)
