@@ -18,4 +18,11 @@ void SettingsWindowController::show(SettingsPane pane) {
     host_.activate();
 }
 
+void SettingsWindowController::bringForward() {
+    if (window_.isOpen())
+        host_.activate();
+    else
+        show(selectedPane_);
+}
+
 } // namespace tavrin

@@ -16,9 +16,8 @@ public:
     /// Opens the window on that pane or brings it forward.
     void show(SettingsPane pane);
 
-    /// Brings an open window forward or opens it on the pane it showed last; for a second start of the
-    /// program.
-    void bringForward() { show(selectedPane_); }
+    /// For a second start of the program: brings an open window forward as it is, or opens it.
+    void bringForward();
 
 private:
     SettingsWindowSurface& window_;

@@ -264,6 +264,11 @@ TEST_F(StatusItemTest, LeadsToTheRest) {
     item.chosen(MenuAction::openAccessibilitySettings, {});
     item.chosen(MenuAction::quit, {});
     EXPECT_EQ(host.log, "regular window0! activate accessory regular window0! activate help terminate ");
+    host.log.clear();
+    settingsWindow.bringForward();
+    host.open = true;
+    settingsWindow.bringForward();
+    EXPECT_EQ(host.log, "regular window0! activate activate ") << "an open window stays as it is";
     permission.state = AccessibilityPermissionState::denied;
     item.chosen(MenuAction::recheckPermission, {});
     permission.state = AccessibilityPermissionState::granted;

@@ -61,6 +61,8 @@ struct FakeHost : ApplicationHost, LinkOpener, SettingsWindowSurface {
     void show(SettingsPane pane, ResetNotice notice) override {
         log += fmt::format("window{}{} ", static_cast<int>(pane), notice == ResetNotice::shown ? "!" : "");
     }
+    bool open = false;
+    bool isOpen() override { return open; }
     void setOnClose(std::function<void()> onClose) override { closed = std::move(onClose); }
 };
 
@@ -99,6 +101,7 @@ struct FakeInterface : UserInterfaceFactory {
             SettingsWindowSurface& target;
             explicit Window(SettingsWindowSurface& surface) : target(surface) {}
             void show(SettingsPane pane, ResetNotice notice) override { target.show(pane, notice); }
+            bool isOpen() override { return target.isOpen(); }
             void setOnClose(std::function<void()> onClose) override { target.setOnClose(std::move(onClose)); }
         };
         collaborators.emplace(made);

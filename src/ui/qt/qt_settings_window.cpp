@@ -13,6 +13,10 @@ void QtSettingsWindow::show(SettingsPane pane, ResetNotice notice) {
     window_->open(pane, notice);
 }
 
+bool QtSettingsWindow::isOpen() {
+    return window_->isVisible();
+}
+
 void QtSettingsWindow::setOnClose(std::function<void()> onClose) {
     window_->onClose = std::move(onClose);
 }

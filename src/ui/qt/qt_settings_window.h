@@ -16,6 +16,7 @@ public:
     ~QtSettingsWindow() override;
 
     void show(SettingsPane pane, ResetNotice notice) override;
+    bool isOpen() override;
     void setOnClose(std::function<void()> onClose) override;
 
 private:
