@@ -31,6 +31,11 @@ StatusNotifierHosts::StatusNotifierHosts(std::function<void(Presence)> changed)
 }
 
 void StatusNotifierHosts::ask() {
+    if (!QDBusConnection::sessionBus().isConnected()) {
+        // Nobody would ever answer.
+        report(Presence::absent);
+        return;
+    }
     const auto question = ++question_;
     auto message = QDBusMessage::createMethodCall(
         QString::fromLatin1(watcherService), QString::fromLatin1(watcherPath),
