@@ -17,11 +17,13 @@ QT_END_NAMESPACE
 
 namespace tavrin {
 
-/// The application object of the whole run, on a screen that nobody sees.
+/// The application object of the whole run, on a screen that nobody sees and without a session bus.
 class QtEnvironment final : public testing::Environment {
 public:
     void SetUp() override {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+        // No test may meet the panel of whoever runs it.
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
         application_ = std::make_unique<QApplication>(count_, arguments_);
     }
     void TearDown() override { application_.reset(); }
