@@ -74,11 +74,16 @@ std::optional<Timestamp> parseIso8601(std::string_view text) {
     const auto offset = parseOffset(text);
     const year_month_day date{year{*yearValue}, month{static_cast<unsigned>(*monthValue)},
                               day{static_cast<unsigned>(*dayValue)}};
-    // Years beyond these do not fit the clock's range of nanoseconds around 1970.
-    if (!offset || !date.ok() || *yearValue < 1678 || *yearValue > 2261 || *hourValue > 23 ||
-        *minuteValue > 59 || *secondValue > 59)
+    if (!offset || !date.ok() || *hourValue > 23 || *minuteValue > 59 || *secondValue > 59)
         return std::nullopt;
-    return sys_days{date} + hours{*hourValue} + minutes{*minuteValue} + seconds{*secondValue} - *offset;
+    const auto time =
+        sys_days{date} + hours{*hourValue} + minutes{*minuteValue} + seconds{*secondValue} - *offset;
+    // Years beyond these do not fit the clock's range of nanoseconds around 1970. It is the year in UTC that
+    // counts, because that is what is written.
+    const year_month_day written{floor<days>(time)};
+    if (written.year() < year{1678} || written.year() > year{2261})
+        return std::nullopt;
+    return time;
 }
 
 } // namespace tavrin
