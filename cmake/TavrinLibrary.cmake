@@ -1,7 +1,7 @@
 add_library(tavrin_compiler_settings INTERFACE)
 target_include_directories(tavrin_compiler_settings INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(tavrin_compiler_settings INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow=local -Wnon-virtual-dtor -Woverloaded-virtual)
+    -Wall -Wextra -Wpedantic $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local> -Wnon-virtual-dtor -Woverloaded-virtual)
 # Designated initialisers leave members at their defaults on purpose.
 target_compile_options(tavrin_compiler_settings INTERFACE -Wno-missing-field-initializers)
 if(TAVRIN_WERROR)
@@ -10,6 +10,11 @@ endif()
 if(TAVRIN_SANITIZE)
     target_compile_options(tavrin_compiler_settings INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(tavrin_compiler_settings INTERFACE -fsanitize=address,undefined)
+endif()
+if(TAVRIN_FUZZ)
+    target_compile_options(tavrin_compiler_settings INTERFACE
+        -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(tavrin_compiler_settings INTERFACE -fsanitize=address,undefined)
 endif()
 

@@ -1,0 +1,8 @@
+#include "data_file_laws.h"
+#include "records/saved_layout.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace tavrin;
+    fuzz::checkDataFile<std::vector<SavedLayout>>(fuzz::textOf(data, size));
+    return 0;
+}
