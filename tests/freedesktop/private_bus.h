@@ -9,9 +9,11 @@
 #include <QDBusVirtualObject>
 #include <QProcess>
 
+#include <csignal>
 #include <functional>
 #include <map>
 #include <string>
+#include <sys/prctl.h>
 #include <vector>
 
 namespace tavrin {
@@ -29,6 +31,8 @@ public:
     ~PrivateBus() { stop(); }
 
     void start() {
+        // No bus stays behind, not even when the test crashes.
+        daemon_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
         daemon_.start("dbus-daemon",
                       {"--nofork", "--nosyslog", "--print-address=1",
                        "--config-file=" + QString::fromStdString((directory_.path() / "bus.conf"))});
