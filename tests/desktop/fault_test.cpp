@@ -1,0 +1,243 @@
+#include "desktop_test.h"
+#include "support/desktop/tavrin_program.h"
+
+#include <QDBusConnectionInterface>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <random>
+#include <sys/socket.h>
+
+namespace tavrin::desktop {
+
+namespace {
+
+using ::testing::HasSubstr;
+
+const Rect display{0, 0, 1920, 1080};
+
+/// Whatever the desktop does to the program, it goes on, or says why it cannot.
+class FaultTest : public DesktopTest {
+protected:
+    void beginWith(Desktop::Options options = {}) {
+        begin(std::move(options));
+        program_ = std::make_unique<TavrinProgram>(desktop());
+    }
+
+    void startAll() {
+        beginWith();
+        ASSERT_TRUE(program().start());
+        client_ = desktop().startClient();
+    }
+
+    TavrinProgram& program() { return *program_; }
+    TestClient& client() { return *client_; }
+
+    xcb_window_t open(const std::string& title, const Rect& frame) {
+        const auto window = client().open({.title = title, .frame = frame});
+        EXPECT_TRUE(window) << title;
+        return window.value_or(XCB_NONE);
+    }
+
+    /// Has the window manager move a window, without waiting for it.
+    void tell(xcb_window_t window, const Rect& frame) {
+        const auto number = [](double value) { return static_cast<std::uint32_t>(value); };
+        constexpr std::uint32_t northWest = 1, allParts = 0xf00, fromPager = 2 << 12;
+        desktop().x().askWindowManager(window, "_NET_MOVERESIZE_WINDOW",
+                                       {northWest | allParts | fromPager, number(frame.x), number(frame.y),
+                                        number(frame.width), number(frame.height)});
+    }
+
+    /// It still answers, and a window that strays comes back.
+    void expectStillAtWork() {
+        const auto window = client().open({.applicationClass = "Probe", .title = "probe"});
+        const Rect place{700, 500, 420, 330};
+        ASSERT_TRUE(window && windows().place(*window, place));
+        ASSERT_TRUE(program().process().isRunning());
+        ASSERT_TRUE(program().saveLayout("Probe"));
+        ASSERT_TRUE(windows().place(*window, {60, 80, 300, 260}));
+        ASSERT_TRUE(program().restoreLayout("Probe"));
+        EXPECT_EQ(seen(*window), place);
+    }
+
+    std::string programLog() {
+        QFile log(desktop().log("tavrin"));
+        return log.open(QIODevice::ReadOnly) ? log.readAll().toStdString() : std::string();
+    }
+
+    void TearDown() override {
+        DesktopTest::TearDown();
+        client_.reset();
+        program_.reset();
+    }
+
+private:
+    std::unique_ptr<TavrinProgram> program_;
+    std::unique_ptr<TestClient> client_;
+};
+
+TEST_F(FaultTest, WindowsThatComeAndGoDuringRestoresDoNoHarm) {
+    startAll();
+    std::vector<xcb_window_t> open;
+    for (int i = 0; i < 12; ++i)
+        open.push_back(this->open("window " + std::to_string(i), {40.0 + 90 * i, 60.0 + 40 * i, 320, 240}));
+    ASSERT_TRUE(program().saveLayout("Busy"));
+    std::mt19937 random(7);
+    for (int round = 0; round < 40; ++round) {
+        for (const auto window : open)
+            tell(window, {double(random() % 1200), double(random() % 700), 300, 200});
+        // The menu's choice is on its way while the windows change.
+        ASSERT_TRUE(tray().choose({"Busy"})) << round;
+        for (int change = 0; change < 5; ++change) {
+            auto& window = open[random() % open.size()];
+            switch (random() % 3) {
+            case 0:
+                client().destroy(window);
+                window = this->open("window " + std::to_string(random() % 12), {200, 200, 320, 240});
+                break;
+            case 1:
+                client().retitle(window, "renamed " + std::to_string(round));
+                break;
+            default:
+                client().vanishOnMove({window});
+            }
+        }
+    }
+    expectStillAtWork();
+}
+
+TEST_F(FaultTest, TitlesOfEveryKindAreSavedAndRestored) {
+    startAll();
+    const std::vector<std::string> titles{
+        std::string(1 << 20, 'm'),
+        "invalid \xff\xfe\xc3( \xed\xa0\x80 text",
+        "\xd7\xa9\xd7\x9c\xd7\x95\xd7\x9d \xe2\x80\xae reversed \xe2\x80\xac",
+        "bell\a escape\x1b[31m delete\x7f",
+        "{\"payload\": \"\\u0000\"}",
+        "a\xcc\x81\xcc\x81\xcc\x81\xcc\x81 \xf0\x9f\x91\xa9\xe2\x80\x8d\xf0\x9f\x91\xa9",
+    };
+    std::vector<xcb_window_t> all;
+    std::vector<Rect> saved;
+    for (std::size_t i = 0; i < titles.size(); ++i) {
+        const Rect place{50.0 + 250 * double(i), 100.0 + 60 * double(i), 240, 180};
+        all.push_back(open("plain", place));
+        ASSERT_TRUE(client().retitle(all.back(), titles[i]));
+        ASSERT_TRUE(windows().place(all.back(), place));
+        saved.push_back(place);
+    }
+    ASSERT_TRUE(program().saveLayout("Odd"));
+    for (const auto window : all)
+        ASSERT_TRUE(windows().place(window, {300, 300, 300, 200}));
+    ASSERT_TRUE(program().restoreLayout("Odd"));
+    for (std::size_t i = 0; i < all.size(); ++i)
+        EXPECT_EQ(seen(all[i]), saved[i]) << "title " << i;
+    for (const QJsonValue entry : program().payload("layouts.json")[0]["entries"].toArray())
+        EXPECT_LE(entry["windowTitle"].toString().toUtf8().size(), 1024);
+}
+
+TEST_F(FaultTest, FiveHundredWindowsAreSavedAndRestored) {
+    startAll();
+    std::vector<xcb_window_t> all;
+    std::vector<Rect> saved;
+    for (int i = 0; i < 500; ++i)
+        all.push_back(open("window " + std::to_string(i),
+                           {10.0 + (i * 37) % 1500, 30.0 + (i * 53) % 700, 200.0 + i % 90, 150.0 + i % 60}));
+    for (const auto window : all)
+        saved.push_back(seen(window));
+    ASSERT_TRUE(program().saveLayout("Many"));
+    for (const auto window : all)
+        tell(window, {400, 300, 250, 200});
+    ASSERT_TRUE(waitUntil([&] { return seen(all.back()).x == 400; }));
+    ASSERT_TRUE(program().restoreLayout("Many"));
+    for (std::size_t i = 0; i < all.size(); ++i)
+        ASSERT_TRUE(waitUntil([&] { return seen(all[i]) == saved[i]; })) << i;
+}
+
+TEST_F(FaultTest, AnotherWindowManagerTakesOverDuringUse) {
+    startAll();
+    const Rect place{300, 200, 500, 400};
+    const auto window = open("editor", place);
+    ASSERT_TRUE(windows().place(window, place));
+    ASSERT_TRUE(program().saveLayout("Work"));
+    desktop().stopWindowManager();
+    ASSERT_TRUE(waitUntil([&] { return program().menu().find("Accessibility") != std::string::npos; }));
+    qputenv("TAVRIN_TEST_WM", "xfwm4");
+    const bool isStarted = desktop().startWindowManager();
+    qunsetenv("TAVRIN_TEST_WM");
+    ASSERT_TRUE(isStarted && windows().waitUntilManaged(window));
+    ASSERT_TRUE(waitUntil([&] { return program().offers("Work"); }));
+    ASSERT_TRUE(windows().place(window, {50, 60, 300, 250}));
+    ASSERT_TRUE(program().restoreLayout("Work"));
+    EXPECT_EQ(seen(window), place);
+}
+
+TEST_F(FaultTest, ALostServerEndsTheProgramWithAMessage) {
+    startAll();
+    open("editor", {100, 100, 300, 200});
+    ASSERT_TRUE(program().menu().size() > 0);
+    ucred server{};
+    socklen_t size = sizeof server;
+    ASSERT_EQ(
+        ::getsockopt(xcb_get_file_descriptor(desktop().x().raw()), SOL_SOCKET, SO_PEERCRED, &server, &size),
+        0);
+    ASSERT_GT(server.pid, 1);
+    ASSERT_EQ(::kill(server.pid, SIGKILL), 0);
+    const auto status = program().process().waitForExit();
+    ASSERT_TRUE(status) << "crashed, or went on without a screen";
+    EXPECT_NE(*status, 0);
+    EXPECT_THAT(programLog(), HasSubstr("tavrin: the connection to the X server is lost"));
+}
+
+TEST_F(FaultTest, WithoutAnyBusItRunsOnAndSaysSo) {
+    begin({.hasTray = false});
+    auto environment = desktop().environment();
+    environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere/session");
+    environment.insert("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/system");
+    Process program;
+    ASSERT_TRUE(program.start(
+        "sh", {"-c", "exec " + qEnvironmentVariable("TAVRIN_PROGRAM", TAVRIN_PROGRAM_PATH) + " 2>&1"},
+        environment, desktop().log("tavrin"), Process::Output::readHere));
+    std::optional<std::string> line;
+    do
+        line = program.readLine();
+    while (line && line->find("no status area") == std::string::npos);
+    EXPECT_TRUE(line) << "said nothing";
+    EXPECT_TRUE(program.isRunning());
+}
+
+TEST_F(FaultTest, ASessionBusThatEndsDoesNotEndTheProgram) {
+    startAll();
+    auto bus = desktop().sessionBus().connection();
+    const auto daemon = bus.interface()->servicePid("org.freedesktop.DBus").value();
+    ASSERT_GT(daemon, 1u);
+    ASSERT_EQ(::kill(static_cast<pid_t>(daemon), SIGKILL), 0);
+    EXPECT_FALSE(waitUntil([&] { return !program().process().isRunning(); }, std::chrono::milliseconds(2000)))
+        << programLog();
+}
+
+TEST_F(FaultTest, AStormOfDisplayChangesGivesOneSequence) {
+    startAll();
+    const Rect place{300, 200, 500, 400};
+    const auto window = open("editor", place);
+    ASSERT_TRUE(windows().place(window, place));
+    ASSERT_TRUE(program().saveLayout("Work") && program().makeDefault("Work"));
+    ASSERT_TRUE(windows().place(window, {50, 60, 300, 250}));
+    ASSERT_TRUE(program().waitForRest());
+    const int before = tray().iconChanges();
+    for (int i = 0; i < 100; ++i) {
+        ASSERT_TRUE(outputs().plug(1, {1920, 0, 1280, 1024}));
+        ASSERT_TRUE(outputs().unplug(1));
+    }
+    EXPECT_TRUE(program().waitForFeedback());
+    EXPECT_TRUE(program().waitForRest());
+    EXPECT_EQ(seen(window), place);
+    EXPECT_FALSE(
+        waitUntil([&] { return tray().iconChanges() - before > 2; }, std::chrono::milliseconds(6000)));
+}
+
+} // namespace
+
+} // namespace tavrin::desktop
