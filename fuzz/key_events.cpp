@@ -39,8 +39,12 @@ KeyboardModifiers anyModifiers(FuzzedDataProvider& input) {
 /// The keyboard and the shortcuts, with everything a person and the server can do to them.
 class Session {
 public:
-    explicit Session(FuzzedDataProvider& input)
-        : positions_(anyKeyboard(input)), modifiers_(anyModifiers(input)), manager_(store_, monitors_, time_),
+    /// With `Disk::unreadable` shortcuts live in memory alone, which saves most of the time.
+    enum class Disk { usual, unreadable };
+
+    explicit Session(FuzzedDataProvider& input, Disk disk)
+        : files_(filesOf(disk)), positions_(anyKeyboard(input)), modifiers_(anyModifiers(input)),
+          manager_(store_, monitors_, time_),
           recorder_(
               {}, [this](std::optional<KeyCombo> combo) { manager_.setAutoDetectShortcut(combo); },
               [this](const KeyCombo& combo) { return checker_.conflictMessage(combo, {}); }) {
@@ -82,6 +86,8 @@ public:
     }
 
     void finish() {
+        if (!files_.failing.empty())
+            return;
         fuzz::require(store_.load().has_value(), "settings that cannot be read again");
         const ShortcutManager nextStart(store_, monitors_, time_);
         fuzz::require(nextStart.layoutShortcuts.value() == manager_.layoutShortcuts.value() &&
@@ -90,6 +96,15 @@ public:
     }
 
 private:
+    static tavrin::testing::FakeFileSystem filesOf(Disk disk) {
+        tavrin::testing::FakeFileSystem files;
+        if (disk == Disk::unreadable) {
+            files.files["/data/settings.json"];
+            files.failing = {"read"};
+        }
+        return files;
+    }
+
     void press(FuzzedDataProvider& input) {
         HeldKeys::DownKeys down{};
         input.ConsumeData(down.data(), down.size() / 8);
@@ -140,7 +155,8 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     FuzzedDataProvider input(data, size);
-    Session session(input);
+    const bool isStored = input.ConsumeIntegralInRange(0, 15) == 0;
+    Session session(input, isStored ? Session::Disk::usual : Session::Disk::unreadable);
     for (int i = 0; i < 32 && input.remaining_bytes() > 0; ++i)
         session.step(input);
     session.finish();
