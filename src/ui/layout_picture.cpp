@@ -37,9 +37,9 @@ double primaryHeight(const std::vector<SavedDisplay>& displays,
     double lowest = 0;
     double highest = largestPanel * primary.height;
     for (const SavedLayoutEntry& entry : entries) {
-        const double middle = entry.frame.x + entry.frame.width / 2;
-        if (!isDrawable(entry.frame) || middle < primary.minX() || middle > primary.maxX() ||
-            entry.frame.y > primary.height)
+        const Point middle{entry.frame.x + entry.frame.width / 2, entry.frame.y + entry.frame.height / 2};
+        if (!isDrawable(entry.frame) || middle.x < primary.minX() || middle.x > primary.maxX() ||
+            middle.y < 0 || middle.y > primary.height)
             continue;
         lowest = std::max(lowest, entry.frame.maxY() - primary.height);
         highest = std::min(highest, std::max(entry.frame.y, 0.0));

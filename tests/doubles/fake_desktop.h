@@ -14,7 +14,9 @@
 #include "ports/window_elements.h"
 #include "ports/window_list_providing.h"
 
+#include <algorithm>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -93,15 +95,26 @@ struct FakeEvents : SystemEvents {
     std::size_t observerCount(SystemEvent event) { return signals[event].connectionCount(); }
 };
 
+/// The local monitors are asked in the order in which they were added.
 struct FakeKeys : KeyMonitors {
+    using LocalHandler = std::function<bool(const KeyEvent&)>;
+    struct LocalMonitors {
+        std::vector<std::shared_ptr<LocalHandler>> handlers;
+        explicit operator bool() const { return !handlers.empty(); }
+        bool operator()(const KeyEvent& event) const {
+            const auto asked = handlers;
+            return std::ranges::any_of(asked, [&](const auto& handler) { return (*handler)(event); });
+        }
+    };
     Signal<KeyEvent> global;
-    std::function<bool(const KeyEvent&)> local;
+    LocalMonitors local;
     Token addGlobalMonitor(std::function<void(const KeyEvent&)> handler) override {
         return global.connect(std::move(handler));
     }
-    Token addLocalMonitor(std::function<bool(const KeyEvent&)> handler) override {
-        local = std::move(handler);
-        return Token([this] { local = nullptr; });
+    Token addLocalMonitor(LocalHandler handler) override {
+        auto added = std::make_shared<LocalHandler>(std::move(handler));
+        local.handlers.push_back(added);
+        return Token([this, added] { std::erase(local.handlers, added); });
     }
 };
 

@@ -13,7 +13,12 @@
 namespace tavrin {
 namespace {
 
-/// The window that shall get the focus: a dialog before the window under it.
+/// How much a window is to be in front: a dialog more than the window under it, even one in use.
+int rank(const QWidget& widget) {
+    return (widget.windowType() != Qt::Window ? 2 : 0) + (widget.isActiveWindow() ? 1 : 0);
+}
+
+/// The window that shall get the focus.
 QWidget* frontWindow() {
     if (QWidget* modal = QApplication::activeModalWidget())
         return modal;
@@ -23,7 +28,7 @@ QWidget* frontWindow() {
         const bool takesFocus = type == Qt::Window || type == Qt::Dialog || type == Qt::Tool;
         if (!widget->isVisible() || !takesFocus)
             continue;
-        if (!front || widget->isActiveWindow() || (type != Qt::Window && front->windowType() == Qt::Window))
+        if (!front || rank(*widget) > rank(*front))
             front = widget;
     }
     return front;

@@ -78,7 +78,7 @@ void AdvancedPaneWidget::buildPermission() {
     texts->addWidget(permissionTitle_);
     texts->addWidget(permissionMessage_);
     line->addLayout(texts, 1);
-    auto* recheck = new QPushButton(QStringLiteral("Recheck"));
+    auto* recheck = makeButton(QStringLiteral("Recheck"));
     recheck->setAccessibleName(QStringLiteral("Recheck permission"));
     connect(recheck, &QPushButton::clicked, this, [this] { pane_.recheckPermission(); });
     line->addWidget(recheck, 0, Qt::AlignVCenter);
@@ -94,7 +94,7 @@ void AdvancedPaneWidget::buildLastAttempt() {
     lines->setSpacing(8);
     attemptRows_ = new SettingsGroup;
     lines->addWidget(attemptRows_);
-    copyAttemptButton_ = new QPushButton(QStringLiteral("Copy"));
+    copyAttemptButton_ = makeButton(QStringLiteral("Copy"));
     copyAttemptButton_->setAccessibleName(QStringLiteral("Copy the last restore attempt"));
     connect(copyAttemptButton_, &QPushButton::clicked, this, [this] { copy(pane_.lastAttemptText()); });
     lines->addLayout(makeButtonLine({copyAttemptButton_}));
@@ -139,13 +139,13 @@ void AdvancedPaneWidget::buildTroubleshooting() {
     folderMessage_ = makeText({}, TextRole::warning);
     folderMessage_->hide();
     inner->addWidget(folderMessage_);
-    auto* openFolder = new QPushButton(QStringLiteral("Open Data Folder"));
+    auto* openFolder = makeButton(QStringLiteral("Open Data Folder"));
     connect(openFolder, &QPushButton::clicked, this, [this] {
         const bool isOpen = pane_.openDataDirectory();
         folderMessage_->setText(QStringLiteral("The data folder could not be opened."));
         folderMessage_->setVisible(!isOpen);
     });
-    auto* copyReport = new QPushButton(QStringLiteral("Copy Report"));
+    auto* copyReport = makeButton(QStringLiteral("Copy Report"));
     copyReport->setToolTip(QStringLiteral("Copies all of this as text. Titles of windows are not in it."));
     copyReport->setAccessibleDescription(copyReport->toolTip());
     connect(copyReport, &QPushButton::clicked, this, [this] { copy(pane_.report().text()); });

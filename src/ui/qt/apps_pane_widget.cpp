@@ -70,7 +70,8 @@ QWidget* AppsPaneWidget::makeAddLine() {
     field_->setPlaceholderText(qText(ExclusionListView::placeholder));
     field_->setAccessibleName(QStringLiteral("Bundle ID"));
     field_->setMaxLength(255);
-    addButton_ = new QPushButton(QStringLiteral("Add App"));
+    addButton_ = makeButton(QStringLiteral("Add App"));
+    field_->setMinimumHeight(addButton_->minimumHeight());
     connect(field_, &QLineEdit::textChanged, this,
             [this](const QString& text) { pane_.exclusions.setNewBundleID(text.toStdString()); });
     connect(field_, &QLineEdit::returnPressed, this, [this] { pane_.exclusions.add(); });
@@ -100,7 +101,7 @@ QWidget* AppsPaneWidget::makeExcludedRow(const std::string& bundleID) {
 }
 
 QWidget* AppsPaneWidget::makeOpenRow(const OpenApplication& application) {
-    auto* button = new QPushButton(QStringLiteral("Exclude"));
+    auto* button = makeButton(QStringLiteral("Exclude"));
     button->setAccessibleName(QStringLiteral("Exclude %1").arg(qText(application.name)));
     connect(button, &QPushButton::clicked, this, [this, bundleID = application.bundleIdentifier] {
         const std::string added = bundleID;

@@ -103,11 +103,11 @@ QWidget* LayoutCardWidget::makeNameLine(const LayoutCard& card) {
 QWidget* LayoutCardWidget::makeButtonLine(const LayoutCard& card) {
     const QString name = qText(card.name);
     const QString id = qText(card.id.text());
-    auto* restore = new QPushButton(QStringLiteral("Restore"));
+    auto* restore = makeButton(QStringLiteral("Restore"));
     restore->setObjectName(id + QStringLiteral("/restore"));
     restore->setAccessibleName(QStringLiteral("Restore %1").arg(name));
     connect(restore, &QPushButton::clicked, this, [this] { callbacks_.restore(); });
-    auto* update = new QPushButton(QStringLiteral("Update"));
+    auto* update = makeButton(QStringLiteral("Update"));
     update->setObjectName(id + QStringLiteral("/update"));
     update->setAccessibleName(QStringLiteral("Update %1").arg(name));
     update->setEnabled(card.canUpdate);

@@ -31,7 +31,7 @@ LayoutPictureWidget::LayoutPictureWidget(LayoutPicture picture,
 QSize LayoutPictureWidget::sizeHint() const {
     // The size follows the font, as everything beside the picture does.
     const int unit = fontMetrics().height();
-    return {unit * 12, unit * 27 / 4};
+    return {unit * 15, unit * 15 / 2};
 }
 
 QRectF LayoutPictureWidget::placed(const Rect& rect) const {

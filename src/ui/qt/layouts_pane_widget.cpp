@@ -27,7 +27,7 @@ LayoutsPaneWidget::LayoutsPaneWidget(const SettingsCollaborators& collaborators)
 }
 
 QWidget* LayoutsPaneWidget::makeHeaderControl() {
-    auto* button = new QPushButton(QString::fromUtf8(saveText));
+    auto* button = makeButton(QString::fromUtf8(saveText));
     connect(button, &QPushButton::clicked, this, [this] { pane_.saveLayout(); });
     saveButton_ = button;
     button->setVisible(!pane_.content().isEmpty());
@@ -96,7 +96,7 @@ void LayoutsPaneWidget::addSuggestion(const SetupSuggestion& suggestion) {
     texts->addWidget(makeText(qText(suggestion.message), TextRole::secondary));
     line->addLayout(texts, 1);
     if (suggestion.canConfirm) {
-        auto* confirm = new QPushButton(QStringLiteral("Confirm"));
+        auto* confirm = makeButton(QStringLiteral("Confirm"));
         confirm->setObjectName(QStringLiteral("confirm"));
         confirm->setAccessibleName(QStringLiteral("Confirm %1").arg(qText(suggestion.title)));
         connect(confirm, &QPushButton::clicked, this, [this] { pane_.confirmSuggestion(); });
@@ -119,7 +119,7 @@ void LayoutsPaneWidget::addEmptyState() {
     icon->setAlignment(Qt::AlignCenter);
     auto* text = makeText(qText(LayoutsPane::emptyText), TextRole::secondary);
     text->setAlignment(Qt::AlignCenter);
-    auto* save = new QPushButton(QString::fromUtf8(saveText));
+    auto* save = makeButton(QString::fromUtf8(saveText));
     save->setObjectName(QStringLiteral("save"));
     connect(save, &QPushButton::clicked, this, [this] { pane_.saveLayout(); });
     lines->addWidget(icon);

@@ -6,7 +6,9 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPushButton>
 
+#include <algorithm>
 #include <vector>
 
 namespace tavrin {
@@ -134,6 +136,14 @@ QLabel* makePaneTitle(const QString& text) {
     auto* label = makeSectionTitle(text);
     label->setFont(scaled(label->font(), 1.5));
     return label;
+}
+
+QPushButton* makeButton(const QString& text) {
+    auto* button = new QPushButton(text);
+    const QFontMetrics metrics = button->fontMetrics();
+    button->setMinimumSize(std::max(button->sizeHint().width(), metrics.horizontalAdvance(text) + 28),
+                           qRound(metrics.height() * 1.75));
+    return button;
 }
 
 QWidget* makeRow(const QString& title, const QString& subtitle, QWidget* control) {

@@ -4,6 +4,8 @@
 #include <QVBoxLayout>
 #include <QWidget>
 
+class QPushButton;
+
 namespace tavrin {
 
 class SwitchControl;
@@ -33,6 +35,9 @@ QLabel* makeText(const QString& text, TextRole role = TextRole::ordinary);
 /// The heading of a section, or of the whole pane.
 QLabel* makeSectionTitle(const QString& text);
 QLabel* makePaneTitle(const QString& text);
+
+/// A push button with room around its text.
+QPushButton* makeButton(const QString& text);
 
 /// A row: text (and a smaller one under it) at the start, `control` at the end. The text is the control's
 /// label; `control` may be null.

@@ -12,6 +12,7 @@ ShortcutsPaneWidget::ShortcutsPaneWidget(const SettingsCollaborators& collaborat
              .profileListViewModel = collaborators.profileListViewModel,
              .currentProfileViewModel = collaborators.currentProfileViewModel}) {
     auto* autoDetect = new SettingsGroup;
+    autoDetect_ = autoDetect;
     const QString title = qText(ShortcutsPane::autoDetectTitle);
     autoDetect->addRow(new ShortcutRecorderRow(title, qText(ShortcutsPane::autoDetectExplanation), title,
                                                pane_.recorder(std::nullopt)));
@@ -22,7 +23,8 @@ ShortcutsPaneWidget::ShortcutsPaneWidget(const SettingsCollaborators& collaborat
 
 ShortcutsPaneWidget::~ShortcutsPaneWidget() {
     // The rows refer to the recorders of the pane.
-    qDeleteAll(findChildren<ShortcutRecorderRow*>());
+    delete groups_;
+    delete autoDetect_;
 }
 
 QString ShortcutsPaneWidget::description() const {

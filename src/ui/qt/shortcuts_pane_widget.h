@@ -19,6 +19,7 @@ private:
     void rebuildGroups();
 
     ShortcutsPane pane_;
+    QWidget* autoDetect_ = nullptr;
     QWidget* groups_ = nullptr;
     Token subscription_;
 };

@@ -1,0 +1,99 @@
+#include "settings_fixture.h"
+#include "ui/apps_pane.h"
+
+namespace tavrin {
+namespace {
+
+class AppsPaneTest : public ::testing::Test, public testing::SettingsFixture {
+protected:
+    AppsPane pane{settings, windows, catalog, 4711};
+    ExclusionListView& view = pane.exclusions;
+
+    using List = std::vector<std::string>;
+    List stored() { return settings.load()->excludedBundleIDs; }
+    bool add(std::string text) {
+        view.setNewBundleID(std::move(text));
+        const bool can = view.canAdd();
+        view.add();
+        return can;
+    }
+};
+
+TEST_F(AppsPaneTest, TakesIdentifiersOfAtLeastTwoParts) {
+    struct Case {
+        const char* typed;
+        const char* added; ///< null: refused
+    };
+    for (const Case& c : {Case{"com.apple.finder", "com.apple.finder"},
+                          {"  org.gnome.gedit\n", "org.gnome.gedit"},
+                          {"a.b", "a.b"},
+                          {"a-1.B2-", "a-1.B2-"},
+                          {"", nullptr},
+                          {" \n", nullptr},
+                          {"finder", nullptr},
+                          {"com.1password", nullptr},
+                          {"com..finder", nullptr},
+                          {".com.finder", nullptr},
+                          {"com.finder.", nullptr},
+                          {"com.my_app", nullptr},
+                          {"com.-app", nullptr},
+                          {"com.app le", nullptr},
+                          {"com.äpp", nullptr}}) {
+        ASSERT_TRUE(settings.save({}));
+        view.appear();
+        EXPECT_EQ(add(c.typed), c.added != nullptr) << c.typed;
+        EXPECT_EQ(stored(), c.added ? List{c.added} : List{}) << c.typed;
+        EXPECT_EQ(view.excludedBundleIDs(), stored());
+        EXPECT_EQ(view.newBundleID(), c.added ? "" : c.typed);
+    }
+}
+
+TEST_F(AppsPaneTest, KeepsTheOrderRefusesDoublesAndLeavesOtherSettingsAlone) {
+    AppSettings before{.autoRestoreOnWake = true, .excludedBundleIDs = {"z.z"}};
+    ASSERT_TRUE(settings.save(before));
+    view.appear();
+    EXPECT_TRUE(add("b.b"));
+    EXPECT_TRUE(add("B.b")) << "compared exactly";
+    EXPECT_FALSE(add(" b.b "));
+    view.remove("z.z");
+    before.excludedBundleIDs = {"b.b", "B.b"};
+    EXPECT_EQ(*settings.load(), before);
+    view.remove("b.b");
+    view.remove("B.b");
+    EXPECT_TRUE(view.excludedBundleIDs().empty());
+}
+
+TEST_F(AppsPaneTest, ShowsTheFileWhenItCannotBeSaved) {
+    ASSERT_TRUE(settings.save({.excludedBundleIDs = {"a.a"}}));
+    view.appear();
+    files.failing = {"writeFlushed"};
+    add("b.b");
+    EXPECT_EQ(view.excludedBundleIDs(), List{"a.a"});
+    view.remove("a.a");
+    EXPECT_EQ(view.excludedBundleIDs(), List{"a.a"});
+    files.failing = {"read"};
+    add("b.b");
+    EXPECT_EQ(view.excludedBundleIDs(), List{"a.a"});
+}
+
+TEST_F(AppsPaneTest, OffersTheApplicationsWithOpenWindowsOnce) {
+    auto own = testing::window(9, "Tavrin", "Settings", {0, 0, 100, 100});
+    own.ownerPID = 4711;
+    auto nameless = testing::window(8, "Nobody", "", {0, 0, 100, 100});
+    nameless.bundleIdentifier.reset();
+    windows.windows = {testing::window(1, "Editor", "a", {0, 0, 100, 100}), nameless, own,
+                       testing::window(2, "Editor", "b", {0, 0, 100, 100}),
+                       testing::window(3, "xterm", "c", {0, 0, 100, 100})};
+    windows.windows.back().bundleIdentifier = "xterm";
+    catalog.icons["xterm"] = "terminal";
+    view.appear();
+    EXPECT_EQ(pane.openApplications(), (std::vector<OpenApplication>{{"Editor.desktop", "Editor", {}},
+                                                                     {"xterm", "xterm", "terminal"}}));
+    view.addRunning("xterm");
+    view.addRunning("xterm");
+    EXPECT_EQ(stored(), List{"xterm"}) << "an identifier that exists need not look like one";
+    EXPECT_EQ(pane.openApplications(), (std::vector<OpenApplication>{{"Editor.desktop", "Editor", {}}}));
+}
+
+} // namespace
+} // namespace tavrin

@@ -1,0 +1,119 @@
+#include "settings_fixture.h"
+#include "ui/shortcuts_pane.h"
+
+namespace tavrin {
+namespace {
+
+constexpr auto control = ModifierSet::control, option = ModifierSet::option, command = ModifierSet::command;
+constexpr std::uint16_t keyQ = 12, keyR = 15, keyEscape = 53;
+const KeyCombo controlOptionR{keyR, control | option};
+
+class ShortcutsPaneTest : public ::testing::Test, public testing::SettingsFixture {
+protected:
+    std::string fired;
+
+    ShortcutsPaneTest() {
+        shortcuts.onAutoDetect = [this] { fired += "auto "; };
+        shortcuts.onLayoutRestore = [this](const Uuid& id) { fired += id == workID ? "work " : "other "; };
+        shortcuts.start();
+    }
+    ShortcutsPane made() { return ShortcutsPane({shortcuts, keys, store, list, current}); }
+};
+
+TEST_F(ShortcutsPaneTest, GroupsLayoutsBySetupTheConnectedOneFirst) {
+    auto pane = made();
+    pane.appear();
+    using Group = ShortcutsPane::Group;
+    EXPECT_EQ(pane.groups(), (std::vector<Group>{{"Desk", true, {{workID, "Work"}, {playID, "Play"}}},
+                                                 {"Home", false, {{eveningID, "Evening"}}}}));
+    ASSERT_TRUE(store.deleteLayout(eveningID));
+    list.reload();
+    EXPECT_EQ(pane.groups().size(), 1U) << "a setup without layouts has no shortcuts";
+}
+
+TEST_F(ShortcutsPaneTest, RecordsWithoutFiringAnything) {
+    auto pane = made();
+    pane.appear();
+    shortcuts.setLayoutShortcut(controlOptionR, workID);
+    time.pass(1);
+    auto& recorder = pane.recorder(playID);
+    recorder.startRecording();
+    EXPECT_TRUE(pressHere(keyR, control | option));
+    EXPECT_EQ(fired, "") << "belongs to another layout, and is refused here instead of firing";
+    EXPECT_EQ(recorder.recorder().validationMessage(), "This shortcut is already used by Work.");
+    EXPECT_FALSE(pressHere(keyR, {})) << "plain keys go on to the window";
+    EXPECT_TRUE(pressHere(keyQ, control | command));
+    EXPECT_EQ(recorder.recorder().validationMessage(), "Control-Command-Q locks the screen.");
+    EXPECT_TRUE(recorder.recorder().isRecording());
+
+    EXPECT_TRUE(pressHere(keyQ, control | option));
+    EXPECT_FALSE(recorder.recorder().isRecording());
+    EXPECT_EQ(settings.load()->layoutShortcuts.at(playID.text()), (KeyCombo{keyQ, control | option}));
+    keys.global.emit(KeyEvent{keyQ, (control | option).rawValue});
+    EXPECT_EQ(fired, "") << "the press that recorded it";
+    EXPECT_TRUE(pressHere(keyQ, control | option));
+    EXPECT_TRUE(pressHere(keyR, control | option));
+    EXPECT_EQ(fired, "other work ") << "shortcuts work again";
+}
+
+TEST_F(ShortcutsPaneTest, CancelsAndClears) {
+    auto pane = made();
+    pane.appear();
+    shortcuts.setAutoDetectShortcut(controlOptionR);
+    time.pass(1);
+    auto& recorder = pane.recorder(std::nullopt);
+    EXPECT_EQ(recorder.recorder().combo(), controlOptionR) << "follows changes made elsewhere";
+    recorder.startRecording();
+    recorder.startRecording();
+    EXPECT_TRUE(pressHere(keyEscape, command));
+    EXPECT_EQ(recorder.recorder().combo(), controlOptionR);
+    recorder.startRecording();
+    recorder.cancelRecording();
+    EXPECT_TRUE(pressHere(keyR, control | option));
+    EXPECT_EQ(fired, "auto ") << "neither way of cancelling keeps the shortcuts quiet";
+    recorder.clear();
+    EXPECT_FALSE(settings.load()->autoDetectShortcut);
+}
+
+TEST_F(ShortcutsPaneTest, ComparesWithTheShortcutsInTheOrderShown) {
+    auto pane = made();
+    pane.appear();
+    const auto refusal = [&](const std::optional<Uuid>& layoutID) {
+        pane.recorder(layoutID).startRecording();
+        pressHere(keyR, control | option);
+        auto message = pane.recorder(layoutID).recorder().validationMessage().value_or("");
+        pane.recorder(layoutID).cancelRecording();
+        return message;
+    };
+    shortcuts.setLayoutShortcut(controlOptionR, eveningID);
+    shortcuts.setLayoutShortcut(controlOptionR, workID);
+    EXPECT_EQ(refusal(std::nullopt), "This shortcut is already used by Work.");
+    EXPECT_EQ(refusal(workID), "This shortcut is already used by Evening.") << "its own does not count";
+    shortcuts.setAutoDetectShortcut(controlOptionR);
+    EXPECT_EQ(refusal(workID), "This shortcut is already used by Auto-detect.");
+}
+
+TEST_F(ShortcutsPaneTest, DropsTheShortcutsOfLayoutsThatAreGone) {
+    auto pane = made();
+    pane.appear();
+    shortcuts.setLayoutShortcut(controlOptionR, workID);
+    shortcuts.setLayoutShortcut(KeyCombo{keyQ, control}, playID);
+    ASSERT_TRUE(store.deleteLayout(workID));
+    pane.recorder(workID).startRecording();
+    int changes = 0;
+    const auto token = pane.changed.connect([&] { ++changes; });
+    list.reload();
+    EXPECT_EQ(changes, 1);
+    pane.appear();
+    EXPECT_EQ(shortcuts.layoutShortcuts.value(), (std::map<Uuid, KeyCombo>{{playID, {keyQ, control}}}));
+    time.pass(1);
+    pressHere(keyQ, control);
+    EXPECT_EQ(fired, "other ") << "a recorder that went while it recorded keeps nothing quiet";
+
+    files.failing = {"read"};
+    pane.appear();
+    EXPECT_EQ(shortcuts.layoutShortcuts.value().size(), 1U) << "unreadable is not gone";
+}
+
+} // namespace
+} // namespace tavrin
