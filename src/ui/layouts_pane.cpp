@@ -208,7 +208,9 @@ LayoutsPaneContent LayoutsPane::read() const {
         }
         content.setups.push_back(std::move(setup));
     }
-    std::ranges::stable_partition(content.setups, &SetupCard::isCurrent);
+    std::ranges::stable_partition(content.setups, [&](const SetupCard& setup) {
+        return setup.isCurrent || setup.id == current.suggestedProfileID();
+    });
     return content;
 }
 

@@ -48,7 +48,7 @@ struct SetupSuggestion {
 struct LayoutsPaneContent {
     std::optional<SetupSuggestion> suggestion;
     std::string currentSetupText;  ///< which setup is connected, or why none is recognised
-    std::vector<SetupCard> setups; ///< the connected one first
+    std::vector<SetupCard> setups; ///< the connected or suggested one first
 
     bool operator==(const LayoutsPaneContent&) const = default;
 

@@ -54,7 +54,7 @@ std::string countsText(const RestoreResult& result) {
 }
 
 std::string kindText(SavedLayoutKind kind) {
-    return kind == SavedLayoutKind::generic ? "Any windows" : "Windows of particular apps";
+    return kind == SavedLayoutKind::generic ? "Generic" : "App-specific";
 }
 
 } // namespace tavrin

@@ -37,7 +37,7 @@ TEST_F(AdvancedPaneTest, ShowsTheLastAttemptInFull) {
     EXPECT_EQ(pane.lastAttemptText(), "Time: 1970-01-01T00:00:00Z\n"
                                       "Trigger: Automation\n"
                                       "Layout: Secret plans\n"
-                                      "Kind: Any windows\n"
+                                      "Kind: Generic\n"
                                       "Result: 3 of 5 windows in place, 2 not open, 0 not moved\n"
                                       "Editor: slow\n"
                                       "Could not resolve PID for Mail\n");
@@ -97,7 +97,7 @@ TEST_F(AdvancedPaneTest, ReportsForTroubleshootingWithoutWindowTitles) {
                   "Last restore\n"
                   "Time: 1970-01-01T00:00:00Z\n"
                   "Trigger: Automation\n"
-                  "Kind: Any windows\n"
+                  "Kind: Generic\n"
                   "Result: 3 of 5 windows in place, 2 not open, 0 not moved\n"
                   "Error: Editor: slow\n"
                   "Error: Could not resolve PID for Mail\n");

@@ -71,6 +71,7 @@ TEST_F(LayoutsPaneTest, OffersASuggestionForConfirmation) {
     EXPECT_EQ(*pane.content().suggestion,
               (SetupSuggestion{"Suggested display setup: Desk",
                                "same display count and nearly identical arrangement", true}));
+    EXPECT_EQ(shown(), "Desk: Work Play. Home: Evening. ");
     pane.confirmSuggestion();
     EXPECT_EQ(pane.content().suggestion, std::nullopt);
     EXPECT_TRUE(pane.content().setups[0].isCurrent);

@@ -121,13 +121,12 @@ void AdvancedPaneWidget::buildTroubleshooting() {
     foldButton_->setText(QStringLiteral("Troubleshooting"));
     foldButton_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     foldButton_->setAutoRaise(true);
-    foldButton_->setCheckable(true);
     foldButton_->setFocusPolicy(Qt::StrongFocus);
     QFont bold = foldButton_->font();
     bold.setBold(true);
     foldButton_->setFont(bold);
-    connect(foldButton_, &QToolButton::toggled, this,
-            [this](bool isOn) { pane_.setTroubleshootingExpanded(isOn); });
+    connect(foldButton_, &QToolButton::clicked, this,
+            [this] { pane_.setTroubleshootingExpanded(!pane_.isTroubleshootingExpanded()); });
     lines->addWidget(foldButton_, 0, Qt::AlignLeft);
 
     troubleshooting_ = new QWidget;
@@ -170,8 +169,6 @@ void AdvancedPaneWidget::showState() {
         clusterSwitch_->setChecked(pane_.clustersExtraAppWindows());
     }
     const bool isExpanded = pane_.isTroubleshootingExpanded();
-    const QSignalBlocker blocker(foldButton_);
-    foldButton_->setChecked(isExpanded);
     foldButton_->setArrowType(isExpanded ? Qt::DownArrow : Qt::RightArrow);
     foldButton_->setAccessibleDescription(isExpanded ? QStringLiteral("expanded")
                                                      : QStringLiteral("collapsed"));
