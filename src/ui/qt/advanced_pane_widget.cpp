@@ -25,7 +25,7 @@ QString dateText(Timestamp time) {
     return QLocale().toString(QDateTime::fromMSecsSinceEpoch(milliseconds), QLocale::LongFormat);
 }
 
-/// A name and what it stands for, which can be selected.
+/// A name and what it stands for.
 QWidget* makeFactRow(const QString& name, const QString& value) {
     auto* row = new QWidget;
     auto* line = new QHBoxLayout(row);
@@ -33,13 +33,11 @@ QWidget* makeFactRow(const QString& name, const QString& value) {
     line->setContentsMargins(line->contentsMargins().left(), 7, line->contentsMargins().right(), 7);
     line->setSpacing(16);
     auto* label = makeText(name, TextRole::secondary);
-    label->setFixedWidth(label->fontMetrics().averageCharWidth() * 18);
+    label->setFixedWidth(label->fontMetrics().averageCharWidth() * 16);
     line->addWidget(label, 0, Qt::AlignTop);
     auto* text = makeText(value);
-    text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    text->setFocusPolicy(Qt::ClickFocus);
     text->setAccessibleName(QStringLiteral("%1: %2").arg(name, value));
-    line->addWidget(text, 1, Qt::AlignTop);
+    line->addWidget(text, 1);
     return row;
 }
 

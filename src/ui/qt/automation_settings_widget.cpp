@@ -46,7 +46,6 @@ void AutomationSettingsWidget::buildStartup() {
                                              "System Settings > General > Login Items."),
                               launchSwitch_);
     launchError_ = makeText({}, TextRole::warning);
-    launchError_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     launchError_->hide();
     auto* content = new QWidget;
     auto* lines = new QVBoxLayout(content);
@@ -102,7 +101,7 @@ QComboBox* AutomationSettingsWidget::makePicker(const AutomationSettingsView::Se
     auto* picker = new QComboBox;
     picker->setAccessibleName(QStringLiteral("Default Layout, %1").arg(qText(setup.name)));
     picker->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    picker->setMinimumContentsLength(18);
+    picker->setMinimumContentsLength(14);
     picker->addItem(QStringLiteral("None"));
     for (const auto& layout : setup.layouts)
         picker->addItem(qText(layout.name), qText(layout.layoutID.text()));

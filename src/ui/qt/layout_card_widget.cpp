@@ -17,8 +17,12 @@
 #include <QPushButton>
 #include <QToolButton>
 
+#include <algorithm>
+
 namespace tavrin {
 namespace {
+
+constexpr int narrowWidth = 30; ///< in line heights
 
 /// A short text in a rounded frame.
 class Badge final : public QLabel {
@@ -59,7 +63,7 @@ QLabel* makeDetail(const LayoutCard& card, Timestamp now) {
 } // namespace
 
 LayoutCardWidget::LayoutCardWidget(const LayoutCard& card, Timestamp now, Callbacks callbacks)
-    : callbacks_(std::move(callbacks)), menu_(new QMenu(this)) {
+    : callbacks_(std::move(callbacks)), menu_(new QMenu(this)), parts_(new QHBoxLayout(this)) {
     fillMenu(card);
     auto* texts = new QVBoxLayout;
     texts->setSpacing(3);
@@ -69,11 +73,11 @@ LayoutCardWidget::LayoutCardWidget(const LayoutCard& card, Timestamp now, Callba
         texts->addWidget(makeText(qText(card.status), TextRole::secondary));
     texts->addStretch(1);
     texts->addWidget(makeButtonLine(card));
-    auto* line = new QHBoxLayout(this);
-    setRowMargins(*line);
-    line->setSpacing(16);
-    line->addWidget(new LayoutPictureWidget(card.picture, callbacks_.iconOf), 0, Qt::AlignVCenter);
-    line->addLayout(texts, 1);
+    setRowMargins(*parts_);
+    parts_->setSpacing(16);
+    parts_->addWidget(new LayoutPictureWidget(card.picture, callbacks_.iconOf), 0,
+                      Qt::AlignVCenter | Qt::AlignLeft);
+    parts_->addLayout(texts, 1);
 }
 
 QWidget* LayoutCardWidget::makeNameLine(const LayoutCard& card) {
@@ -121,6 +125,8 @@ QWidget* LayoutCardWidget::makeButtonLine(const LayoutCard& card) {
     more->setAccessibleName(QStringLiteral("More for %1").arg(name));
     more->setToolTip(QStringLiteral("Rename, default, delete"));
     more->setIcon(symbolIcon(QStringLiteral("ellipsis")));
+    const int iconSide = fontMetrics().height() * 5 / 4;
+    more->setIconSize({iconSide, iconSide});
     more->setAutoRaise(true);
     more->setFocusPolicy(Qt::StrongFocus);
     more->setPopupMode(QToolButton::InstantPopup);
@@ -146,6 +152,21 @@ void LayoutCardWidget::fillMenu(const LayoutCard& card) {
                      this, [this] { callbacks_.toggleDefault(); });
     menu_->addSeparator();
     menu_->addAction(QStringLiteral("Delete…"), this, [this] { callbacks_.askDelete(); });
+}
+
+QSize LayoutCardWidget::minimumSizeHint() const {
+    // Whatever stands side by side now fits one above the other.
+    int width = 0;
+    for (int i = 0; i < parts_->count(); ++i)
+        width = std::max(width, parts_->itemAt(i)->minimumSize().width());
+    const QMargins margins = parts_->contentsMargins();
+    return {width + margins.left() + margins.right(), QWidget::minimumSizeHint().height()};
+}
+
+void LayoutCardWidget::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    const bool isNarrow = width() < fontMetrics().height() * narrowWidth;
+    parts_->setDirection(isNarrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
 }
 
 void LayoutCardWidget::contextMenuEvent(QContextMenuEvent* event) {

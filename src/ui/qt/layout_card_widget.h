@@ -7,6 +7,7 @@
 
 #include <functional>
 
+class QBoxLayout;
 class QMenu;
 class QToolButton;
 class QVBoxLayout;
@@ -32,9 +33,12 @@ public:
 
     NameEditor& nameEditor() { return *nameEditor_; }
 
+    QSize minimumSizeHint() const override;
+
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     QWidget* makeNameLine(const LayoutCard& card);
@@ -44,6 +48,8 @@ private:
     Callbacks callbacks_;
     NameEditor* nameEditor_ = nullptr;
     QMenu* menu_ = nullptr;
+    QBoxLayout*
+        parts_; ///< the picture and the texts: side by side, or one above the other in a narrow window
 };
 
 } // namespace tavrin

@@ -156,6 +156,8 @@ QWidget* LayoutsPaneWidget::makeSetupHeader(const SetupCard& setup) {
     more->setAccessibleName(QStringLiteral("More for %1").arg(qText(setup.name)));
     more->setToolTip(QStringLiteral("Rename, delete"));
     more->setIcon(symbolIcon(QStringLiteral("ellipsis")));
+    const int iconSide = fontMetrics().height() * 5 / 4;
+    more->setIconSize({iconSide, iconSide});
     more->setAutoRaise(true);
     more->setFocusPolicy(Qt::StrongFocus);
     more->setPopupMode(QToolButton::InstantPopup);

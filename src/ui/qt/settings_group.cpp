@@ -66,9 +66,7 @@ void fillRow(QWidget& row, const QString& title, const QString& subtitle, QWidge
     line->setSpacing(16);
     line->addLayout(texts, 1);
     if (control) {
-        // With a buddy an ampersand would mark a key.
-        label->setText(QString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
-        label->setBuddy(control);
+        label->nameControl(control);
         if (!subtitle.isEmpty() && control->accessibleDescription().isEmpty())
             control->setAccessibleDescription(subtitle);
         line->addWidget(control, 0, Qt::AlignVCenter);
@@ -111,10 +109,8 @@ void SettingsGroup::paintEvent(QPaintEvent*) {
     }
 }
 
-QLabel* makeText(const QString& text, TextRole role) {
-    auto* label = new QLabel(text);
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
+TextLabel* makeText(const QString& text, TextRole role) {
+    auto* label = new TextLabel(text);
     if (role != TextRole::ordinary) {
         QPalette palette = label->palette();
         palette.setColor(QPalette::WindowText,
@@ -124,7 +120,7 @@ QLabel* makeText(const QString& text, TextRole role) {
     return label;
 }
 
-QLabel* makeSectionTitle(const QString& text) {
+TextLabel* makeSectionTitle(const QString& text) {
     auto* label = makeText(text);
     QFont font = label->font();
     font.setBold(true);
@@ -132,7 +128,7 @@ QLabel* makeSectionTitle(const QString& text) {
     return label;
 }
 
-QLabel* makePaneTitle(const QString& text) {
+TextLabel* makePaneTitle(const QString& text) {
     auto* label = makeSectionTitle(text);
     label->setFont(scaled(label->font(), 1.5));
     return label;

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QLabel>
+#include "ui/qt/text_label.h"
+
 #include <QVBoxLayout>
 #include <QWidget>
 
@@ -27,14 +28,13 @@ private:
     QVBoxLayout* rows_;
 };
 
-/// A text that wraps, in the colour of ordinary or of less important text. Always shown as it is, never as
-/// markup.
+/// A text in the colour of ordinary or of less important text, or of a warning.
 enum class TextRole { ordinary, secondary, warning };
-QLabel* makeText(const QString& text, TextRole role = TextRole::ordinary);
+TextLabel* makeText(const QString& text, TextRole role = TextRole::ordinary);
 
 /// The heading of a section, or of the whole pane.
-QLabel* makeSectionTitle(const QString& text);
-QLabel* makePaneTitle(const QString& text);
+TextLabel* makeSectionTitle(const QString& text);
+TextLabel* makePaneTitle(const QString& text);
 
 /// A push button with room around its text.
 QPushButton* makeButton(const QString& text);
