@@ -156,7 +156,8 @@ TEST_F(SystemEventsTest, nobodyElseCanSendTheServicesSignals) {
     EXPECT_EQ(eventsSoFar(logind), Events{});
 
     QString sessionProgram;
-    for (const auto& name : sessionLiar.connection().interface()->registeredServiceNames().value())
+    const QStringList names = sessionLiar.connection().interface()->registeredServiceNames().value();
+    for (const auto& name : names)
         if (name.startsWith(':') && name != saver.connection().baseService() &&
             name != sessionLiar.connection().baseService())
             sessionProgram = name;

@@ -110,14 +110,16 @@ public:
     }
 
     MonitorProfile profileNamed(const std::string& name) {
-        for (const MonitorProfile& saved : *store.loadProfiles())
+        const auto profiles = store.loadProfiles().value();
+        for (const MonitorProfile& saved : profiles)
             if (saved.name == name)
                 return saved;
         return {};
     }
     std::vector<std::string> layoutNames() {
         std::vector<std::string> names;
-        for (const SavedLayout& saved : *store.loadLayouts())
+        const auto layouts = store.loadLayouts().value();
+        for (const SavedLayout& saved : layouts)
             names.push_back(saved.name);
         return names;
     }
