@@ -69,6 +69,7 @@ void LayoutsPaneWidget::rebuild() {
         addSetup(setup);
     if (saveButton_)
         saveButton_->setVisible(!content.isEmpty());
+    content_->show();
     followLayoutWithTab(*this);
 
     if (edited)

@@ -57,6 +57,7 @@ void ShortcutsPaneWidget::rebuildGroups() {
         note->addRow(makeNoteRow(qText(ShortcutsPane::emptyText)));
         addSection(*rows, QStringLiteral("Layouts"), {}, note);
     }
+    groups_->show();
     followLayoutWithTab(*this);
 }
 
