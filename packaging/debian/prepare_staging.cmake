@@ -9,6 +9,10 @@ endif()
 # The licence stands in the copyright file.
 file(REMOVE ${documents}/LICENSE)
 file(RENAME ${documents}/CHANGELOG.md ${documents}/changelog)
+file(READ ${documents}/README.md readme)
+string(REPLACE "](LICENSE)" "](copyright)" readme "${readme}")
+string(REPLACE "](CHANGELOG.md)" "](changelog.gz)" readme "${readme}")
+file(WRITE ${documents}/README.md "${readme}")
 foreach(file copyright changelog.Debian)
     file(COPY ${CMAKE_CURRENT_LIST_DIR}/${file} DESTINATION ${documents}
         FILE_PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
