@@ -77,8 +77,9 @@ TEST_F(SessionBusInstancesTest, activatingReachesTheFirstWithTheUsersToken) {
     auto first = instances(ownPID);
     first.runningInstances();
     std::vector<std::string> activations;
-    const auto activate = [&](std::map<std::string, std::string> environment, ProcessID pid) {
-        auto second = instances(secondPID, std::move(environment));
+    const auto activate = [&](std::map<std::string, std::string> environment, ProcessID pid,
+                              ProcessID from = secondPID) {
+        auto second = instances(from, std::move(environment));
         bool isDone = false;
         std::jthread thread([&] {
             second.runningInstances();
@@ -93,7 +94,10 @@ TEST_F(SessionBusInstancesTest, activatingReachesTheFirstWithTheUsersToken) {
     activate({{"DESKTOP_STARTUP_ID", "x11"}}, ownPID);
     activate({}, ownPID);
     activate({}, secondPID + 1); // no such process
-    EXPECT_EQ(activations, (std::vector<std::string>{"before", "wayland", "x11", ""}));
+    activate({{"DESKTOP_STARTUP_ID", "the same start"}}, ownPID, ownPID);
+    constexpr ProcessID oldest = 1;
+    activate({{"DESKTOP_STARTUP_ID", "much later"}}, ownPID, oldest);
+    EXPECT_EQ(activations, (std::vector<std::string>{"before", "wayland", "x11", "", "much later"}));
 }
 
 TEST_F(SessionBusInstancesTest, theDesktopCanActivateInEveryWay) {

@@ -1,14 +1,33 @@
 #include "platform/freedesktop/session_bus_instances.h"
 
 #include "platform/freedesktop/application_object.h"
+#include "platform/freedesktop/process_facts.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusReply>
 
+#include <algorithm>
+#include <cstdint>
+#include <unistd.h>
 #include <utility>
 
 namespace tavrin {
+namespace {
+
+/// One wish of the user can start the program twice: a double click, or a launcher that runs the program and
+/// also calls its name, for which the bus starts it again.
+bool startedTogether(ProcessID one, ProcessID other) {
+    const auto first = processStartTime("/proc", one);
+    const auto second = processStartTime("/proc", other);
+    if (!first || !second)
+        return false;
+    const auto ticksApart = std::max(*first, *second) - std::min(*first, *second);
+    const auto halfASecond = static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK)) / 2;
+    return ticksApart < halfASecond;
+}
+
+} // namespace
 
 SessionBusInstances::SessionBusInstances(std::optional<std::string> address, ProcessID ownPID,
                                          Environment environment, std::string name)
@@ -62,7 +81,7 @@ std::vector<InstanceProbe> SessionBusInstances::runningInstances() {
 
 void SessionBusInstances::activate(ProcessID pid) {
     open();
-    if (!object_ || isOwner_ || owner() != pid)
+    if (!object_ || isOwner_ || owner() != pid || startedTogether(pid, ownPID_))
         return;
     QVariantMap platformData;
     if (const auto token = nonEmpty(environment_, "XDG_ACTIVATION_TOKEN"))

@@ -34,7 +34,8 @@ public:
 
     std::vector<InstanceProbe> runningInstances() override;
 
-    /// Returns once the other process has answered or the time is over.
+    /// Returns once the other process has answered or the time is over. A process that was started within
+    /// half a second of this one is left alone: the user asked once, and not for its windows.
     void activate(ProcessID pid) override;
 
     /// `activated` is called from the event loop whenever another copy, or the desktop, activates this one;
