@@ -33,13 +33,14 @@ bool X11QueryConnection::bringUpToDate(Freshness freshness) {
         const auto reply = owned(xcb_get_input_focus_reply(get(), xcb_get_input_focus(get()), nullptr));
         lastRoundTrip_ = Clock::now();
     }
-    dispatchEvents();
+    // Asking the kernel for more each time would be most of the price of a question.
+    dispatchEvents(xcb_poll_for_queued_event);
     return !connection_->isBroken();
 }
 
 bool X11QueryConnection::waitForEvents(Clock::time_point deadline) {
     xcb_flush(get());
-    while (!dispatchEvents()) {
+    while (!dispatchEvents(xcb_poll_for_event)) {
         if (connection_->isBroken())
             return false;
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
@@ -51,9 +52,9 @@ bool X11QueryConnection::waitForEvents(Clock::time_point deadline) {
     return true;
 }
 
-bool X11QueryConnection::dispatchEvents() {
+bool X11QueryConnection::dispatchEvents(EventSource next) {
     bool hadEvents = false;
-    while (const auto event = owned(xcb_poll_for_event(get()))) {
+    while (const auto event = owned(next(get()))) {
         if (event->response_type == 0)
             continue; // the error of a request about a window that vanished
         hadEvents = true;

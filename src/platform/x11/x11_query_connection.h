@@ -53,7 +53,8 @@ public:
     bool waitForEvents(Clock::time_point deadline);
 
 private:
-    bool dispatchEvents();
+    using EventSource = xcb_generic_event_t* (*)(xcb_connection_t*);
+    bool dispatchEvents(EventSource next);
     void beginUse();
     void endUseWhenIdle();
 

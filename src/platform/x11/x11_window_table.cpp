@@ -43,7 +43,7 @@ bool X11WindowTable::refreshPlaces() {
     if (!connection_.bringUpToDate(Freshness::now))
         return refresh(Freshness::recent);
     for (auto& [id, entry] : entries_)
-        entry.outdated = entry.outdated | WindowPart::visibility | WindowPart::geometry;
+        markOutdated(entry, WindowPart::visibility | WindowPart::geometry);
     return refresh(Freshness::recent);
 }
 
@@ -64,7 +64,12 @@ Rect X11WindowTable::frame(const X11Window& window) const {
 
 void X11WindowTable::markOutdated(xcb_window_t window, WindowPart parts) {
     if (const auto found = entries_.find(window); found != entries_.end())
-        found->second.outdated = found->second.outdated | parts;
+        markOutdated(found->second, parts);
+}
+
+void X11WindowTable::markOutdated(Entry& entry, WindowPart parts) {
+    entry.outdated = entry.outdated | parts;
+    hasOutdated_ = true;
 }
 
 void X11WindowTable::readRoot() {
@@ -101,6 +106,7 @@ void X11WindowTable::takeWindowList(const std::vector<std::uint32_t>& bottomToTo
         stacking_.push_back(*id);
         if (isNew) {
             entry.window.id = *id;
+            markOutdated(entry, WindowPart::all);
             // Selected before anything is read, so that no change falls between.
             selectWindowEvents(connection_.get(), *id,
                                XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
@@ -118,6 +124,9 @@ void X11WindowTable::takeWindowList(const std::vector<std::uint32_t>& bottomToTo
 }
 
 void X11WindowTable::readOutdated() {
+    if (!hasOutdated_)
+        return;
+    hasOutdated_ = false;
     std::vector<X11WindowReader::Task> tasks;
     for (auto& [id, entry] : entries_) {
         if (entry.outdated == WindowPart::none)
@@ -125,8 +134,6 @@ void X11WindowTable::readOutdated() {
         tasks.push_back({.window = &entry.window, .parts = entry.outdated});
         entry.outdated = WindowPart::none;
     }
-    if (tasks.empty())
-        return;
     reader_.read(tasks);
     std::set<xcb_window_t> gone;
     for (const auto& task : tasks) {
@@ -164,7 +171,7 @@ void X11WindowTable::handleRootProperty(xcb_atom_t property) {
     } else if (property == atoms.netCurrentDesktop) {
         isRootOutdated_ = true;
         for (auto& [id, entry] : entries_)
-            entry.outdated = entry.outdated | WindowPart::visibility;
+            markOutdated(entry, WindowPart::visibility);
     }
 }
 

@@ -51,10 +51,11 @@ public:
 private:
     struct Entry {
         X11Window window;
-        WindowPart outdated = WindowPart::all;
+        WindowPart outdated = WindowPart::none;
         bool isListed = false;
     };
 
+    void markOutdated(Entry& entry, WindowPart parts);
     void readRoot();
     void takeWindowList(const std::vector<std::uint32_t>& bottomToTop);
     void readOutdated();
@@ -71,6 +72,7 @@ private:
     std::map<ApplicationClues, ApplicationIdentity> identities_;
     bool hasWindowList_ = false;
     bool isRootOutdated_ = true;
+    bool hasOutdated_ = false; ///< some entry is; most questions find none, so they need not look
     std::optional<std::uint32_t> currentDesktop_;
     std::optional<xcb_window_t> activeWindow_;
     PixelRect primary_;
