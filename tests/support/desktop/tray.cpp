@@ -122,7 +122,7 @@ void Tray::RegisterStatusNotifierItem(const QString& item) {
     departures_.addWatchedService(service_);
     bus_.connect(service_, path_, itemInterface, "NewIcon", this, SLOT(noteNewIcon()));
     bus_.connect(service_, QString(), menuInterface, "LayoutUpdated", this, SLOT(noteNewMenu()));
-    emit StatusNotifierItemRegistered(service_ + path_);
+    Q_EMIT StatusNotifierItemRegistered(service_ + path_);
 }
 
 void Tray::forget(const QString& service) {
@@ -133,7 +133,7 @@ void Tray::forget(const QString& service) {
     departures_.removeWatchedService(service_);
     service_.clear();
     path_.clear();
-    emit StatusNotifierItemUnregistered(service);
+    Q_EMIT StatusNotifierItemUnregistered(service);
 }
 
 bool Tray::waitForItem() {

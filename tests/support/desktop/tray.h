@@ -64,16 +64,16 @@ public:
     /// disabled.
     bool choose(const std::vector<std::string>& path);
 
-public slots:
+public Q_SLOTS:
     void RegisterStatusNotifierItem(const QString& item);
-    void RegisterStatusNotifierHost(const QString&) { emit StatusNotifierHostRegistered(); }
+    void RegisterStatusNotifierHost(const QString&) { Q_EMIT StatusNotifierHostRegistered(); }
 
-signals:
+Q_SIGNALS:
     void StatusNotifierItemRegistered(const QString& item);
     void StatusNotifierItemUnregistered(const QString& item);
     void StatusNotifierHostRegistered();
 
-private slots:
+private Q_SLOTS:
     void noteNewIcon() { ++iconChanges_; }
     void noteNewMenu() {} // only its arrival matters: it wakes whoever waits
 
