@@ -14,7 +14,8 @@ if(TAVRIN_SANITIZE)
 endif()
 if(TAVRIN_FUZZ)
     target_compile_options(tavrin_compiler_settings INTERFACE
-        -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
+        -fsanitize-coverage-ignorelist=${PROJECT_SOURCE_DIR}/fuzz/uncounted.txt)
     target_link_options(tavrin_compiler_settings INTERFACE -fsanitize=address,undefined)
 endif()
 

@@ -3,6 +3,5 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace tavrin;
-    fuzz::checkDataFile<std::vector<SavedLayout>>(fuzz::textOf(data, size));
-    return 0;
+    return fuzz::checkDataFile<std::vector<SavedLayout>>(fuzz::textOf(data, size));
 }

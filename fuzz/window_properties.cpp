@@ -15,7 +15,7 @@ namespace {
 
 using namespace tavrin;
 
-constexpr std::size_t limit = 256;
+constexpr std::size_t limit = 64;
 
 /// The answer of a server with a property of any type, format and content.
 class Answer {
