@@ -8,6 +8,8 @@
 #include <QGuiApplication>
 #include <QPalette>
 
+#include <initializer_list>
+
 namespace tavrin {
 namespace {
 
@@ -17,13 +19,22 @@ const auto settingsInterface = QLatin1String("org.freedesktop.portal.Settings");
 const auto appearanceGroup = QLatin1String("org.freedesktop.appearance");
 const auto colorSchemeKey = QLatin1String("color-scheme");
 
-/// The panel of these desktops is dark whatever the colour scheme of the windows is.
-bool desktopHasDarkPanel() {
+const auto xfceService = QLatin1String("org.xfce.Xfconf");
+const auto xfcePath = QLatin1String("/org/xfce/Xfconf");
+const auto xfcePanel = QLatin1String("xfce4-panel");
+const auto xfceDarkMode = QLatin1String("/panels/dark-mode");
+
+bool desktopIsOneOf(std::initializer_list<const char*> desktops) {
     for (const QByteArray& name : qgetenv("XDG_CURRENT_DESKTOP").split(':'))
-        for (const char* dark : {"GNOME", "Unity", "Pantheon"})
-            if (name.compare(dark, Qt::CaseInsensitive) == 0)
+        for (const char* desktop : desktops)
+            if (name.compare(desktop, Qt::CaseInsensitive) == 0)
                 return true;
     return false;
+}
+
+/// The panel of these desktops is dark whatever the colour scheme of the windows is.
+bool desktopHasDarkPanel() {
+    return desktopIsOneOf({"GNOME", "Unity", "Pantheon"});
 }
 
 /// 1 prefers dark, 2 prefers light, anything else has no preference.
@@ -49,6 +60,11 @@ PanelShade::PanelShade(std::function<void()> changed) : changed_(std::move(chang
     auto* owners =
         new QDBusServiceWatcher(portalService, bus, QDBusServiceWatcher::WatchForRegistration, this);
     connect(owners, &QDBusServiceWatcher::serviceRegistered, this, &PanelShade::askPortal);
+    if (desktopIsOneOf({"XFCE"})) {
+        bus.connect(xfceService, xfcePath, xfceService, QStringLiteral("PropertyChanged"),
+                    {xfcePanel, xfceDarkMode}, QString(), this, SLOT(xfcePanelChanged(QDBusMessage)));
+        askXfce();
+    }
     QCoreApplication::instance()->installEventFilter(this);
     update();
     askPortal();
@@ -93,9 +109,32 @@ void PanelShade::answered(QDBusPendingCallWatcher& call) {
     update();
 }
 
+void PanelShade::askXfce() {
+    auto message =
+        QDBusMessage::createMethodCall(xfceService, xfcePath, xfceService, QStringLiteral("GetProperty"));
+    message << QString(xfcePanel) << QString(xfceDarkMode);
+    auto* call = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
+        call->deleteLater();
+        const QDBusPendingReply<QDBusVariant> reply = *call;
+        if (!reply.isValid())
+            return;
+        hasDarkXfcePanel_ = reply.value().variant().toBool();
+        update();
+    });
+}
+
+void PanelShade::xfcePanelChanged(const QDBusMessage& message) {
+    const auto arguments = message.arguments();
+    if (arguments.size() != 3)
+        return;
+    hasDarkXfcePanel_ = arguments[2].value<QDBusVariant>().variant().toBool();
+    update();
+}
+
 void PanelShade::update() {
     auto shade = scheme_.value_or(shadeOf(QGuiApplication::palette().color(QPalette::Window)));
-    if (desktopHasDarkPanel())
+    if (desktopHasDarkPanel() || hasDarkXfcePanel_)
         shade = Shade::dark;
     if (shade == shade_)
         return;

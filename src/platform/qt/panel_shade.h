@@ -12,8 +12,8 @@ class QDBusPendingCallWatcher;
 
 namespace tavrin {
 
-/// Whether the panels of this desktop are light or dark, as far as the desktop tells: by its kind, by the
-/// colour scheme of its settings portal, else by the program's own palette.
+/// Whether the panels of this desktop are light or dark, as far as the desktop tells: by its kind, by its
+/// panel's own setting, by the colour scheme of its settings portal, else by the program's own palette.
 class PanelShade final : public QObject {
     Q_OBJECT
 
@@ -30,14 +30,17 @@ protected:
 
 private Q_SLOTS:
     void settingChanged(const QDBusMessage& message);
+    void xfcePanelChanged(const QDBusMessage& message);
 
 private:
     void askPortal();
+    void askXfce();
     void answered(QDBusPendingCallWatcher& call);
     void update();
 
     std::function<void()> changed_;
     std::optional<Shade> scheme_; ///< what the portal says
+    bool hasDarkXfcePanel_ = false;
     Shade shade_ = Shade::light;
 };
 
