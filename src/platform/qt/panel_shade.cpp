@@ -32,9 +32,9 @@ bool desktopIsOneOf(std::initializer_list<const char*> desktops) {
     return false;
 }
 
-/// The panel of these desktops is dark whatever the colour scheme of the windows is.
+/// The panel of these desktops is dark, unless themed, whatever the colour scheme of the windows is.
 bool desktopHasDarkPanel() {
-    return desktopIsOneOf({"GNOME", "Unity", "Pantheon"});
+    return desktopIsOneOf({"GNOME", "Unity", "Pantheon", "X-Cinnamon"});
 }
 
 /// 1 prefers dark, 2 prefers light, anything else has no preference.
