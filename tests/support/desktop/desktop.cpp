@@ -82,9 +82,11 @@ void Desktop::prepareEnvironment() {
 }
 
 bool Desktop::startWindowManager() {
-    const QString program = qEnvironmentVariable("TAVRIN_TEST_WM", "openbox");
-    windowManager_ =
-        startProgram(program, program == "xfwm4" ? QStringList{"--compositor=off"} : QStringList{});
+    auto command = QProcess::splitCommand(qEnvironmentVariable("TAVRIN_TEST_WM", "openbox"));
+    const QString program = command.takeFirst();
+    if (program == "xfwm4")
+        command.append("--compositor=off");
+    windowManager_ = startProgram(program, command);
     if (!windowManager_)
         return false;
     // Managers announce themselves before they are ready, and openbox leaves a window that comes in between

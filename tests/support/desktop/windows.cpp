@@ -12,6 +12,14 @@ namespace {
 constexpr std::uint32_t northWestGravity = 1;
 constexpr std::uint32_t sourceIsPager = 2;
 
+/// Some window managers surround a window with an invisible border to drag at.
+bool fillsEvenly(const Rect& visible, const Rect& outermost) {
+    const double left = visible.x - outermost.x;
+    const double right = outermost.x + outermost.width - visible.x - visible.width;
+    const double bottom = outermost.y + outermost.height - visible.y - visible.height;
+    return left >= 0 && left == right && left == bottom && visible.y >= outermost.y;
+}
+
 } // namespace
 
 void Windows::follow(xcb_window_t window) {
@@ -199,7 +207,8 @@ bool Windows::changeMaximised(xcb_window_t window, bool isWanted) {
     // The borders change with the state, in steps: done is when what is told agrees with what is there.
     return waitUntil([&] {
         const auto now = visibleFrame(window);
-        return isMaximised(window) == isWanted && now != before && now == outermost(window);
+        const auto outer = outermost(window);
+        return isMaximised(window) == isWanted && now != before && now && outer && fillsEvenly(*now, *outer);
     });
 }
 
