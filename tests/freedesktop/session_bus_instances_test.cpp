@@ -31,27 +31,19 @@ protected:
     const ProcessID ownPID = ::getpid();
 };
 
-TEST_F(SessionBusInstancesTest, theFirstIsAloneAndLaterOnesSeeIt) {
-    auto first = instances(ownPID);
-    EXPECT_EQ(first.runningInstances(), (Probes{{ownPID, name}}));
+TEST_F(SessionBusInstancesTest, theFirstIsSeenUntilItEnds) {
+    std::unique_ptr<SessionBusInstances> first(new SessionBusInstances(instances(ownPID)));
+    EXPECT_EQ(first->runningInstances(), (Probes{{ownPID, name}}));
     {
         auto second = instances(secondPID);
         EXPECT_EQ(second.runningInstances(), (Probes{{ownPID, name}, {secondPID, name}}));
-        EXPECT_EQ(first.runningInstances(), (Probes{{ownPID, name}}));
     }
-    EXPECT_EQ(first.runningInstances(), (Probes{{ownPID, name}})) << "the other's end takes nothing away";
-}
-
-TEST_F(SessionBusInstancesTest, theNameOfOneThatEndedIsFree) {
-    auto second = instances(secondPID);
-    {
-        auto first = instances(ownPID);
-        first.runningInstances();
-        EXPECT_EQ(second.runningInstances().size(), 2U);
-    }
-    // Also not the second's: whoever asks next has it.
-    auto third = instances(secondPID + 1);
-    EXPECT_EQ(third.runningInstances(), (Probes{{secondPID + 1, name}}));
+    EXPECT_EQ(first->runningInstances(), (Probes{{ownPID, name}})) << "the other's end takes nothing away";
+    auto waiting = instances(secondPID);
+    EXPECT_EQ(waiting.runningInstances().size(), 2U);
+    first.reset();
+    // The name is not the waiting one's either: whoever asks next has it.
+    EXPECT_EQ(instances(secondPID + 1).runningInstances(), (Probes{{secondPID + 1, name}}));
 }
 
 TEST_F(SessionBusInstancesTest, ofManyThatStartAtOnceExactlyOneIsAlone) {

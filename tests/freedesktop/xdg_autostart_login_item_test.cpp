@@ -93,18 +93,6 @@ TEST_F(LoginItemTest, theStatusIsWhatTheSessionWouldDo) {
     fs::current_path(oldFolder);
 }
 
-TEST_F(LoginItemTest, theUsersEntryStandsForTheSystems) {
-    auto item = this->item();
-    directory.write(systemEntry, "[Desktop Entry]\nType=Application\nExec=tavrin");
-    EXPECT_EQ(item.status(), enabled);
-    fs::create_directories(path("config/autostart"));
-    fs::create_symlink("/dev/null", path(userEntry));
-    EXPECT_EQ(item.status(), notRegistered);
-    fs::remove(path(userEntry));
-    directory.write(userEntry, "[Desktop Entry]\nType=Application\nExec=tavrin\nHidden=true");
-    EXPECT_EQ(item.status(), notRegistered);
-}
-
 TEST_F(LoginItemTest, registeringAndUnregistering) {
     auto item = this->item();
     ASSERT_TRUE(item.registerItem());
@@ -145,9 +133,10 @@ TEST_F(LoginItemTest, registeringKeepsWhatTheUserAdded) {
     EXPECT_EQ(item.status(), enabled);
 }
 
-TEST_F(LoginItemTest, aSystemsEntryIsHiddenInsteadOfRemoved) {
+TEST_F(LoginItemTest, theUsersEntryHidesOrReplacesTheSystems) {
     directory.write(systemEntry, "[Desktop Entry]\nType=Application\nName=System's\nExec=tavrin\n");
     auto item = this->item();
+    EXPECT_EQ(item.status(), enabled);
     ASSERT_TRUE(item.unregisterItem());
     EXPECT_EQ(item.status(), notRegistered);
     EXPECT_TRUE(parseDesktopEntry(directory.read(userEntry))->isHidden);
@@ -156,6 +145,10 @@ TEST_F(LoginItemTest, aSystemsEntryIsHiddenInsteadOfRemoved) {
     ASSERT_TRUE(item.registerItem());
     EXPECT_EQ(item.status(), enabled);
     EXPECT_EQ(parseDesktopEntry(directory.read(userEntry))->name, "System's");
+
+    fs::remove(path(userEntry));
+    fs::create_symlink("/dev/null", path(userEntry));
+    EXPECT_EQ(item.status(), notRegistered);
 }
 
 TEST_F(LoginItemTest, failuresSayWhereAndWhy) {
