@@ -61,7 +61,7 @@ AppDelegate::AppDelegate(const Platform& platform, UserInterfaceFactory& userInt
           .clock = platform_.clock,
           .dataDirectory = paths().rootURL,
           .processIdentifier = platform_.processIdentifier,
-          .saveCurrentLayout = [this] { capturePopoverController_.show(); },
+          .saveCurrentLayout = [this](const Rect& beside) { capturePopoverController_.show(beside); },
           .restoreLayout =
               [this](const Uuid& layoutID) {
                   if (statusItemController_)

@@ -33,8 +33,8 @@ public:
     /// Always the same answer for the same clues while the installed applications and the process stay.
     virtual ApplicationIdentity identify(const ApplicationClues& clues) = 0;
 
-    /// The icon name of the application with that bundle identifier; absent when it is not installed.
-    virtual std::optional<std::string> iconName(const std::string& bundleIdentifier) = 0;
+    /// The application with that bundle identifier; without name and icon when it is not installed.
+    virtual ApplicationIdentity installedApplication(const std::string& bundleIdentifier) = 0;
 };
 
 } // namespace tavrin

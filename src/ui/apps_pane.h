@@ -11,13 +11,13 @@
 
 namespace tavrin {
 
-/// An application of which a window is open.
-struct OpenApplication {
+/// An application as the pane lists it.
+struct ListedApplication {
     std::string bundleIdentifier;
-    std::string name;
+    std::string name; ///< the identifier when nobody knows a name
     std::optional<std::string> iconName;
 
-    bool operator==(const OpenApplication&) const = default;
+    bool operator==(const ListedApplication&) const = default;
 };
 
 /// The list of excluded applications, with the applications that are open now to pick from.
@@ -34,13 +34,12 @@ public:
 
     ExclusionListView exclusions;
 
-    /// The applications with open windows that are not excluded yet, by name.
-    std::vector<OpenApplication> openApplications();
+    /// The excluded applications in the order of adding. Those that are not installed have the name of
+    /// their open windows, if there are any.
+    std::vector<ListedApplication> excludedApplications();
 
-    /// The icon of an application; absent when it is not installed.
-    std::optional<std::string> iconName(const std::string& bundleIdentifier) {
-        return catalog_.iconName(bundleIdentifier);
-    }
+    /// The applications with open windows that are not excluded yet, by name.
+    std::vector<ListedApplication> openApplications();
 
 private:
     WindowListProviding& windowProvider_;

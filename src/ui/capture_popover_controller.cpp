@@ -2,7 +2,7 @@
 
 namespace tavrin {
 
-void CapturePopoverController::show() {
+void CapturePopoverController::show(std::optional<Rect> beside) {
     const auto profileID = captureService_.resolveProfileID();
     currentProfileViewModel_.refresh();
     profileListViewModel_.reload();
@@ -14,18 +14,19 @@ void CapturePopoverController::show() {
             existingNames.push_back(layout.name);
     const std::weak_ptr weak = self_;
     popover_.show(std::make_shared<SaveLayoutPopoverView>(
-        std::move(existingNames),
-        [weak, profileID = *profileID](const std::string& name) {
-            const auto self = weak.lock();
-            if (!self)
-                return;
-            (*self)->capture(name, profileID);
-            (*self)->popover_.close();
-        },
-        [weak] {
-            if (const auto self = weak.lock())
-                (*self)->popover_.close();
-        }));
+                      std::move(existingNames),
+                      [weak, profileID = *profileID](const std::string& name) {
+                          const auto self = weak.lock();
+                          if (!self)
+                              return;
+                          (*self)->capture(name, profileID);
+                          (*self)->popover_.close();
+                      },
+                      [weak] {
+                          if (const auto self = weak.lock())
+                              (*self)->popover_.close();
+                      }),
+                  beside);
 }
 
 void CapturePopoverController::updateLayout(std::string_view name, const Uuid& profileID) {

@@ -6,10 +6,11 @@
 #include "ui/popover_surface.h"
 
 #include <memory>
+#include <optional>
 
 namespace tavrin {
 
-/// The quick way to save the windows: asks for a name beside the status item, or captures again under the
+/// The quick way to save the windows: asks for a name, or captures again under the
 /// name of a layout. Failures show nothing and leave nothing behind.
 class CapturePopoverController {
 public:
@@ -20,8 +21,9 @@ public:
           currentProfileViewModel_(currentProfileViewModel), profileListViewModel_(profileListViewModel),
           popover_(popover) {}
 
-    /// Makes sure that the connected setup has a profile, then asks for a name.
-    void show();
+    /// Makes sure that the connected setup has a profile, then asks for a name: beside the status item, or
+    /// beside another place (see `PopoverSurface`).
+    void show(std::optional<Rect> beside = {});
 
     /// Captures again under the name of an existing layout, which that replaces.
     void updateLayout(std::string_view name, const Uuid& profileID);

@@ -46,9 +46,9 @@ void LayoutsPane::appear() {
     reloadModels();
 }
 
-void LayoutsPane::saveLayout() {
+void LayoutsPane::saveLayout(const Rect& beside) {
     if (collaborators_.saveCurrentLayout)
-        collaborators_.saveCurrentLayout();
+        collaborators_.saveCurrentLayout(beside);
 }
 
 void LayoutsPane::confirmSuggestion() {

@@ -25,7 +25,8 @@ public:
     const LayoutsPaneContent& content() const { return content_; }
     Timestamp now() const { return collaborators_.clock.now(); }
 
-    void saveLayout();
+    /// Asks for a name beside that place on the desktop, in the toolkit's coordinates.
+    void saveLayout(const Rect& beside);
     void confirmSuggestion();
 
     void restore(const Uuid& layoutID);

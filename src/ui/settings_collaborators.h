@@ -33,9 +33,10 @@ struct SettingsCollaborators {
     LinkOpener& linkOpener;
     Scheduler& scheduler;
     WallClock& clock;
-    std::filesystem::path dataDirectory;            ///< where the data files lie
-    ProcessID processIdentifier;                    ///< of this program
-    std::function<void()> saveCurrentLayout;        ///< asks for a name and saves, as the menu does
+    std::filesystem::path dataDirectory; ///< where the data files lie
+    ProcessID processIdentifier;         ///< of this program
+    /// Asks for a name beside that place (see `PopoverSurface`) and saves, as the menu does.
+    std::function<void(const Rect& beside)> saveCurrentLayout;
     std::function<void(const Uuid&)> restoreLayout; ///< restores as the menu does
 };
 

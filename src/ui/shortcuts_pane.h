@@ -19,7 +19,7 @@ class ShortcutsPane {
 public:
     static constexpr std::string_view autoDetectTitle = "Auto-detect";
     static constexpr std::string_view autoDetectExplanation =
-        "Restores the default layout of the display setup that is connected.";
+        "Restores the default layout of the connected setup.";
     static constexpr std::string_view emptyText = "Every layout you save can have a shortcut of its own.";
 
     struct Collaborators {

@@ -119,11 +119,10 @@ struct FakeKeys : KeyMonitors {
 };
 
 struct FakeCatalog : ApplicationCatalog {
-    std::map<std::string, std::string> icons;
+    std::map<std::string, ApplicationIdentity> installed;
     ApplicationIdentity identify(const ApplicationClues&) override { return {}; }
-    std::optional<std::string> iconName(const std::string& bundleIdentifier) override {
-        const auto found = icons.find(bundleIdentifier);
-        return found == icons.end() ? std::nullopt : std::optional(found->second);
+    ApplicationIdentity installedApplication(const std::string& bundleIdentifier) override {
+        return installed[bundleIdentifier];
     }
 };
 

@@ -69,8 +69,10 @@ struct FakeHost : ApplicationHost, LinkOpener, SettingsWindowSurface {
 struct FakePopover : PopoverSurface {
     std::shared_ptr<SaveLayoutPopoverView> view;
     int shown = 0;
-    void show(std::shared_ptr<SaveLayoutPopoverView> content) override {
+    std::optional<Rect> place;
+    void show(std::shared_ptr<SaveLayoutPopoverView> content, std::optional<Rect> beside) override {
         view = std::move(content);
+        place = beside;
         ++shown;
     }
     void close() override { view.reset(); }
@@ -88,7 +90,7 @@ struct FakeInterface : UserInterfaceFactory {
         struct Popover : PopoverSurface {
             FakeInterface& owner;
             explicit Popover(FakeInterface& interface) : owner(interface) {}
-            void show(std::shared_ptr<SaveLayoutPopoverView> view) override {
+            void show(std::shared_ptr<SaveLayoutPopoverView> view, std::optional<Rect>) override {
                 owner.popoverShown = std::move(view);
             }
             void close() override { owner.popoverShown.reset(); }

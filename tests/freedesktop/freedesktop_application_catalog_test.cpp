@@ -1,8 +1,11 @@
 #include "../posix/temporary_directory.h"
+#include "base/text.h"
 #include "platform/freedesktop/freedesktop_application_catalog.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <ranges>
 #include <sys/stat.h>
 
 namespace tavrin {
@@ -16,88 +19,193 @@ std::string entry(const std::string& name, const std::string& keys) {
     return "[Desktop Entry]\nType=Application\nName=" + name + "\n" + keys;
 }
 
-/// What a well-filled computer has installed.
-void installApplications(const TemporaryDirectory& share) {
-    const auto install = [&](const std::string& id, const std::string& keys) {
-        share.write("applications/" + id + ".desktop", entry(id, keys));
-    };
-    install("debian-xterm",
-            "Exec=xterm\nStartupWMClass=XTerm\nCategories=System;TerminalEmulator;\nIcon=mini.xterm");
-    install("debian-uxterm", "Exec=uxterm\nStartupWMClass=UXTerm\nCategories=System;TerminalEmulator;");
-    install("htop", "Exec=htop\nTerminal=true");
-    install("mc", "Exec=xterm -e mc");
-    install("org.gnome.Nautilus", "Exec=nautilus --new-window %U\nCategories=GNOME;FileManager;");
-    install("org.gnome.Terminal", "Exec=gnome-terminal\nCategories=TerminalEmulator;");
-    install("terminator", "Exec=terminator\nCategories=TerminalEmulator;");
-    install("org.xfce.mousepad", "Exec=mousepad %U");
-    install("org.xfce.mousepad-settings", "Exec=mousepad --preferences");
-    install("org.kde.kate", "Exec=kate -b %U");
-    install("firefox", "Exec=firefox %u\nStartupWMClass=firefox");
-    install("org.mozilla.firefox", "Exec=/usr/bin/flatpak run --command=firefox org.mozilla.firefox\n"
-                                   "StartupWMClass=org.mozilla.firefox\nX-Flatpak=org.mozilla.firefox");
-    install("firefox_firefox",
-            "Exec=env BAMF=/x /snap/bin/firefox %u\nX-SnapInstanceName=firefox\nNoDisplay=true");
-    install("thunderbird_tb", "Exec=/snap/bin/tb\nX-SnapInstanceName=thunderbird");
-    install("firefox-esr", "Exec=/usr/lib/firefox-esr/firefox-esr %u\nStartupWMClass=Firefox-esr");
-    install("google-chrome", "Exec=/usr/bin/google-chrome-stable %U\nStartupWMClass=Google-chrome");
-    install("com.google.Chrome",
-            "Exec=/usr/bin/google-chrome-stable %U\nStartupWMClass=Google-chrome\nNoDisplay=true");
-    install("chrome-cifh-Default",
-            "Exec=/opt/google/chrome/google-chrome --app-id=cifh\nStartupWMClass=crx_cifh");
-    install("libreoffice-writer", "Exec=libreoffice --writer %U\nStartupWMClass=libreoffice-writer");
-    install("libreoffice-calc", "Exec=libreoffice --calc %U\nStartupWMClass=libreoffice-calc");
-    install("org.libreoffice.LibreOffice", "Exec=/usr/bin/flatpak run org.libreoffice.LibreOffice");
-    install("org.libreoffice.LibreOffice.calc",
-            "Exec=/usr/bin/flatpak run org.libreoffice.LibreOffice --calc\n"
-            "StartupWMClass=libreoffice-calc");
-    install("code", "Exec=/usr/share/code/code %F\nStartupWMClass=Code\nCategories=Development;IDE;");
-    install("code-url-handler",
-            "Exec=/usr/share/code/code --open-url %U\nStartupWMClass=Code\nNoDisplay=true");
-    install("steam", "Exec=/usr/games/steam %U\nCategories=Game;");
-    install("openjdk", "Exec=java -jar\nNoDisplay=true");
-    install("weird", "Exec=/opt/weird/start.sh");
-    install("gimp", "Exec=gimp-2.10 %U");
-    install("python3.11", "Exec=/usr/bin/python3.11\nTerminal=true\nNoDisplay=true");
-    install("text-editor", "Exec=textual\nTerminal=true");
-    install("a-mousepad-page", "Exec=mousepad\nStartupWMClass=Page");
-    install("a-gimp-page", "Exec=gimp-2.10\nStartupWMClass=Page");
-    install("a.flatpak.Calc", "Exec=flatpak run a.flatpak.Calc\nStartupWMClass=libreoffice-calc");
-    install("folder/nested", "Exec=nested");
-    install("gone", "Exec=gone\nHidden=true");
-    share.write("applications/website.desktop", "[Desktop Entry]\nType=Link\nName=Site\nURL=http://x");
+/// What a well-filled computer has installed: a name and the keys of its entry.
+constexpr std::string_view installedApplications = R"(
+debian-xterm | Exec=xterm | StartupWMClass=XTerm | Categories=System;TerminalEmulator; | Icon=mini.xterm
+debian-uxterm | Exec=uxterm | StartupWMClass=UXTerm | Categories=System;TerminalEmulator;
+htop | Exec=htop | Terminal=true
+mc | Exec=xterm -e mc
+org.gnome.Nautilus | Exec=nautilus --new-window %U | Categories=GNOME;FileManager;
+org.gnome.Terminal | Exec=gnome-terminal | Categories=TerminalEmulator;
+terminator | Exec=terminator | Categories=TerminalEmulator;
+org.xfce.mousepad | Exec=mousepad %U
+org.xfce.mousepad-settings | Exec=mousepad --preferences
+org.kde.kate | Exec=kate -b %U
+firefox | Exec=firefox %u | StartupWMClass=firefox
+org.mozilla.firefox | Exec=/usr/bin/flatpak run --command=firefox org.mozilla.firefox |
+    StartupWMClass=org.mozilla.firefox | X-Flatpak=org.mozilla.firefox
+firefox_firefox | Exec=env BAMF=/x /snap/bin/firefox %u | X-SnapInstanceName=firefox | NoDisplay=true
+thunderbird_tb | Exec=/snap/bin/tb | X-SnapInstanceName=thunderbird
+firefox-esr | Exec=/usr/lib/firefox-esr/firefox-esr %u | StartupWMClass=Firefox-esr
+google-chrome | Exec=/usr/bin/google-chrome-stable %U | StartupWMClass=Google-chrome
+com.google.Chrome | Exec=/usr/bin/google-chrome-stable %U | StartupWMClass=Google-chrome | NoDisplay=true
+chrome-cifh-Default | Exec=/opt/google/chrome/google-chrome --app-id=cifh | StartupWMClass=crx_cifh
+libreoffice-writer | Exec=libreoffice --writer %U | StartupWMClass=libreoffice-writer
+libreoffice-calc | Exec=libreoffice --calc %U | StartupWMClass=libreoffice-calc
+org.libreoffice.LibreOffice | Exec=/usr/bin/flatpak run org.libreoffice.LibreOffice
+org.libreoffice.LibreOffice.calc | Exec=/usr/bin/flatpak run org.libreoffice.LibreOffice --calc |
+    StartupWMClass=libreoffice-calc
+code | Exec=/usr/share/code/code %F | StartupWMClass=Code | Categories=Development;IDE;
+code-url-handler | Exec=/usr/share/code/code --open-url %U | StartupWMClass=Code | NoDisplay=true
+steam | Exec=/usr/games/steam %U | Categories=Game;
+openjdk | Exec=java -jar | NoDisplay=true
+weird | Exec=/opt/weird/start.sh
+gimp | Exec=gimp-2.10 %U
+python3.11 | Exec=/usr/bin/python3.11 | Terminal=true | NoDisplay=true
+text-editor | Exec=textual | Terminal=true
+a-mousepad-page | Exec=mousepad | StartupWMClass=Page
+a-gimp-page | Exec=gimp-2.10 | StartupWMClass=Page
+a.flatpak.Calc | Exec=flatpak run a.flatpak.Calc | StartupWMClass=libreoffice-calc
+folder/nested | Exec=nested
+gone | Exec=gone | Hidden=true
+website | Type=Link | URL=http://x
+)";
+
+/// Windows and the identifier each must get: situation | declared identifier | instance | class | identifier,
+/// and where it counts the process as "unit program, words < parent"; a parent without a unit has its
+/// child's.
+constexpr std::string_view windows = R"(
+declared | org.gnome.Nautilus | x | XTerm | org.gnome.Nautilus.desktop
+declared with extension | org.gnome.Nautilus.desktop | | | org.gnome.Nautilus.desktop
+declared as a path | /usr/share/applications/org.kde.kate.desktop | | | org.kde.kate.desktop
+declared in another case | org.gnome.nautilus | | | org.gnome.Nautilus.desktop
+declared but not installed | org.example.None | mousepad | Mousepad | org.xfce.mousepad.desktop
+declared but hidden | gone | gone | Gone | gone.Gone
+
+StartupWMClass | | xterm | XTerm | debian-xterm.desktop
+StartupWMClass in another case | | x | xterm | debian-xterm.desktop
+an own name for the terminal | | my-xterm | XTerm | debian-xterm.desktop
+last part of the name | | nautilus | Nautilus | org.gnome.Nautilus.desktop
+program, the entry without arguments | | mousepad | Mousepad | org.xfce.mousepad.desktop
+program with spaces | | gnome-terminal-server | Gnome terminal | org.gnome.Terminal.desktop
+program with version | | gimp-2.10 | Gimp-2.10 | gimp.desktop
+the instance is a web application | | crx_cifh | Google-chrome | chrome-cifh-Default.desktop
+the browser itself, one shown twice | | google-chrome | Google-chrome | google-chrome.desktop
+another class of a program that announces its own | | firefox-esr | x | firefox-esr.desktop
+one of an office | | libreoffice | libreoffice-calc | libreoffice-calc.desktop
+not the handler of links | | code | Code | code.desktop
+in a folder | | nested | Nested | folder-nested.desktop
+named like a program in a terminal | | python3.11 | x | python3.11.desktop
+a program in a terminal has no window | | textual | Textual | textual.Textual
+an interpreter is no application | | java | Java | java.Java
+a link is no application | | website | Website | website.Website
+nothing installed | | tool | Tool | tool.Tool
+instance only | | tool | | tool
+class only | | | Tool | Tool
+
+started by GNOME | | Navigator | firefox | firefox.desktop | app-gnome-firefox-99.scope /x/firefox
+two fit, it was started as one | | libreoffice-calc | libreoffice-writer | libreoffice-writer.desktop |
+    app-gnome-libreoffice\x2dwriter-9.scope /x/soffice.bin
+odd class, started by KDE | | main | Main | weird.desktop | app-weird@0123abcd.service /opt/weird/bin
+odd class, older KDE | | main | Main | weird.desktop | app-weird-0123abcd.scope /opt/weird/bin
+odd class, started at login | | main | Main | weird.desktop | app-weird@autostart.service /opt/weird/bin
+odd class, plain dashes | | main | Main | google-chrome.desktop | app-google-chrome-12.scope /opt/chrome
+started by the bus | | main | Main | org.kde.kate.desktop | app-dbus.slice/dbus-:1.2-org.kde.kate@0.service /x
+odd class, behind its script | | main | Main | weird.desktop |
+    app-weird-1.scope /opt/weird/bin < /usr/bin/bash, bash, /opt/weird/start.sh
+odd class, started again by itself | | main | Main | weird.desktop |
+    app-weird-1.scope /opt/weird/bin < app-weird-0.scope /opt/weird/start.sh
+started as something unknown | | tool | Tool | tool.Tool | app-nothing-1.scope /x/nothing
+
+the terminal itself | | xterm | XTerm | debian-xterm.desktop | app-debian\x2dxterm-1.scope /usr/bin/xterm
+installed, from a terminal | | mousepad | Mousepad | org.xfce.mousepad.desktop |
+    app-debian\x2dxterm-1.scope /usr/bin/mousepad < /usr/bin/bash < /usr/bin/xterm
+not installed, from a terminal | | tool | Tool | tool.Tool |
+    app-debian\x2dxterm-1.scope /home/me/tool < /usr/bin/bash < /usr/bin/xterm
+odd class, from a terminal, known by its program | | main | Main | org.kde.kate.desktop |
+    app-debian\x2dxterm-1.scope /usr/bin/kate < /usr/bin/bash < /usr/bin/xterm
+from a file manager | | tool | Tool | tool.Tool | app-org.gnome.Nautilus-1.scope /x/tool
+from a development environment | | tool | Tool | tool.Tool | app-code-1.scope /x/tool
+from a script that is a terminal | | tool | Tool | tool.Tool |
+    app-terminator-1.scope /x/tool < /usr/bin/python3.11, python3, /usr/bin/terminator
+from a game launcher | | steam_app_5 | steam_app_5 | steam_app_5.steam_app_5 |
+    app-steam@1.service /x/game < /home/me/.steam/steam
+a tab of a terminal | | tool | Tool | tool.Tool | app-org.gnome.Terminal.slice/vte-spawn-1-2.scope /x/tool
+
+Flatpak beside the installed one | | Navigator | firefox | org.mozilla.firefox.desktop |
+    app-flatpak-org.mozilla.firefox-77.scope /app/firefox
+one of several of a Flatpak | | libreoffice | libreoffice-calc | org.libreoffice.LibreOffice.calc.desktop |
+    app-flatpak-org.libreoffice.LibreOffice-7.scope /app/soffice.bin
+snap beside the installed one | | Navigator | firefox | firefox_firefox.desktop |
+    snap.firefox.firefox-01234567-89ab-cdef-0123-456789abcdef.scope /snap/firefox/1/firefox
+snap with another name for its entry | | Mail | odd | thunderbird_tb.desktop |
+    snap.thunderbird.thunderbird.01234567-89ab-cdef-0123-456789abcdef.scope /snap/x
+
+no class, known by its program | | | | org.kde.kate.desktop | init.scope /usr/bin/kate
+no class, a script | | | | terminator.desktop | init.scope /usr/bin/python3.11, python3, -u, /usr/bin/terminator
+no class, an updated program | | | | org.kde.kate.desktop | init.scope /usr/bin/kate (deleted), renamed
+no class, unknown program | | | | tool | init.scope /x/tool
+)";
+
+/// The parts of a text between separators, without the spaces around them.
+std::vector<std::string> split(std::string_view text, std::string_view separator) {
+    std::vector<std::string> parts;
+    for (const auto part : std::views::split(text, separator))
+        parts.push_back(trimmed(std::string_view(part.begin(), part.end())));
+    return parts;
 }
 
-struct Process {
-    std::string cgroup;  ///< the unit
-    std::string program; ///< the file it executes
-    std::vector<std::string> words = {};
-    std::vector<Process> parent = {}; ///< at most one
-};
+/// The rows of a table; a row that ends with the separator goes on in the next line.
+std::vector<std::vector<std::string>> rows(std::string_view table) {
+    std::vector<std::vector<std::string>> rows;
+    bool goesOn = false;
+    for (const auto& line : split(table, "\n")) {
+        if (line.empty())
+            continue;
+        if (goesOn)
+            rows.back().pop_back();
+        else
+            rows.emplace_back();
+        for (auto& cell : split(line, "|"))
+            rows.back().push_back(std::move(cell));
+        goesOn = line.ends_with('|');
+    }
+    return rows;
+}
+
+void installApplications(const TemporaryDirectory& share) {
+    for (const auto& row : rows(installedApplications)) {
+        auto text = entry(row.front(), "");
+        for (const auto& key : row | std::views::drop(1))
+            text += key + "\n";
+        share.write("applications/" + row.front() + ".desktop", text);
+    }
+}
 
 /// Process files as the kernel shows them.
 class ProcessFiles {
 public:
-    ProcessID add(const Process& process) const {
-        const auto parent = process.parent.empty() ? 1 : add(process.parent.front());
+    ProcessID add(const std::string& process, const std::string& childsUnit = "") {
+        const auto end = std::min(process.find(" < "), process.size());
+        auto words = split(process.substr(0, end), ", ");
+        auto unit = childsUnit;
+        if (!process.starts_with('/')) {
+            unit = process.substr(0, process.find(' '));
+            words.front().erase(0, unit.size() + 1);
+        }
+        const auto parent = end == process.size() ? 1 : add(process.substr(end + 3), unit);
+        const auto program = words.front();
+        if (words.size() > 1)
+            words.erase(words.begin());
         const auto pid = next_++;
         const auto directory = std::to_string(pid);
-        files_.write(directory + "/stat", std::to_string(pid) + " (a) b ) S " + std::to_string(parent) +
+        files_.write(directory + "/stat", directory + " (a) b ) S " + std::to_string(parent) +
                                               " 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 4711 0 0");
         files_.write(directory + "/cgroup", "12:cpu:/app-wrong-1.scope\n0::/user.slice/user-1000.slice/"
                                             "user@1000.service/app.slice/" +
-                                                process.cgroup + "\n");
+                                                unit + "\n");
         std::string line;
-        for (const auto& word : process.words.empty() ? std::vector{process.program} : process.words)
+        for (const auto& word : words)
             line += word + '\0';
         files_.write(directory + "/cmdline", line);
-        fs::create_symlink(process.program, files_.path() / directory / "exe");
+        fs::create_symlink(program, files_.path() / directory / "exe");
         return pid;
     }
     const TemporaryDirectory& files() const { return files_; }
 
 private:
     TemporaryDirectory files_;
-    mutable ProcessID next_ = 100;
+    ProcessID next_ = 100;
 };
 
 class ApplicationCatalogTest : public testing::Test {
@@ -117,205 +225,14 @@ protected:
 
 TEST_F(ApplicationCatalogTest, windowsOfUsualApplicationsFindTheirEntry) {
     installApplications(share);
-    const Process xterm{"app-debian\\x2dxterm-1.scope", "/usr/bin/xterm"};
-    const Process shell{"app-debian\\x2dxterm-1.scope", "/usr/bin/bash", {}, {xterm}};
-    const auto inXterm = [&](const std::string& program) {
-        return Process{"app-debian\\x2dxterm-1.scope", program, {}, {shell}};
-    };
-    struct Case {
-        const char* situation;
-        Process process;
-        const char* applicationID;
-        const char* instance;
-        const char* name;
-        const char* identifier; ///< without ".desktop" for an installed application
-        bool isInstalled = true;
-    };
-    const Case cases[] = {
-        // Declared by the application.
-        {"declared", {}, "org.gnome.Nautilus", "x", "XTerm", "org.gnome.Nautilus"},
-        {"declared with extension", {}, "org.gnome.Nautilus.desktop", "", "", "org.gnome.Nautilus"},
-        {"declared as a path", {}, "/usr/share/applications/org.kde.kate.desktop", "", "", "org.kde.kate"},
-        {"declared in another case", {}, "org.gnome.nautilus", "", "", "org.gnome.Nautilus"},
-        {"declared but not installed", {}, "org.example.None", "mousepad", "Mousepad", "org.xfce.mousepad"},
-        {"declared but hidden", {}, "gone", "gone", "Gone", "gone.Gone", false},
-        // Window classes alone.
-        {"StartupWMClass", {}, "", "xterm", "XTerm", "debian-xterm"},
-        {"StartupWMClass in another case", {}, "", "x", "xterm", "debian-xterm"},
-        {"an own name for the terminal", {}, "", "my-xterm", "XTerm", "debian-xterm"},
-        {"last part of the name", {}, "", "nautilus", "Nautilus", "org.gnome.Nautilus"},
-        {"program, the entry without arguments", {}, "", "mousepad", "Mousepad", "org.xfce.mousepad"},
-        {"program with spaces", {}, "", "gnome-terminal-server", "Gnome terminal", "org.gnome.Terminal"},
-        {"program with version", {}, "", "gimp-2.10", "Gimp-2.10", "gimp"},
-        {"the instance is a web application", {}, "", "crx_cifh", "Google-chrome", "chrome-cifh-Default"},
-        {"the browser itself, one shown twice", {}, "", "google-chrome", "Google-chrome", "google-chrome"},
-        {"another class of a program that announces its own", {}, "", "firefox-esr", "x", "firefox-esr"},
-        {"one of an office", {}, "", "libreoffice", "libreoffice-calc", "libreoffice-calc"},
-        {"not the handler of links", {}, "", "code", "Code", "code"},
-        {"in a folder", {}, "", "nested", "Nested", "folder-nested"},
-        {"named like a program in a terminal", {}, "", "python3.11", "x", "python3.11"},
-        {"a program in a terminal has no window", {}, "", "textual", "Textual", "textual.Textual", false},
-        {"an interpreter is no application", {}, "", "java", "Java", "java.Java", false},
-        {"a link is no application", {}, "", "website", "Website", "website.Website", false},
-        {"nothing installed", {}, "", "tool", "Tool", "tool.Tool", false},
-        // What the process was started as.
-        {"started by GNOME",
-         {"app-gnome-firefox-99.scope", "/x/firefox"},
-         "",
-         "Navigator",
-         "firefox",
-         "firefox"},
-        {"two fit, it was started as one",
-         {"app-gnome-libreoffice\\x2dwriter-9.scope", "/x/soffice.bin"},
-         "",
-         "libreoffice-calc",
-         "libreoffice-writer",
-         "libreoffice-writer"},
-        {"odd class, started by KDE",
-         {"app-weird@0123abcd.service", "/opt/weird/bin"},
-         "",
-         "main",
-         "Main",
-         "weird"},
-        {"odd class, older KDE", {"app-weird-0123abcd.scope", "/opt/weird/bin"}, "", "main", "Main", "weird"},
-        {"odd class, started at login",
-         {"app-weird@autostart.service", "/opt/weird/bin"},
-         "",
-         "main",
-         "Main",
-         "weird"},
-        {"odd class, unescaped dashes",
-         {"app-google-chrome-12.scope", "/opt/chrome"},
-         "",
-         "main",
-         "Main",
-         "google-chrome"},
-        {"odd class, started by the bus",
-         {"app-dbus.slice/dbus-:1.2-org.kde.kate@0.service", "/x"},
-         "",
-         "main",
-         "Main",
-         "org.kde.kate"},
-        {"odd class, behind its script",
-         {"app-weird-1.scope",
-          "/opt/weird/bin",
-          {},
-          {{"app-weird-1.scope", "/usr/bin/bash", {"bash", "/opt/weird/start.sh"}}}},
-         "",
-         "main",
-         "Main",
-         "weird"},
-        {"odd class, started again by itself",
-         {"app-weird-1.scope", "/opt/weird/bin", {}, {{"app-weird-0.scope", "/opt/weird/start.sh"}}},
-         "",
-         "main",
-         "Main",
-         "weird"},
-        {"started as something unknown",
-         {"app-nothing-1.scope", "/x/nothing"},
-         "",
-         "tool",
-         "Tool",
-         "tool.Tool",
-         false},
-        // Programs started from others live in their scope.
-        {"the terminal itself", xterm, "", "xterm", "XTerm", "debian-xterm"},
-        {"installed, from a terminal", inXterm("/usr/bin/mousepad"), "", "mousepad", "Mousepad",
-         "org.xfce.mousepad"},
-        {"not installed, from a terminal", inXterm("/home/me/tool"), "", "tool", "Tool", "tool.Tool", false},
-        {"odd class, from a terminal, known by its program", inXterm("/usr/bin/kate"), "", "main", "Main",
-         "org.kde.kate"},
-        {"from a file manager",
-         {"app-org.gnome.Nautilus-1.scope", "/x/tool"},
-         "",
-         "tool",
-         "Tool",
-         "tool.Tool",
-         false},
-        {"from a development environment",
-         {"app-code-1.scope", "/x/tool"},
-         "",
-         "tool",
-         "Tool",
-         "tool.Tool",
-         false},
-        {"from a script that is a terminal",
-         {"app-terminator-1.scope",
-          "/x/tool",
-          {},
-          {{"app-terminator-1.scope", "/usr/bin/python3.11", {"python3", "/usr/bin/terminator"}}}},
-         "",
-         "tool",
-         "Tool",
-         "tool.Tool",
-         false},
-        {"from a game launcher",
-         {"app-steam@1.service", "/x/game", {}, {{"app-steam@1.service", "/home/me/.steam/steam"}}},
-         "",
-         "steam_app_5",
-         "steam_app_5",
-         "steam_app_5.steam_app_5",
-         false},
-        {"a tab of a terminal",
-         {"app-org.gnome.Terminal.slice/vte-spawn-1-2.scope", "/x/tool"},
-         "",
-         "tool",
-         "Tool",
-         "tool.Tool",
-         false},
-        // Sandboxes.
-        {"Flatpak beside the installed one",
-         {"app-flatpak-org.mozilla.firefox-77.scope", "/app/firefox"},
-         "",
-         "Navigator",
-         "firefox",
-         "org.mozilla.firefox"},
-        {"one of several of a Flatpak",
-         {"app-flatpak-org.libreoffice.LibreOffice-7.scope", "/app/soffice.bin"},
-         "",
-         "libreoffice",
-         "libreoffice-calc",
-         "org.libreoffice.LibreOffice.calc"},
-        {"snap beside the installed one",
-         {"snap.firefox.firefox-01234567-89ab-cdef-0123-456789abcdef.scope", "/snap/firefox/1/firefox"},
-         "",
-         "Navigator",
-         "firefox",
-         "firefox_firefox"},
-        {"snap with another name for its entry",
-         {"snap.thunderbird.thunderbird.01234567-89ab-cdef-0123-456789abcdef.scope", "/snap/x"},
-         "",
-         "Mail",
-         "odd",
-         "thunderbird_tb"},
-        // Nothing but the process.
-        {"no class, known by its program", {"init.scope", "/usr/bin/kate"}, "", "", "", "org.kde.kate"},
-        {"no class, a script",
-         {"init.scope", "/usr/bin/python3.11", {"python3", "-u", "/usr/bin/terminator"}},
-         "",
-         "",
-         "",
-         "terminator"},
-        {"no class, an updated program",
-         {"init.scope", "/usr/bin/kate (deleted)", {"renamed"}},
-         "",
-         "",
-         "",
-         "org.kde.kate"},
-        {"no class, unknown program", {"init.scope", "/x/tool"}, "", "", "", "tool", false},
-        {"instance only", {}, "", "tool", "", "tool", false},
-        {"class only", {}, "", "", "Tool", "Tool", false},
-    };
     auto applications = catalog();
-    for (const auto& test : cases) {
-        ApplicationClues clues{{}, test.applicationID, test.instance, test.name};
-        if (!test.process.program.empty())
-            clues.pid = processes.add(test.process);
+    for (const auto& row : rows(windows)) {
+        ApplicationClues clues{{}, row.at(1), row.at(2), row.at(3)};
+        if (row.size() > 5)
+            clues.pid = processes.add(row[5]);
         const auto identity = applications.identify(clues);
-        EXPECT_EQ(identity.bundleIdentifier,
-                  test.identifier + std::string(test.isInstalled ? ".desktop" : ""))
-            << test.situation;
-        EXPECT_EQ(applications.identify(clues), identity) << test.situation;
+        EXPECT_EQ(identity.bundleIdentifier, row.at(4)) << row[0];
+        EXPECT_EQ(applications.identify(clues), identity) << row[0];
     }
     EXPECT_EQ(applications.identify({}), ApplicationIdentity());
     EXPECT_EQ(applications.identify({.pid = 4}), ApplicationIdentity());
@@ -333,9 +250,10 @@ TEST_F(ApplicationCatalogTest, tellsNameAndIconOfTheEntryElseTheClass) {
               (ApplicationIdentity{"bare.desktop", "Bare", std::nullopt}));
     EXPECT_EQ(applications.identify({.instanceName = "other", .className = "Ot\xFFher "}),
               (ApplicationIdentity{"other.Ot\xEF\xBF\xBDher", "Ot\xEF\xBF\xBDher", std::nullopt}));
-    EXPECT_EQ(applications.iconName("xterm.desktop"), "konsole");
-    EXPECT_EQ(applications.iconName("bare.desktop"), std::nullopt);
-    EXPECT_EQ(applications.iconName("other.Other"), std::nullopt);
+    EXPECT_EQ(applications.installedApplication("xterm.desktop"),
+              (ApplicationIdentity{"xterm.desktop", "Konsole", "konsole"}));
+    EXPECT_EQ(applications.installedApplication("bare.desktop").iconName, std::nullopt);
+    EXPECT_EQ(applications.installedApplication("other.Other").name, std::nullopt);
 }
 
 TEST_F(ApplicationCatalogTest, theUsersEntriesComeBeforeTheSystems) {
@@ -394,7 +312,7 @@ TEST_F(ApplicationCatalogTest, noticesWhatIsInstalledLaterAndLooksRarely) {
 TEST_F(ApplicationCatalogTest, aNumberUsedAgainIsAnotherProcess) {
     installApplications(share);
     auto applications = catalog();
-    const auto pid = processes.add({"init.scope", "/usr/bin/kate"});
+    const auto pid = processes.add("init.scope /usr/bin/kate");
     const ApplicationClues clues{.pid = pid, .instanceName = "main", .className = "Main"};
     EXPECT_EQ(applications.identify(clues).bundleIdentifier, "org.kde.kate.desktop");
 
@@ -411,7 +329,7 @@ TEST_F(ApplicationCatalogTest, aNumberUsedAgainIsAnotherProcess) {
 TEST_F(ApplicationCatalogTest, aFlatpakIsKnownFromInsideItsSandbox) {
     installApplications(share);
     auto applications = catalog();
-    const auto pid = processes.add({"session.scope", "/app/firefox"});
+    const auto pid = processes.add("session.scope /app/firefox");
     processes.files().write(std::to_string(pid) + "/root/.flatpak-info",
                             "[Instance]\nname=wrong\n[Application]\nruntime=x\nname=org.mozilla.firefox\n");
     EXPECT_EQ(applications.identify({.pid = pid, .instanceName = "Navigator", .className = "firefox"})

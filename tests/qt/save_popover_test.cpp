@@ -161,11 +161,12 @@ TEST(QtSavePopoverTest, ShowsOneAtATimeAndMayBeClosedByItsOwnAnswer) {
     };
     for (int i = 0; i < 2; ++i)
         popover.show(std::make_shared<SaveLayoutPopoverView>(
-            std::vector<std::string>{}, [](const std::string&) {},
-            [&] {
-                ++cancelled;
-                popover.close();
-            }));
+                         std::vector<std::string>{}, [](const std::string&) {},
+                         [&] {
+                             ++cancelled;
+                             popover.close();
+                         }),
+                     std::nullopt);
     EXPECT_EQ(host.activations, 2);
     ASSERT_EQ(windows().size(), 1u);
     EXPECT_EQ(windows().front()->pos().y(), 28);
@@ -174,6 +175,12 @@ TEST(QtSavePopoverTest, ShowsOneAtATimeAndMayBeClosedByItsOwnAnswer) {
     QCoreApplication::sendEvent(windows().front(), &escape);
     EXPECT_EQ(cancelled, 1);
     EXPECT_TRUE(windows().empty());
+
+    popover.show(std::make_shared<SaveLayoutPopoverView>(std::vector<std::string>{}, nullptr, nullptr),
+                 Rect{300, 200, 80, 20});
+    ASSERT_EQ(windows().size(), 1u);
+    EXPECT_EQ(windows().front()->pos(), QPoint(189, 226)) << "beside the button that asked for it";
+    popover.close();
     runEventLoopOnce();
 }
 

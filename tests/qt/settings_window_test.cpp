@@ -1,6 +1,7 @@
 #include "platform/qt/icon_resources.h"
 #include "qt/qt_application.h"
 #include "ui/qt/qt_settings_window.h"
+#include "ui/qt/question_sheet.h"
 #include "ui/qt/text_label.h"
 #include "ui/settings_fixture.h"
 
@@ -10,10 +11,13 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QToolButton>
+#include <QWheelEvent>
+
+#include <set>
 
 namespace tavrin {
 namespace {
@@ -91,20 +95,17 @@ protected:
                 return field;
         return nullptr;
     }
-    void answer(const QString& text) {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (auto* box = qobject_cast<QMessageBox*>(widget); box && box->isVisible())
-                for (QAbstractButton* choice : box->buttons())
-                    if (choice->text() == text)
-                        choice->click();
-        runEventLoopOnce();
+    /// What a screen reader calls the control.
+    static std::string spokenName(const QWidget& widget) {
+        const auto* asButton = dynamic_cast<const QAbstractButton*>(&widget);
+        const QString name = widget.accessibleName();
+        return (name.isEmpty() && asButton ? asButton->text() : name).toStdString();
     }
     static void checkControl(QWidget& widget) {
         const auto* asButton = dynamic_cast<QAbstractButton*>(&widget);
-        const auto name = widget.accessibleName().toStdString();
+        const auto name = spokenName(widget);
         if (widget.focusPolicy() & Qt::TabFocus) {
-            EXPECT_FALSE(name.empty() && (!asButton || asButton->text().isEmpty()))
-                << widget.metaObject()->className();
+            EXPECT_FALSE(name.empty()) << widget.metaObject()->className();
         }
         if (asButton || dynamic_cast<QComboBox*>(&widget)) {
             EXPECT_GE(widget.width(), widget.minimumSizeHint().width()) << name;
@@ -197,6 +198,10 @@ TEST_F(SettingsWindowTest, OperatesAutomation) {
     picker->setCurrentIndex(picker->findText("Play"));
     Q_EMIT picker->activated(picker->currentIndex());
     EXPECT_EQ(profileNamed("Desk").defaultLayoutID, playID);
+    QWheelEvent wheel({5, 5}, picker->mapToGlobal(QPointF(5, 5)), {0, -40}, {0, -120}, {}, {},
+                      Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(picker, &wheel);
+    EXPECT_EQ(profileNamed("Desk").defaultLayoutID, playID) << "scrolling over it chooses nothing";
     picker->setCurrentIndex(0);
     Q_EMIT picker->activated(0);
     EXPECT_EQ(profileNamed("Desk").defaultLayoutID, std::nullopt);
@@ -283,22 +288,91 @@ TEST_F(SettingsWindowTest, OperatesLayouts) {
     EXPECT_TRUE(says("Default"));
     choose("More for Work", "Do Not Restore Automatically");
     EXPECT_EQ(profileNamed("Desk").defaultLayoutID, std::nullopt);
-    click(button("Save Layout…"));
+    auto* save = button("Save Layout…");
+    click(save);
     EXPECT_EQ(host.log, "save ");
+    const QPoint corner = save->mapToGlobal(QPoint(0, 0));
+    EXPECT_EQ(savedBeside,
+              (Rect{double(corner.x()), double(corner.y()), double(save->width()), double(save->height())}));
 
     choose("More for Play", "Delete…");
-    answer("Cancel");
+    click(button("Cancel"));
     EXPECT_EQ(layoutNames(), (std::vector<std::string>{"Work", "Play", "Evening"}));
     choose("More for Play", "Delete…");
-    answer("Delete Layout");
+    click(button("Delete Layout"));
     EXPECT_EQ(layoutNames(), (std::vector<std::string>{"Work", "Evening"}));
     for (const char* setup : {"Desk", "Home"}) {
         choose(QString("More for %1").arg(setup), "Delete…");
-        answer("Delete Setup");
+        click(button("Delete Setup"));
     }
     EXPECT_TRUE(store.loadProfiles()->empty());
     click(button("Save Layout…"));
     EXPECT_EQ(host.log, "save save ") << "the empty pane offers it too";
+}
+
+TEST_F(SettingsWindowTest, AQuestionKeepsEverythingElseOutOfReach) {
+    show(SettingsPane::layouts);
+    auto* more = named<QToolButton>("More for Work");
+    more->setFocus();
+    choose("More for Work", "Delete…");
+    EXPECT_TRUE(says("Delete layout “Work”?"));
+    ASSERT_EQ(shown<QuestionSheet>().size(), 1u);
+    const QWidget* sheet = shown<QuestionSheet>().front();
+    window->resize(900, 700);
+    runEventLoopOnce();
+    EXPECT_EQ(sheet->geometry(), window->rect());
+    const QWidget* above = window->childAt(more->mapTo(window, QPoint(5, 5)));
+    EXPECT_TRUE(above == sheet || sheet->isAncestorOf(above));
+    const auto focusedText = [] {
+        const auto* focused = qobject_cast<QAbstractButton*>(QApplication::focusWidget());
+        return focused ? focused->text() : QString();
+    };
+    EXPECT_EQ(focusedText(), "Cancel");
+    press(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(focusedText(), "Delete Layout");
+    press(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(focusedText(), "Cancel");
+    press(QApplication::focusWidget(), Qt::Key_Escape);
+    EXPECT_FALSE(says("Delete layout “Work”?"));
+    EXPECT_EQ(QApplication::focusWidget(), more);
+
+    choose("More for Work", "Delete…");
+    show(SettingsPane::apps);
+    EXPECT_FALSE(says("Delete layout “Work”?")) << "it goes with its pane";
+    EXPECT_EQ(layoutNames().size(), 3u);
+}
+
+// Tab leads from the list of panes through every control of the pane, from top to bottom, and back.
+TEST_F(SettingsWindowTest, ReachesEveryControlByTab) {
+    windows.windows = {testing::window(1, "Editor", "a", {0, 0, 100, 100})};
+    ASSERT_TRUE(settings.save({.excludedBundleIDs = {"a.b", "c.d"}}));
+    shortcuts.setLayoutShortcut(KeyCombo{keyR, control | option}, workID);
+    attempts.record(time.now(), RestoreTriggerSource::shortcut, testing::layout("Work", {}),
+                    RestoreResult(2, 1, 1, {"Editor: first"}));
+    for (int pane = 0; pane < 5; ++pane) {
+        show(static_cast<SettingsPane>(pane));
+        if (static_cast<SettingsPane>(pane) == SettingsPane::advanced)
+            click(button("Troubleshooting"));
+        std::set<std::string> expected;
+        for (auto* widget : shown())
+            if (widget->focusPolicy() & Qt::TabFocus && widget->isEnabled() && widget != &sideList())
+                expected.insert(spokenName(*widget));
+        sideList().setFocus();
+        std::set<std::string> reached;
+        int bottom = 0;
+        for (press(&sideList(), Qt::Key_Tab); QApplication::focusWidget() != &sideList();
+             press(QApplication::focusWidget(), Qt::Key_Tab)) {
+            const auto* focused = QApplication::focusWidget();
+            ASSERT_TRUE(reached.insert(spokenName(*focused)).second)
+                << "pane " << pane << " goes round in a circle";
+            const int lowerEdge = focused->mapTo(window, QPoint(0, focused->height())).y();
+            const auto* area = window->findChild<QScrollArea*>();
+            EXPECT_GE(lowerEdge + area->verticalScrollBar()->value(), bottom) << spokenName(*focused);
+            bottom = lowerEdge + area->verticalScrollBar()->value() - focused->height();
+            EXPECT_LE(lowerEdge, window->height()) << "scrolled into sight";
+        }
+        EXPECT_EQ(reached, expected) << "pane " << pane;
+    }
 }
 
 TEST_F(SettingsWindowTest, RenamesInPlace) {

@@ -85,14 +85,20 @@ TEST_F(AppsPaneTest, OffersTheApplicationsWithOpenWindowsOnce) {
                        testing::window(2, "Editor", "b", {0, 0, 100, 100}),
                        testing::window(3, "xterm", "c", {0, 0, 100, 100})};
     windows.windows.back().bundleIdentifier = "xterm";
-    catalog.icons["xterm"] = "terminal";
+    catalog.installed["xterm"] = {"xterm", "Terminal", "terminal"};
     view.appear();
-    EXPECT_EQ(pane.openApplications(), (std::vector<OpenApplication>{{"Editor.desktop", "Editor", {}},
-                                                                     {"xterm", "xterm", "terminal"}}));
+    EXPECT_EQ(pane.openApplications(), (std::vector<ListedApplication>{{"Editor.desktop", "Editor", {}},
+                                                                       {"xterm", "xterm", "terminal"}}));
     view.addRunning("xterm");
     view.addRunning("xterm");
     EXPECT_EQ(stored(), List{"xterm"}) << "an identifier that exists need not look like one";
-    EXPECT_EQ(pane.openApplications(), (std::vector<OpenApplication>{{"Editor.desktop", "Editor", {}}}));
+    view.addRunning("Editor.desktop");
+    view.addRunning("gone");
+    EXPECT_EQ(pane.excludedApplications(), (std::vector<ListedApplication>{{"xterm", "Terminal", "terminal"},
+                                                                           {"Editor.desktop", "Editor", {}},
+                                                                           {"gone", "gone", {}}}));
+    view.remove("Editor.desktop");
+    EXPECT_EQ(pane.openApplications(), (std::vector<ListedApplication>{{"Editor.desktop", "Editor", {}}}));
 }
 
 } // namespace

@@ -210,7 +210,7 @@ TEST_F(LayoutsPaneTest, RestoresAndSavesThroughTheProgram) {
     pane.restore(Uuid::random());
     EXPECT_EQ(restored, std::vector{workID});
     EXPECT_EQ(card(workID).status, "Restored: 1 of 2 windows in place.");
-    pane.saveLayout();
+    pane.saveLayout({10, 20, 80, 20});
     EXPECT_EQ(host.log, "save ");
 }
 

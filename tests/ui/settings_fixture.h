@@ -59,6 +59,7 @@ public:
                             .clock = time},
                            4711};
     std::vector<Uuid> restored;
+    Rect savedBeside;
     SettingsCollaborators collaborators{
         .permissionStatusViewModel = permissionModel,
         .profileListViewModel = list,
@@ -80,7 +81,11 @@ public:
         .clock = time,
         .dataDirectory = "/data",
         .processIdentifier = 4711,
-        .saveCurrentLayout = [this] { host.log += "save "; },
+        .saveCurrentLayout =
+            [this](const Rect& beside) {
+                host.log += "save ";
+                savedBeside = beside;
+            },
         .restoreLayout = [this](const Uuid& layoutID) { restored.push_back(layoutID); }};
     Uuid deskID, homeID, workID, playID, eveningID;
 

@@ -92,10 +92,14 @@ ApplicationIdentity FreedesktopApplicationCatalog::find(const ApplicationClues& 
     return identity;
 }
 
-std::optional<std::string> FreedesktopApplicationCatalog::iconName(const std::string& bundleIdentifier) {
+ApplicationIdentity FreedesktopApplicationCatalog::installedApplication(const std::string& bundleIdentifier) {
     refresh();
-    const auto* application = index_.find(bundleIdentifier);
-    return application == nullptr ? std::nullopt : presentText(application->entry.icon);
+    ApplicationIdentity identity{.bundleIdentifier = bundleIdentifier, .name = {}, .iconName = {}};
+    if (const auto* application = index_.find(bundleIdentifier)) {
+        identity.name = presentText(application->entry.name);
+        identity.iconName = presentText(application->entry.icon);
+    }
+    return identity;
 }
 
 } // namespace tavrin

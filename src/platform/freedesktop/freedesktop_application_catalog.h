@@ -22,7 +22,7 @@ public:
     FreedesktopApplicationCatalog(DesktopEntryIndex index, std::filesystem::path procRoot);
 
     ApplicationIdentity identify(const ApplicationClues& clues) override;
-    std::optional<std::string> iconName(const std::string& bundleIdentifier) override;
+    ApplicationIdentity installedApplication(const std::string& bundleIdentifier) override;
 
 private:
     struct Answer {

@@ -9,7 +9,7 @@ namespace tavrin {
 class UnsupportedApplicationCatalog final : public ApplicationCatalog {
 public:
     ApplicationIdentity identify(const ApplicationClues&) override { return {}; }
-    std::optional<std::string> iconName(const std::string&) override { return std::nullopt; }
+    ApplicationIdentity installedApplication(const std::string&) override { return {}; }
 };
 
 } // namespace tavrin

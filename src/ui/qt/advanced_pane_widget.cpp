@@ -1,5 +1,7 @@
 #include "ui/qt/advanced_pane_widget.h"
 
+#include "ui/qt/action_button.h"
+#include "ui/qt/fold_row.h"
 #include "ui/qt/settings_group.h"
 #include "ui/qt/switch_control.h"
 #include "ui/qt/symbol_icon.h"
@@ -8,9 +10,7 @@
 #include <QDateTime>
 #include <QGuiApplication>
 #include <QLocale>
-#include <QPushButton>
 #include <QSignalBlocker>
-#include <QToolButton>
 
 namespace tavrin {
 namespace {
@@ -33,7 +33,7 @@ QWidget* makeFactRow(const QString& name, const QString& value) {
     line->setContentsMargins(line->contentsMargins().left(), 7, line->contentsMargins().right(), 7);
     line->setSpacing(16);
     auto* label = makeText(name, TextRole::secondary);
-    label->setFixedWidth(label->fontMetrics().averageCharWidth() * 16);
+    label->setFixedWidth(label->fontMetrics().averageCharWidth() * 19);
     line->addWidget(label, 0, Qt::AlignTop);
     auto* text = makeText(value);
     text->setAccessibleName(QStringLiteral("%1: %2").arg(name, value));
@@ -76,7 +76,7 @@ void AdvancedPaneWidget::buildPermission() {
     texts->addWidget(permissionTitle_);
     texts->addWidget(permissionMessage_);
     line->addLayout(texts, 1);
-    auto* recheck = makeButton(QStringLiteral("Recheck"));
+    auto* recheck = new ActionButton(QStringLiteral("Recheck"));
     recheck->setAccessibleName(QStringLiteral("Recheck permission"));
     connect(recheck, &QPushButton::clicked, this, [this] { pane_.recheckPermission(); });
     line->addWidget(recheck, 0, Qt::AlignVCenter);
@@ -92,7 +92,7 @@ void AdvancedPaneWidget::buildLastAttempt() {
     lines->setSpacing(8);
     attemptRows_ = new SettingsGroup;
     lines->addWidget(attemptRows_);
-    copyAttemptButton_ = makeButton(QStringLiteral("Copy"));
+    copyAttemptButton_ = new ActionButton(QStringLiteral("Copy"));
     copyAttemptButton_->setAccessibleName(QStringLiteral("Copy the last restore attempt"));
     connect(copyAttemptButton_, &QPushButton::clicked, this, [this] { copy(pane_.lastAttemptText()); });
     lines->addLayout(makeButtonLine({copyAttemptButton_}));
@@ -115,39 +115,34 @@ void AdvancedPaneWidget::buildTroubleshooting() {
     auto* lines = new QVBoxLayout(content);
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(8);
-    foldButton_ = new QToolButton;
-    foldButton_->setText(QStringLiteral("Troubleshooting"));
-    foldButton_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    foldButton_->setAutoRaise(true);
-    foldButton_->setFocusPolicy(Qt::StrongFocus);
-    QFont bold = foldButton_->font();
-    bold.setBold(true);
-    foldButton_->setFont(bold);
-    connect(foldButton_, &QToolButton::clicked, this,
+    foldRow_ = new FoldRow(QStringLiteral("Troubleshooting"));
+    connect(foldRow_, &QPushButton::clicked, this,
             [this] { pane_.setTroubleshootingExpanded(!pane_.isTroubleshootingExpanded()); });
-    lines->addWidget(foldButton_, 0, Qt::AlignLeft);
+    reportRows_ = new SettingsGroup(SettingsGroup::Frame::none);
+    auto* group = new SettingsGroup;
+    group->addRow(foldRow_);
+    group->addRow(reportRows_);
+    lines->addWidget(group);
 
-    troubleshooting_ = new QWidget;
-    auto* inner = new QVBoxLayout(troubleshooting_);
+    reportActions_ = new QWidget;
+    auto* inner = new QVBoxLayout(reportActions_);
     inner->setContentsMargins(0, 0, 0, 0);
     inner->setSpacing(8);
-    reportRows_ = new SettingsGroup;
-    inner->addWidget(reportRows_);
     folderMessage_ = makeText({}, TextRole::warning);
     folderMessage_->hide();
     inner->addWidget(folderMessage_);
-    auto* openFolder = makeButton(QStringLiteral("Open Data Folder"));
+    auto* openFolder = new ActionButton(QStringLiteral("Open Data Folder"));
     connect(openFolder, &QPushButton::clicked, this, [this] {
         const bool isOpen = pane_.openDataDirectory();
         folderMessage_->setText(QStringLiteral("The data folder could not be opened."));
         folderMessage_->setVisible(!isOpen);
     });
-    auto* copyReport = makeButton(QStringLiteral("Copy Report"));
+    auto* copyReport = new ActionButton(QStringLiteral("Copy Report"));
     copyReport->setToolTip(QStringLiteral("Copies all of this as text. Titles of windows are not in it."));
     copyReport->setAccessibleDescription(copyReport->toolTip());
     connect(copyReport, &QPushButton::clicked, this, [this] { copy(pane_.report().text()); });
     inner->addLayout(makeButtonLine({openFolder, copyReport}));
-    lines->addWidget(troubleshooting_);
+    lines->addWidget(reportActions_);
     addSection(sections(), {}, {}, content);
 }
 
@@ -167,10 +162,9 @@ void AdvancedPaneWidget::showState() {
         clusterSwitch_->setChecked(pane_.clustersExtraAppWindows());
     }
     const bool isExpanded = pane_.isTroubleshootingExpanded();
-    foldButton_->setArrowType(isExpanded ? Qt::DownArrow : Qt::RightArrow);
-    foldButton_->setAccessibleDescription(isExpanded ? QStringLiteral("expanded")
-                                                     : QStringLiteral("collapsed"));
-    troubleshooting_->setVisible(isExpanded);
+    foldRow_->setExpanded(isExpanded);
+    reportRows_->setVisible(isExpanded);
+    reportActions_->setVisible(isExpanded);
     if (isExpanded)
         showReport();
 }

@@ -5,10 +5,10 @@
 
 class QLabel;
 class QPushButton;
-class QToolButton;
 
 namespace tavrin {
 
+class FoldRow;
 class SettingsGroup;
 class SwitchControl;
 
@@ -35,9 +35,9 @@ private:
     SettingsGroup* attemptRows_ = nullptr;
     QPushButton* copyAttemptButton_ = nullptr;
     SwitchControl* clusterSwitch_ = nullptr;
-    QToolButton* foldButton_ = nullptr;
-    QWidget* troubleshooting_ = nullptr;
+    FoldRow* foldRow_ = nullptr;
     SettingsGroup* reportRows_ = nullptr;
+    QWidget* reportActions_ = nullptr;
     QLabel* folderMessage_ = nullptr;
     std::optional<RestoreAttemptDiagnostics> shownAttempt_;
     std::optional<TroubleshootingReport> shownReport_;

@@ -1,14 +1,14 @@
 #include "ui/qt/apps_pane_widget.h"
 
+#include "ui/qt/action_button.h"
 #include "ui/qt/application_icon.h"
 #include "ui/qt/settings_group.h"
+#include "ui/qt/symbol_button.h"
 #include "ui/qt/symbol_icon.h"
+#include "ui/qt/text_field.h"
 
 #include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QSignalBlocker>
-#include <QToolButton>
 
 namespace tavrin {
 namespace {
@@ -21,18 +21,17 @@ QLabel* makeIcon(const QIcon& icon) {
     return label;
 }
 
-QWidget* makeApplicationRow(const QIcon& icon, const QString& title, const QString& subtitle,
-                            QWidget* control) {
+QWidget* makeApplicationRow(const ListedApplication& application, QWidget* control) {
     auto* row = new QWidget;
     auto* line = new QHBoxLayout(row);
     setRowMargins(*line);
     line->setSpacing(12);
-    line->addWidget(makeIcon(icon));
+    line->addWidget(makeIcon(applicationIconOrPlaceholder(application.iconName)));
     auto* texts = new QVBoxLayout;
     texts->setSpacing(1);
-    texts->addWidget(makeText(title));
-    if (!subtitle.isEmpty())
-        texts->addWidget(makeText(subtitle, TextRole::secondary));
+    texts->addWidget(makeText(qText(application.name)));
+    if (application.name != application.bundleIdentifier)
+        texts->addWidget(makeText(qText(application.bundleIdentifier), TextRole::secondary));
     line->addLayout(texts, 1);
     line->addWidget(control);
     return row;
@@ -43,13 +42,10 @@ QWidget* makeApplicationRow(const QIcon& icon, const QString& title, const QStri
 AppsPaneWidget::AppsPaneWidget(const SettingsCollaborators& collaborators)
     : pane_(collaborators.settingsStore, collaborators.windowProvider, collaborators.applicationCatalog,
             collaborators.processIdentifier) {
-    auto* excluded = new QWidget;
-    auto* lines = new QVBoxLayout(excluded);
-    lines->setContentsMargins(0, 0, 0, 0);
-    lines->setSpacing(10);
-    excludedRows_ = new SettingsGroup;
-    lines->addWidget(excludedRows_);
-    lines->addWidget(makeAddLine());
+    auto* excluded = new SettingsGroup;
+    excludedRows_ = new SettingsGroup(SettingsGroup::Frame::none);
+    excluded->addRow(excludedRows_);
+    excluded->addRow(makeAddRow());
     addSection(sections(), qText(ExclusionListView::title), qText(ExclusionListView::explanation), excluded);
     openRows_ = new SettingsGroup;
     addSection(sections(), QStringLiteral("Apps with Open Windows"), {}, openRows_);
@@ -61,54 +57,45 @@ void AppsPaneWidget::appear() {
     pane_.exclusions.appear();
 }
 
-QWidget* AppsPaneWidget::makeAddLine() {
-    auto* content = new QWidget;
-    auto* line = new QHBoxLayout(content);
-    line->setContentsMargins(0, 0, 0, 0);
+QWidget* AppsPaneWidget::makeAddRow() {
+    auto* row = new QWidget;
+    auto* line = new QHBoxLayout(row);
+    setRowMargins(*line);
     line->setSpacing(8);
-    field_ = new QLineEdit;
+    field_ = new TextField(QStringLiteral("Bundle ID"));
     field_->setPlaceholderText(qText(ExclusionListView::placeholder));
-    field_->setAccessibleName(QStringLiteral("Bundle ID"));
     field_->setMaxLength(255);
-    addButton_ = makeButton(QStringLiteral("Add App"));
-    field_->setMinimumHeight(addButton_->minimumHeight());
+    addButton_ = new ActionButton(QStringLiteral("Add App"));
     connect(field_, &QLineEdit::textChanged, this,
             [this](const QString& text) { pane_.exclusions.setNewBundleID(text.toStdString()); });
     connect(field_, &QLineEdit::returnPressed, this, [this] { pane_.exclusions.add(); });
     connect(addButton_, &QPushButton::clicked, this, [this] { pane_.exclusions.add(); });
     line->addWidget(field_, 1);
     line->addWidget(addButton_);
-    return content;
+    return row;
 }
 
-QWidget* AppsPaneWidget::makeExcludedRow(const std::string& bundleID) {
-    auto* button = new QToolButton;
-    button->setIcon(symbolIcon(QStringLiteral("minus.circle.fill"), warningColor(palette())));
-    const int side = button->fontMetrics().height() * 5 / 4;
-    button->setIconSize({side, side});
-    button->setAutoRaise(true);
-    const QString name = QStringLiteral("Remove ") + qText(bundleID);
-    button->setAccessibleName(name);
+QWidget* AppsPaneWidget::makeExcludedRow(const ListedApplication& application) {
+    const QString name = QStringLiteral("Remove ") + qText(application.bundleIdentifier);
+    auto* button = new SymbolButton(QStringLiteral("minus.circle.fill"), name, SymbolButton::Ground::onHover,
+                                    warningColor(palette()));
     button->setToolTip(name);
-    button->setFocusPolicy(Qt::StrongFocus);
-    connect(button, &QToolButton::clicked, this, [this, bundleID] {
+    connect(button, &QToolButton::clicked, this, [this, bundleID = application.bundleIdentifier] {
         const std::string removed = bundleID;
         field_->setFocus();
         pane_.exclusions.remove(removed);
     });
-    return makeApplicationRow(applicationIconOrPlaceholder(pane_.iconName(bundleID)), qText(bundleID), {},
-                              button);
+    return makeApplicationRow(application, button);
 }
 
-QWidget* AppsPaneWidget::makeOpenRow(const OpenApplication& application) {
-    auto* button = makeButton(QStringLiteral("Exclude"));
+QWidget* AppsPaneWidget::makeOpenRow(const ListedApplication& application) {
+    auto* button = new ActionButton(QStringLiteral("Exclude"));
     button->setAccessibleName(QStringLiteral("Exclude %1").arg(qText(application.name)));
     connect(button, &QPushButton::clicked, this, [this, bundleID = application.bundleIdentifier] {
         const std::string added = bundleID;
         pane_.exclusions.addRunning(added);
     });
-    return makeApplicationRow(applicationIconOrPlaceholder(application.iconName), qText(application.name),
-                              qText(application.bundleIdentifier), button);
+    return makeApplicationRow(application, button);
 }
 
 void AppsPaneWidget::showState() {
@@ -131,12 +118,12 @@ void AppsPaneWidget::showLists() {
     excludedRows_->clear();
     if (excluded.empty())
         excludedRows_->addRow(makeNoteRow(qText(ExclusionListView::emptyText)));
-    for (const std::string& bundleID : excluded)
-        excludedRows_->addRow(makeExcludedRow(bundleID));
+    for (const ListedApplication& application : pane_.excludedApplications())
+        excludedRows_->addRow(makeExcludedRow(application));
     openRows_->clear();
     if (open.empty())
         openRows_->addRow(makeNoteRow(QStringLiteral("No other apps have windows open.")));
-    for (const OpenApplication& application : open)
+    for (const ListedApplication& application : open)
         openRows_->addRow(makeOpenRow(application));
     followLayoutWithTab(*this);
 }

@@ -20,9 +20,9 @@ public:
     QString description() const override { return qText(AppsPane::description); }
 
 private:
-    QWidget* makeAddLine();
-    QWidget* makeExcludedRow(const std::string& bundleID);
-    QWidget* makeOpenRow(const OpenApplication& application);
+    QWidget* makeAddRow();
+    QWidget* makeExcludedRow(const ListedApplication& application);
+    QWidget* makeOpenRow(const ListedApplication& application);
     void showState();
     void showLists();
 

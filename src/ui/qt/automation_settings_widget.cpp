@@ -1,9 +1,9 @@
 #include "ui/qt/automation_settings_widget.h"
 
+#include "ui/qt/choice_box.h"
 #include "ui/qt/settings_group.h"
 #include "ui/qt/switch_control.h"
 
-#include <QComboBox>
 #include <QSignalBlocker>
 
 namespace tavrin {
@@ -98,15 +98,10 @@ void AutomationSettingsWidget::rebuildSetups() {
 }
 
 QComboBox* AutomationSettingsWidget::makePicker(const AutomationSettingsView::Setup& setup) {
-    auto* picker = new QComboBox;
-    picker->setAccessibleName(QStringLiteral("Default Layout, %1").arg(qText(setup.name)));
-    picker->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    picker->setMinimumContentsLength(14);
+    auto* picker = new ChoiceBox(QStringLiteral("Default Layout, %1").arg(qText(setup.name)));
     picker->addItem(QStringLiteral("None"));
     for (const auto& layout : setup.layouts)
         picker->addItem(qText(layout.name), qText(layout.layoutID.text()));
-    // The wheel scrolls the pane; it must not choose by accident.
-    picker->setFocusPolicy(Qt::StrongFocus);
     connect(picker, &QComboBox::activated, this, [this, picker, profileID = setup.profileID] {
         view_.chooseDefaultLayout(profileID, Uuid::parse(picker->currentData().toString().toStdString()));
     });

@@ -1,21 +1,19 @@
 #include "ui/qt/layout_card_widget.h"
 
+#include "ui/qt/action_button.h"
+#include "ui/qt/badge.h"
 #include "ui/qt/layout_picture_widget.h"
 #include "ui/qt/name_editor.h"
 #include "ui/qt/settings_group.h"
 #include "ui/qt/settings_pane_widget.h"
-#include "ui/qt/settings_style.h"
 #include "ui/qt/shortcut_recorder_widget.h"
-#include "ui/qt/symbol_icon.h"
+#include "ui/qt/symbol_button.h"
 #include "ui/relative_time.h"
 
 #include <QContextMenuEvent>
 #include <QDateTime>
 #include <QLocale>
 #include <QMenu>
-#include <QPainter>
-#include <QPushButton>
-#include <QToolButton>
 
 #include <algorithm>
 
@@ -23,26 +21,6 @@ namespace tavrin {
 namespace {
 
 constexpr int narrowWidth = 30; ///< in line heights
-
-/// A short text in a rounded frame.
-class Badge final : public QLabel {
-public:
-    explicit Badge(const QString& text) : QLabel(text) {
-        setTextFormat(Qt::PlainText);
-        setContentsMargins(8, 2, 8, 2);
-        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    }
-
-protected:
-    void paintEvent(QPaintEvent* event) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(badgeColor(palette()));
-        painter.drawRoundedRect(rect(), height() / 2.0, height() / 2.0);
-        QLabel::paintEvent(event);
-    }
-};
 
 QDateTime dateTime(Timestamp time) {
     return QDateTime::fromMSecsSinceEpoch(
@@ -107,11 +85,11 @@ QWidget* LayoutCardWidget::makeNameLine(const LayoutCard& card) {
 QWidget* LayoutCardWidget::makeButtonLine(const LayoutCard& card) {
     const QString name = qText(card.name);
     const QString id = qText(card.id.text());
-    auto* restore = makeButton(QStringLiteral("Restore"));
+    auto* restore = new ActionButton(QStringLiteral("Restore"));
     restore->setObjectName(id + QStringLiteral("/restore"));
     restore->setAccessibleName(QStringLiteral("Restore %1").arg(name));
     connect(restore, &QPushButton::clicked, this, [this] { callbacks_.restore(); });
-    auto* update = makeButton(QStringLiteral("Update"));
+    auto* update = new ActionButton(QStringLiteral("Update"));
     update->setObjectName(id + QStringLiteral("/update"));
     update->setAccessibleName(QStringLiteral("Update %1").arg(name));
     update->setEnabled(card.canUpdate);
@@ -120,19 +98,12 @@ QWidget* LayoutCardWidget::makeButtonLine(const LayoutCard& card) {
                        : QStringLiteral("Only the layouts of the connected display setup can be updated."));
     update->setAccessibleDescription(update->toolTip());
     connect(update, &QPushButton::clicked, this, [this] { callbacks_.update(); });
-    auto* more = new QToolButton;
+    auto* more = new SymbolButton(QStringLiteral("ellipsis"), QStringLiteral("More for %1").arg(name),
+                                  SymbolButton::Ground::always);
     more->setObjectName(id + QStringLiteral("/more"));
-    more->setAccessibleName(QStringLiteral("More for %1").arg(name));
     more->setToolTip(QStringLiteral("Rename, default, delete"));
-    more->setIcon(symbolIcon(QStringLiteral("ellipsis")));
-    const int iconSide = fontMetrics().height() * 5 / 4;
-    more->setIconSize({iconSide, iconSide});
-    more->setAutoRaise(true);
-    more->setFocusPolicy(Qt::StrongFocus);
-    more->setPopupMode(QToolButton::InstantPopup);
     more->setMenu(menu_);
-    more->setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
-    nameEditor_->setFocusProxy(more);
+    nameEditor_->setFocusAfterEditing(more);
 
     auto* content = new QWidget;
     auto* line = new QHBoxLayout(content);
@@ -140,8 +111,8 @@ QWidget* LayoutCardWidget::makeButtonLine(const LayoutCard& card) {
     line->setSpacing(8);
     line->addWidget(restore);
     line->addWidget(update);
-    line->addStretch(1);
     line->addWidget(more);
+    line->addStretch(1);
     return content;
 }
 

@@ -9,8 +9,6 @@
 
 class QBoxLayout;
 class QMenu;
-class QToolButton;
-class QVBoxLayout;
 
 namespace tavrin {
 

@@ -15,6 +15,7 @@ namespace {
 
 constexpr double cornerRadius = 2.5;
 constexpr double labelMargin = 3;
+constexpr double margin = 7;
 
 } // namespace
 
@@ -31,13 +32,13 @@ LayoutPictureWidget::LayoutPictureWidget(LayoutPicture picture,
 QSize LayoutPictureWidget::sizeHint() const {
     // The size follows the font, as everything beside the picture does.
     const int unit = fontMetrics().height();
-    return {unit * 15, unit * 15 / 2};
+    return {unit * 15, unit * 8};
 }
 
 QRectF LayoutPictureWidget::placed(const Rect& rect) const {
     if (picture_.size.width <= 0 || picture_.size.height <= 0)
         return {};
-    const QRectF space = QRectF(this->rect()).adjusted(1, 1, -1, -1);
+    const QRectF space = QRectF(this->rect()).adjusted(margin, margin, -margin, -margin);
     const double scale = std::min(space.width() / picture_.size.width, space.height() / picture_.size.height);
     const double left = space.left() + (space.width() - picture_.size.width * scale) / 2;
     const double top = space.top() + (space.height() - picture_.size.height * scale) / 2;
@@ -47,6 +48,10 @@ QRectF LayoutPictureWidget::placed(const Rect& rect) const {
 void LayoutPictureWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    // Pictures of all shapes stand in frames of one.
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(mixedColor(groupColor(palette()), palette().color(QPalette::WindowText), 0.05));
+    painter.drawRoundedRect(rect(), 6, 6);
     QPainterPath ground;
     const QColor accent = palette().color(QPalette::Active, QPalette::Highlight);
     for (const LayoutPicture::Screen& screen : picture_.screens) {

@@ -1,22 +1,29 @@
 #include "ui/qt/layouts_pane_widget.h"
 
 #include "ports/application_catalog.h"
+#include "ui/qt/action_button.h"
 #include "ui/qt/application_icon.h"
+#include "ui/qt/badge.h"
 #include "ui/qt/layout_card_widget.h"
 #include "ui/qt/name_editor.h"
+#include "ui/qt/question_sheet.h"
 #include "ui/qt/settings_group.h"
+#include "ui/qt/symbol_button.h"
 #include "ui/qt/symbol_icon.h"
 
 #include <QMenu>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QTimer>
-#include <QToolButton>
 
 namespace tavrin {
 namespace {
 
 constexpr auto saveText = "Save Layout…";
+
+Rect placeOnDesktop(const QWidget& widget) {
+    const QPoint corner = widget.mapToGlobal(QPoint(0, 0));
+    return {static_cast<double>(corner.x()), static_cast<double>(corner.y()),
+            static_cast<double>(widget.width()), static_cast<double>(widget.height())};
+}
 
 } // namespace
 
@@ -26,9 +33,19 @@ LayoutsPaneWidget::LayoutsPaneWidget(const SettingsCollaborators& collaborators)
     subscription_ = pane_.changed.connect([this] { rebuildSoon(); });
 }
 
+LayoutsPaneWidget::~LayoutsPaneWidget() {
+    delete question_;
+}
+
+QPushButton* LayoutsPaneWidget::makeSaveButton() {
+    auto* button = new ActionButton(QString::fromUtf8(saveText), ActionButton::Role::suggested);
+    connect(button, &QPushButton::clicked, this,
+            [this, button] { pane_.saveLayout(placeOnDesktop(*button)); });
+    return button;
+}
+
 QWidget* LayoutsPaneWidget::makeHeaderControl() {
-    auto* button = makeButton(QString::fromUtf8(saveText));
-    connect(button, &QPushButton::clicked, this, [this] { pane_.saveLayout(); });
+    auto* button = makeSaveButton();
     saveButton_ = button;
     button->setVisible(!pane_.content().isEmpty());
     return button;
@@ -50,8 +67,8 @@ void LayoutsPaneWidget::rebuild() {
     for (const auto& [id, editor] : editors_)
         if (editor->isEditing())
             edited.emplace(id, editor->editedText());
-    const QWidget* focused = content_ && content_->isAncestorOf(focusWidget()) ? focusWidget() : nullptr;
-    const QString focusedName = focused ? focused->objectName() : QString();
+    const bool hadFocus = content_ && content_->isAncestorOf(focusWidget());
+    const QString focusedName = hadFocus ? focusWidget()->objectName() : QString();
 
     editors_.clear();
     delete content_;
@@ -65,6 +82,8 @@ void LayoutsPaneWidget::rebuild() {
         addSuggestion(*content.suggestion);
     if (content.isEmpty())
         addEmptyState();
+    else if (!content.suggestion && !content.setups.front().isCurrent)
+        addNote(qText(content.currentSetupText));
     for (const SetupCard& setup : content.setups)
         addSetup(setup);
     if (saveButton_)
@@ -75,9 +94,15 @@ void LayoutsPaneWidget::rebuild() {
     if (edited)
         if (const auto editor = editors_.find(edited->first); editor != editors_.end())
             return editor->second->startEditing(edited->second);
-    if (!focusedName.isEmpty())
-        if (auto* widget = content_->findChild<QWidget*>(focusedName))
-            widget->setFocus();
+    if (!hadFocus)
+        return;
+    auto* widget = focusedName.isEmpty() ? nullptr : content_->findChild<QWidget*>(focusedName);
+    if (!widget && content.isEmpty())
+        widget = content_->findChild<QWidget*>(QStringLiteral("save"));
+    if (!widget)
+        widget = saveButton_;
+    if (widget)
+        widget->setFocus();
 }
 
 void LayoutsPaneWidget::addSuggestion(const SetupSuggestion& suggestion) {
@@ -97,7 +122,7 @@ void LayoutsPaneWidget::addSuggestion(const SetupSuggestion& suggestion) {
     texts->addWidget(makeText(qText(suggestion.message), TextRole::secondary));
     line->addLayout(texts, 1);
     if (suggestion.canConfirm) {
-        auto* confirm = makeButton(QStringLiteral("Confirm"));
+        auto* confirm = new ActionButton(QStringLiteral("Confirm"));
         confirm->setObjectName(QStringLiteral("confirm"));
         confirm->setAccessibleName(QStringLiteral("Confirm %1").arg(qText(suggestion.title)));
         connect(confirm, &QPushButton::clicked, this, [this] { pane_.confirmSuggestion(); });
@@ -105,6 +130,12 @@ void LayoutsPaneWidget::addSuggestion(const SetupSuggestion& suggestion) {
     }
     auto* group = new SettingsGroup;
     group->addRow(row);
+    addSection(*rows_, {}, {}, group);
+}
+
+void LayoutsPaneWidget::addNote(const QString& text) {
+    auto* group = new SettingsGroup;
+    group->addRow(makeNoteRow(text));
     addSection(*rows_, {}, {}, group);
 }
 
@@ -120,9 +151,8 @@ void LayoutsPaneWidget::addEmptyState() {
     icon->setAlignment(Qt::AlignCenter);
     auto* text = makeText(qText(LayoutsPane::emptyText), TextRole::secondary);
     text->setAlignment(Qt::AlignCenter);
-    auto* save = makeButton(QString::fromUtf8(saveText));
+    auto* save = makeSaveButton();
     save->setObjectName(QStringLiteral("save"));
-    connect(save, &QPushButton::clicked, this, [this] { pane_.saveLayout(); });
     lines->addWidget(icon);
     lines->addWidget(text);
     lines->addWidget(save, 0, Qt::AlignHCenter);
@@ -152,17 +182,11 @@ QWidget* LayoutsPaneWidget::makeSetupHeader(const SetupCard& setup) {
                         .rename = [this, id](const std::string& text) { pane_.renameSetup(id, text); }});
     editors_[id] = name;
 
-    auto* more = new QToolButton;
+    auto* more =
+        new SymbolButton(QStringLiteral("ellipsis"), QStringLiteral("More for %1").arg(qText(setup.name)),
+                         SymbolButton::Ground::always);
     more->setObjectName(qText(id.text()) + QStringLiteral("/setup"));
-    more->setAccessibleName(QStringLiteral("More for %1").arg(qText(setup.name)));
     more->setToolTip(QStringLiteral("Rename, delete"));
-    more->setIcon(symbolIcon(QStringLiteral("ellipsis")));
-    const int iconSide = fontMetrics().height() * 5 / 4;
-    more->setIconSize({iconSide, iconSide});
-    more->setAutoRaise(true);
-    more->setFocusPolicy(Qt::StrongFocus);
-    more->setPopupMode(QToolButton::InstantPopup);
-    more->setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
     auto* menu = new QMenu(more);
     menu->addAction(QStringLiteral("Rename"), this, [name] { name->startEditing(); });
     menu->addSeparator();
@@ -170,7 +194,7 @@ QWidget* LayoutsPaneWidget::makeSetupHeader(const SetupCard& setup) {
         ask(pane_.setupDeletionQuestion(id), [this, id] { pane_.deleteSetup(id); });
     });
     more->setMenu(menu);
-    name->setFocusProxy(more);
+    name->setFocusAfterEditing(more);
 
     auto* texts = new QVBoxLayout;
     texts->setSpacing(1);
@@ -178,21 +202,13 @@ QWidget* LayoutsPaneWidget::makeSetupHeader(const SetupCard& setup) {
     texts->addWidget(makeText(qText(setup.detail), TextRole::secondary));
     auto* header = new QWidget;
     auto* line = new QHBoxLayout(header);
-    line->setContentsMargins(0, 0, 14, 0);
+    line->setContentsMargins(0, 0, 0, 0);
     line->setSpacing(8);
-    if (setup.isCurrent) {
-        auto* mark = new QLabel;
-        const int side = fontMetrics().height() * 5 / 4;
-        mark->setPixmap(symbolIcon(QStringLiteral("checkmark.circle.fill"),
-                                   palette().color(QPalette::Active, QPalette::Highlight))
-                            .pixmap(QSize(side, side), devicePixelRatioF()));
-        mark->setAccessibleName(QStringLiteral("Connected now"));
-        line->addWidget(mark, 0, Qt::AlignTop);
-    }
     line->addLayout(texts, 1);
     if (setup.isCurrent)
-        line->addWidget(makeText(QStringLiteral("Connected now"), TextRole::secondary), 0, Qt::AlignTop);
-    line->addWidget(more, 0, Qt::AlignTop);
+        line->addWidget(new Badge(QStringLiteral("Connected now"), Badge::Ground::accented), 0,
+                        Qt::AlignVCenter);
+    line->addWidget(more, 0, Qt::AlignVCenter);
     return header;
 }
 
@@ -217,29 +233,16 @@ QWidget* LayoutsPaneWidget::makeCard(const SetupCard& setup, const LayoutCard& l
 
 void LayoutsPaneWidget::ask(const std::optional<DeletionQuestion>& question,
                             std::function<void()> confirmed) {
-    if (!question)
-        return;
-    auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Tavrin"), qText(question->title),
-                                QMessageBox::Cancel, this);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    // Names are the user's own texts and no markup.
-    box->setTextFormat(Qt::PlainText);
-    box->setInformativeText(qText(question->message));
-    auto* confirm = box->addButton(qText(question->confirmLabel), QMessageBox::DestructiveRole);
-    box->setDefaultButton(QMessageBox::Cancel);
-    connect(box, &QMessageBox::buttonClicked, this,
-            [confirm, confirmed = std::move(confirmed)](const QAbstractButton* button) {
-                if (button == confirm)
-                    confirmed();
-            });
-    box->open();
+    if (question && (!question_ || question_->isHidden()))
+        question_ = new QuestionSheet(*window(), *question, std::move(confirmed));
 }
 
 QIcon LayoutsPaneWidget::icon(const std::string& bundleIdentifier) {
     const auto known = icons_.find(bundleIdentifier);
     if (known != icons_.end())
         return known->second;
-    return icons_[bundleIdentifier] = applicationIcon(catalog_.iconName(bundleIdentifier));
+    return icons_[bundleIdentifier] =
+               applicationIcon(catalog_.installedApplication(bundleIdentifier).iconName);
 }
 
 } // namespace tavrin

@@ -8,14 +8,18 @@
 
 #include <map>
 
+class QPushButton;
+
 namespace tavrin {
 
 class NameEditor;
+class QuestionSheet;
 
 /// The layouts pane.
 class LayoutsPaneWidget final : public SettingsPaneWidget {
 public:
     explicit LayoutsPaneWidget(const SettingsCollaborators& collaborators);
+    ~LayoutsPaneWidget() override;
 
     void appear() override { pane_.appear(); }
     QWidget* makeHeaderControl() override;
@@ -25,8 +29,10 @@ private:
     void rebuildSoon();
     void rebuild();
     void addSuggestion(const SetupSuggestion& suggestion);
+    void addNote(const QString& text);
     void addEmptyState();
     void addSetup(const SetupCard& setup);
+    QPushButton* makeSaveButton();
     QWidget* makeSetupHeader(const SetupCard& setup);
     QWidget* makeCard(const SetupCard& setup, const LayoutCard& layout);
     void ask(const std::optional<DeletionQuestion>& question, std::function<void()> confirmed);
@@ -37,6 +43,7 @@ private:
     QWidget* content_ = nullptr;
     QVBoxLayout* rows_ = nullptr;
     QPointer<QWidget> saveButton_;
+    QPointer<QuestionSheet> question_;    ///< while one is asked; it covers the whole window
     std::map<Uuid, NameEditor*> editors_; ///< of layouts and setups
     std::map<std::string, QIcon> icons_;
     bool isRebuildPending_ = false;

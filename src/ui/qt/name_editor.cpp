@@ -2,17 +2,16 @@
 
 #include "ui/qt/settings_group.h"
 #include "ui/qt/settings_pane_widget.h"
+#include "ui/qt/text_field.h"
 
 #include <QKeyEvent>
-#include <QLineEdit>
 
 namespace tavrin {
 
 NameEditor::NameEditor(const QString& name, const QFont& font, const QString& what, Callbacks callbacks)
-    : name_(name), callbacks_(std::move(callbacks)), label_(makeText(name)), field_(new QLineEdit),
+    : name_(name), callbacks_(std::move(callbacks)), label_(makeText(name)), field_(new TextField(what)),
       message_(makeText({}, TextRole::warning)) {
     label_->setFont(font);
-    field_->setAccessibleName(what);
     field_->installEventFilter(this);
     field_->hide();
     message_->hide();
@@ -90,8 +89,8 @@ void NameEditor::stopEditing() {
     field_->hide();
     message_->hide();
     label_->show();
-    if (hadFocus && focusProxy())
-        focusProxy()->setFocus();
+    if (hadFocus && focusAfterEditing_)
+        focusAfterEditing_->setFocus();
 }
 
 void NameEditor::showMessage() {

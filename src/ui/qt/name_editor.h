@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 
 #include <functional>
@@ -23,6 +24,9 @@ public:
     /// `what` names the field to a screen reader.
     NameEditor(const QString& name, const QFont& font, const QString& what, Callbacks callbacks);
 
+    /// What gets the focus when the editing ends. (A focus proxy would draw Tab past the controls between.)
+    void setFocusAfterEditing(QWidget* widget) { focusAfterEditing_ = widget; }
+
     bool isEditing() const;
     QString editedText() const;
 
@@ -44,6 +48,7 @@ private:
     QLabel* label_;
     QLineEdit* field_;
     QLabel* message_;
+    QPointer<QWidget> focusAfterEditing_;
 };
 
 } // namespace tavrin

@@ -14,10 +14,10 @@ QtSavePopover::QtSavePopover(ApplicationHost& host, std::function<std::optional<
 
 QtSavePopover::~QtSavePopover() = default;
 
-void QtSavePopover::show(std::shared_ptr<SaveLayoutPopoverView> view) {
+void QtSavePopover::show(std::shared_ptr<SaveLayoutPopoverView> view, std::optional<Rect> beside) {
     close();
     window_ = std::make_unique<SavePopoverWindow>(std::move(view), [this] { close(); });
-    place();
+    place(beside ? beside : anchor_());
     window_->show();
     window_->setFocus();
     host_.activate();
@@ -32,10 +32,9 @@ void QtSavePopover::close() {
     window->deleteLater();
 }
 
-void QtSavePopover::place() {
-    const auto item = anchor_();
-    const QRect anchor = item ? QRectF(item->x, item->y, item->width, item->height).toRect()
-                              : QRect(QCursor::pos(), QSize(1, 1));
+void QtSavePopover::place(const std::optional<Rect>& beside) {
+    const QRect anchor = beside ? QRectF(beside->x, beside->y, beside->width, beside->height).toRect()
+                                : QRect(QCursor::pos(), QSize(1, 1));
     QScreen* screen = QGuiApplication::screenAt(anchor.center());
     if (!screen)
         screen = QGuiApplication::primaryScreen();

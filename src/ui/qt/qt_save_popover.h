@@ -21,11 +21,11 @@ public:
     QtSavePopover(ApplicationHost& host, std::function<std::optional<Rect>()> anchor);
     ~QtSavePopover() override;
 
-    void show(std::shared_ptr<SaveLayoutPopoverView> view) override;
+    void show(std::shared_ptr<SaveLayoutPopoverView> view, std::optional<Rect> beside) override;
     void close() override;
 
 private:
-    void place();
+    void place(const std::optional<Rect>& beside);
 
     ApplicationHost& host_;
     std::function<std::optional<Rect>()> anchor_;

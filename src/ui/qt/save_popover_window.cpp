@@ -1,17 +1,17 @@
 #include "ui/qt/save_popover_window.h"
 
 #include "base/text.h"
+#include "ui/qt/action_button.h"
+#include "ui/qt/settings_style.h"
 #include "ui/qt/symbol_icon.h"
+#include "ui/qt/text_field.h"
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
-#include <QLineEdit>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPushButton>
-#include <QStyle>
 
 #include <algorithm>
 #include <vector>
@@ -79,17 +79,15 @@ void SavePopoverWindow::build() {
     auto* explanation = makeLabel(QString::fromUtf8(SaveLayoutPopoverView::explanation));
     setTextColor(*explanation, secondaryTextColor(palette()));
 
-    nameField_ = new QLineEdit;
-    nameField_->setPlaceholderText(QStringLiteral("Layout name"));
-    nameField_->setAccessibleName(QStringLiteral("Layout name"));
+    nameField_ = new TextField(QStringLiteral("Layout name"));
+    nameField_->setPlaceholderText(nameField_->accessibleName());
     connect(nameField_, &QLineEdit::textChanged, this, &SavePopoverWindow::nameChanged);
 
     messageIcon_ = new QLabel;
     message_ = makeLabel({});
 
-    cancelButton_ = new QPushButton(QStringLiteral("Cancel"));
-    saveButton_ = new QPushButton(QStringLiteral("Save"));
-    saveButton_->setDefault(true);
+    cancelButton_ = new ActionButton(QStringLiteral("Cancel"));
+    saveButton_ = new ActionButton(QStringLiteral("Save"), ActionButton::Role::suggested);
     connect(cancelButton_, &QPushButton::clicked, this, &SavePopoverWindow::cancel);
     connect(saveButton_, &QPushButton::clicked, this, &SavePopoverWindow::save);
 
@@ -97,15 +95,6 @@ void SavePopoverWindow::build() {
     messageRow->setSpacing(messageSpacing);
     messageRow->addWidget(messageIcon_, 0, Qt::AlignTop);
     messageRow->addWidget(message_, 1, Qt::AlignTop);
-
-    auto* buttonRow = new QHBoxLayout;
-    buttonRow->setSpacing(8);
-    buttonRow->addStretch();
-    // The order of the buttons follows the desktop.
-    const bool saveComesLast = style()->styleHint(QStyle::SH_DialogButtonLayout, nullptr, this) == 2 ||
-                               style()->styleHint(QStyle::SH_DialogButtonLayout, nullptr, this) == 3;
-    buttonRow->addWidget(saveComesLast ? cancelButton_ : saveButton_);
-    buttonRow->addWidget(saveComesLast ? saveButton_ : cancelButton_);
 
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(margin, margin - 4, margin, margin - 2);
@@ -119,7 +108,7 @@ void SavePopoverWindow::build() {
     rows->addLayout(messageRow);
     rows->addStretch();
     rows->addSpacing(6);
-    rows->addLayout(buttonRow);
+    rows->addLayout(makeAnswerLine(saveButton_, cancelButton_));
 
     setTabOrder(nameField_, saveButton_);
     setTabOrder(saveButton_, cancelButton_);
@@ -215,8 +204,10 @@ void SavePopoverWindow::resizeEvent(QResizeEvent* event) {
 void SavePopoverWindow::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    QColor line = palette().color(QPalette::WindowText);
-    line.setAlphaF(0.35F);
+    const QColor line =
+        mixedColor(palette().color(QPalette::Window), palette().color(QPalette::WindowText), 0.35);
+    // What lies between the mask and the round corner would be black where nothing is translucent.
+    painter.fillRect(rect(), line);
     painter.setPen(QPen(line, 1));
     painter.setBrush(palette().window());
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5,

@@ -6,16 +6,11 @@
 
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPushButton>
 
-#include <algorithm>
 #include <vector>
 
 namespace tavrin {
 namespace {
-
-constexpr double cornerRadius = 9;
-constexpr int rowMargin = 14;
 
 QFont scaled(QFont font, double factor) {
     if (font.pointSizeF() > 0)
@@ -75,8 +70,9 @@ void fillRow(QWidget& row, const QString& title, const QString& subtitle, QWidge
 
 } // namespace
 
-SettingsGroup::SettingsGroup(QWidget* parent) : QWidget(parent), rows_(new QVBoxLayout(this)) {
-    rows_->setContentsMargins(1, 1, 1, 1);
+SettingsGroup::SettingsGroup(Frame frame) : rows_(new QVBoxLayout(this)), frame_(frame) {
+    const int line = frame == Frame::rounded ? 1 : 0;
+    rows_->setContentsMargins(line, line, line, line);
     rows_->setSpacing(1);
 }
 
@@ -98,14 +94,22 @@ void SettingsGroup::clear() {
 
 void SettingsGroup::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(lineColor(palette()), 1));
-    painter.setBrush(groupColor(palette()));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
-    painter.setRenderHint(QPainter::Antialiasing, false);
-    for (int i = 0; i + 1 < rows_->count(); ++i) {
-        const int y = rows_->itemAt(i)->geometry().bottom() + 1;
-        painter.fillRect(QRect(rowMargin, y, width() - 2 * rowMargin, 1), lineColor(palette()));
+    if (frame_ == Frame::rounded) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(lineColor(palette()), 1));
+        painter.setBrush(groupColor(palette()));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), groupRadius, groupRadius);
+        painter.setRenderHint(QPainter::Antialiasing, false);
+    }
+    bool isFirst = true;
+    for (int i = 0; i < rows_->count(); ++i) {
+        const QWidget* row = rows_->itemAt(i)->widget();
+        if (!row || row->isHidden())
+            continue;
+        if (!isFirst)
+            painter.fillRect(QRect(rowMargin, row->y() - 1, width() - 2 * rowMargin, 1),
+                             lineColor(palette()));
+        isFirst = false;
     }
 }
 
@@ -132,14 +136,6 @@ TextLabel* makePaneTitle(const QString& text) {
     auto* label = makeSectionTitle(text);
     label->setFont(scaled(label->font(), 1.5));
     return label;
-}
-
-QPushButton* makeButton(const QString& text) {
-    auto* button = new QPushButton(text);
-    const QFontMetrics metrics = button->fontMetrics();
-    button->setMinimumSize(std::max(button->sizeHint().width(), metrics.horizontalAdvance(text) + 28),
-                           qRound(metrics.height() * 1.75));
-    return button;
 }
 
 QWidget* makeRow(const QString& title, const QString& subtitle, QWidget* control) {

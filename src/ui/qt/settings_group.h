@@ -5,16 +5,19 @@
 #include <QVBoxLayout>
 #include <QWidget>
 
-class QPushButton;
-
 namespace tavrin {
 
 class SwitchControl;
 
-/// Rows in a rounded frame with lines between them.
+inline constexpr int rowMargin = 14; ///< beside a row's content
+inline constexpr double groupRadius = 9;
+
+/// Rows with lines between them, in a rounded frame or as a part of another group.
 class SettingsGroup final : public QWidget {
 public:
-    explicit SettingsGroup(QWidget* parent = nullptr);
+    enum class Frame { rounded, none };
+
+    explicit SettingsGroup(Frame frame = Frame::rounded);
 
     /// The group owns the row.
     void addRow(QWidget* row);
@@ -26,6 +29,7 @@ protected:
 
 private:
     QVBoxLayout* rows_;
+    Frame frame_;
 };
 
 /// A text in the colour of ordinary or of less important text, or of a warning.
@@ -35,9 +39,6 @@ TextLabel* makeText(const QString& text, TextRole role = TextRole::ordinary);
 /// The heading of a section, or of the whole pane.
 TextLabel* makeSectionTitle(const QString& text);
 TextLabel* makePaneTitle(const QString& text);
-
-/// A push button with room around its text.
-QPushButton* makeButton(const QString& text);
 
 /// A row: text (and a smaller one under it) at the start, `control` at the end. The text is the control's
 /// label; `control` may be null.

@@ -12,6 +12,7 @@
 #include <QListWidget>
 #include <QPainter>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 
 namespace tavrin {
@@ -19,6 +20,29 @@ namespace {
 
 constexpr int contentWidth = 720; ///< lines that are longer are hard to read
 constexpr int sideMargin = 28;
+constexpr int scrollBarWidth = 12;
+
+QString rgba(const QColor& color, double alpha) {
+    return QStringLiteral("rgba(%1, %2, %3, %4)")
+        .arg(color.red())
+        .arg(color.green())
+        .arg(color.blue())
+        .arg(qRound(alpha * 255));
+}
+
+/// A scroll bar without arrows and trough.
+QString scrollBarStyle(const QPalette& palette) {
+    const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
+    return QStringLiteral(
+               "QScrollBar:vertical { background: transparent; border: none; width: %1px; margin: 0; }"
+               "QScrollBar::handle:vertical { background: %2; border-radius: 3px; margin: 3px; "
+               "min-height: 32px; }"
+               "QScrollBar::handle:vertical:hover { background: %3; }"
+               "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
+               "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }")
+        .arg(scrollBarWidth)
+        .arg(rgba(text, 0.3), rgba(text, 0.5));
+}
 
 class SideListDelegate final : public QStyledItemDelegate {
 public:
@@ -35,19 +59,23 @@ public:
         painter->setRenderHint(QPainter::Antialiasing);
         const bool isSelected = option.state & QStyle::State_Selected;
         const QRectF row = QRectF(option.rect).adjusted(8, 2, -8, -2);
+        // The colour of the chosen row tells whether the keyboard is here.
+        const bool isAccented = isSelected && option.widget && option.widget->hasFocus();
         if (isSelected || option.state & QStyle::State_MouseOver) {
+            QColor ground = option.palette.color(QPalette::Active, QPalette::WindowText);
+            ground.setAlphaF(isSelected ? 0.14F : 0.06F);
             painter->setPen(Qt::NoPen);
-            painter->setBrush(isSelected ? option.palette.color(QPalette::Active, QPalette::Highlight)
-                                         : badgeColor(option.palette));
-            painter->drawRoundedRect(row, 6, 6);
+            painter->setBrush(isAccented ? option.palette.color(QPalette::Active, QPalette::Highlight)
+                                         : ground);
+            painter->drawRoundedRect(row, controlRadius, controlRadius);
         }
         const int side = iconSide(option);
-        const QRect iconPlace(qRound(row.left()) + 10, option.rect.center().y() - side / 2 + 1, side, side);
+        const QRect iconPlace(qRound(row.left()) + 10, option.rect.center().y() - side / 2, side, side);
         index.data(Qt::DecorationRole)
             .value<QIcon>()
-            .paint(painter, iconPlace, Qt::AlignCenter, isSelected ? QIcon::Selected : QIcon::Normal);
+            .paint(painter, iconPlace, Qt::AlignCenter, isAccented ? QIcon::Selected : QIcon::Normal);
         painter->setPen(option.palette.color(QPalette::Active,
-                                             isSelected ? QPalette::HighlightedText : QPalette::WindowText));
+                                             isAccented ? QPalette::HighlightedText : QPalette::WindowText));
         painter->drawText(option.rect.adjusted(iconPlace.right() + 12, 0, -12, 0), Qt::AlignVCenter,
                           index.data().toString());
         painter->restore();
@@ -199,10 +227,19 @@ void SettingsRootView::showPane() {
     scrollArea->setWidgetResizable(true);
     scrollArea->setFocusPolicy(Qt::NoFocus);
     scrollArea->setWidget(body);
+    QScrollBar* scrollBar = scrollArea->verticalScrollBar();
+    scrollBar->setStyleSheet(scrollBarStyle(palette()));
+    // The content keeps its width when the bar comes and goes.
+    connect(scrollBar, &QScrollBar::rangeChanged, centring, [centring](int least, int most) {
+        const int taken = most > least ? scrollBarWidth : 0;
+        centring->setContentsMargins(sideMargin, 22, sideMargin - taken, 26);
+    });
     scrollArea->viewport()->setAutoFillBackground(false);
     body->setAutoFillBackground(false);
     page_ = scrollArea;
     content_->addWidget(page_, 1);
+    // At once, or keys that are pressed right now would find no control yet.
+    page_->show();
     pane_->appear();
 }
 

@@ -1,6 +1,8 @@
 #include "ui/qt/settings_style.h"
 
+#include <QFontMetrics>
 #include <QPainter>
+#include <QWidget>
 
 namespace tavrin {
 namespace {
@@ -33,6 +35,42 @@ QColor lineColor(const QPalette& palette) {
 
 QColor badgeColor(const QPalette& palette) {
     return mixedColor(groupColor(palette), textColor(palette), 0.1);
+}
+
+int controlHeight(const QFontMetrics& metrics) {
+    return qRound(metrics.height() * 1.85);
+}
+
+void drawControlGround(QPainter& painter, const QWidget& control, bool isDown) {
+    QColor ground = textColor(control.palette());
+    const bool isHovered = control.isEnabled() && control.underMouse();
+    ground.setAlphaF(!control.isEnabled() ? 0.05F : isDown ? 0.22F : isHovered ? 0.15F : 0.1F);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ground);
+    painter.drawRoundedRect(QRectF(control.rect()), controlRadius, controlRadius);
+}
+
+void drawControlGround(QPainter& painter, const QWidget& control, bool isDown, const QColor& ground) {
+    if (!control.isEnabled())
+        return drawControlGround(painter, control, isDown);
+    const bool isHovered = control.underMouse();
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(mixedColor(ground, textColor(control.palette()), isDown ? 0.2 : isHovered ? 0.1 : 0));
+    painter.drawRoundedRect(QRectF(control.rect()), controlRadius, controlRadius);
+}
+
+void drawFieldGround(QPainter& painter, const QWidget& field, const QColor& ground) {
+    const QColor line = mixedColor(lineColor(field.palette()), textColor(field.palette()), 0.2);
+    painter.setPen(QPen(line, 1));
+    painter.setBrush(ground);
+    painter.drawRoundedRect(QRectF(field.rect()).adjusted(0.5, 0.5, -0.5, -0.5), controlRadius,
+                            controlRadius);
+}
+
+QColor controlTextColor(const QWidget& control) {
+    const QPalette& palette = control.palette();
+    return control.isEnabled() ? textColor(palette)
+                               : mixedColor(groupColor(palette), textColor(palette), 0.45);
 }
 
 void drawFocusRing(QPainter& painter, const QRectF& rect, double radius, const QPalette& palette) {

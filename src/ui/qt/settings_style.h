@@ -3,8 +3,10 @@
 #include <QColor>
 #include <QPalette>
 
+class QFontMetrics;
 class QPainter;
 class QRectF;
+class QWidget;
 
 namespace tavrin {
 
@@ -20,6 +22,19 @@ QColor groupColor(const QPalette& palette);
 QColor lineColor(const QPalette& palette);
 /// The ground of small marks beside a name.
 QColor badgeColor(const QPalette& palette);
+
+/// Buttons, fields and pickers look alike on every desktop: flat, rounded, one line high.
+inline constexpr double controlRadius = 6;
+int controlHeight(const QFontMetrics& metrics);
+
+/// The ground of a button or picker; `isDown` while it is pressed or its menu is open.
+void drawControlGround(QPainter& painter, const QWidget& control, bool isDown);
+/// The same in `ground`, for a button that stands out.
+void drawControlGround(QPainter& painter, const QWidget& control, bool isDown, const QColor& ground);
+/// The ground of a field that takes input.
+void drawFieldGround(QPainter& painter, const QWidget& field, const QColor& ground);
+/// The text of a control, greyed when it cannot be used.
+QColor controlTextColor(const QWidget& control);
 
 /// The ring around a control that has the keyboard's focus.
 void drawFocusRing(QPainter& painter, const QRectF& rect, double radius, const QPalette& palette);

@@ -3,17 +3,25 @@
 #include "ui/qt/settings_group.h"
 #include "ui/qt/settings_pane_widget.h"
 #include "ui/qt/settings_style.h"
+#include "ui/qt/symbol_button.h"
 #include "ui/qt/symbol_icon.h"
 
 #include <QKeyEvent>
 #include <QPainter>
-#include <QToolButton>
 
 namespace tavrin {
 
+RecorderField::RecorderField(ShortcutRecorderView& view, SymbolButton* clearButton)
+    : view_(view), clearButton_(clearButton) {
+    auto* line = new QHBoxLayout(this);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->addStretch(1);
+    line->addWidget(clearButton);
+}
+
 QSize RecorderField::sizeHint() const {
-    const int width = fontMetrics().horizontalAdvance(QStringLiteral("Press shortcut…")) + 36;
-    return {width, qRound(fontMetrics().height() * 1.75)};
+    const int text = fontMetrics().horizontalAdvance(QStringLiteral("Press shortcut…"));
+    return {text + 2 * clearButton_->sizeHint().width(), controlHeight(fontMetrics())};
 }
 
 void RecorderField::keyPressEvent(QKeyEvent* event) {
@@ -33,12 +41,9 @@ void RecorderField::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     const ShortcutRecorder& recorder = view_.recorder();
     const QPalette& colors = palette();
-    constexpr double radius = 6;
-    painter.setPen(QPen(mixedColor(lineColor(colors), colors.color(QPalette::WindowText), 0.15), 1));
-    painter.setBrush(colors.base());
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    drawFieldGround(painter, *this, colors.color(QPalette::Active, QPalette::Base));
     if (hasFocus() || recorder.isRecording())
-        drawFocusRing(painter, QRectF(rect()), radius, colors);
+        drawFocusRing(painter, QRectF(rect()), controlRadius, colors);
     const bool isShortcut = recorder.combo() && !recorder.isRecording();
     painter.setPen(isShortcut ? colors.color(QPalette::Text) : secondaryTextColor(colors));
     painter.drawText(rect(), Qt::AlignCenter, text());
@@ -46,18 +51,12 @@ void RecorderField::paintEvent(QPaintEvent*) {
 
 ShortcutRecorderRow::ShortcutRecorderRow(const QString& title, const QString& subtitle, const QString& owner,
                                          ShortcutRecorderView& view)
-    : owner_(owner), view_(view), field_(new RecorderField(view)), clearButton_(new QToolButton),
-      message_(makeText({}, TextRole::warning)) {
-    clearButton_->setIcon(symbolIcon(QStringLiteral("xmark.circle")));
-    const int side = fontMetrics().height();
-    clearButton_->setIconSize({side, side});
-    clearButton_->setAutoRaise(true);
-    clearButton_->setFocusPolicy(Qt::StrongFocus);
+    : owner_(owner), view_(view),
+      clearButton_(new SymbolButton(QStringLiteral("xmark.circle"),
+                                    QStringLiteral("Clear shortcut of %1").arg(owner),
+                                    SymbolButton::Ground::onHover, secondaryTextColor(palette()))),
+      field_(new RecorderField(view, clearButton_)), message_(makeText({}, TextRole::warning)) {
     clearButton_->setToolTip(QStringLiteral("Clear"));
-    clearButton_->setAccessibleName(QStringLiteral("Clear shortcut of %1").arg(owner));
-    QSizePolicy keepsItsPlace = clearButton_->sizePolicy();
-    keepsItsPlace.setRetainSizeWhenHidden(true);
-    clearButton_->setSizePolicy(keepsItsPlace);
     message_->setAlignment(Qt::AlignRight);
 
     connect(field_, &QPushButton::clicked, this, [this] {
@@ -75,11 +74,9 @@ ShortcutRecorderRow::ShortcutRecorderRow(const QString& title, const QString& su
     if (!subtitle.isEmpty())
         texts->addWidget(makeText(subtitle, TextRole::secondary));
     auto* line = new QHBoxLayout;
-    line->setSpacing(6);
+    line->setSpacing(16);
     line->addLayout(texts, 1);
-    line->addSpacing(10);
     line->addWidget(field_, 0, Qt::AlignVCenter);
-    line->addWidget(clearButton_, 0, Qt::AlignVCenter);
     auto* rows = new QVBoxLayout(this);
     setRowMargins(*rows);
     rows->setSpacing(6);

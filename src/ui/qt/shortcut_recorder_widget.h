@@ -6,14 +6,16 @@
 #include <QWidget>
 
 class QLabel;
-class QToolButton;
 
 namespace tavrin {
 
-/// The field of a recorder: shows the shortcut, and records one from a click on.
+class SymbolButton;
+
+/// The field of a recorder: shows the shortcut, and records one from a click on. A button at its end clears
+/// it.
 class RecorderField final : public QPushButton {
 public:
-    explicit RecorderField(ShortcutRecorderView& view) : view_(view) {}
+    RecorderField(ShortcutRecorderView& view, SymbolButton* clearButton);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -25,10 +27,10 @@ protected:
 
 private:
     ShortcutRecorderView& view_;
+    SymbolButton* clearButton_;
 };
 
-/// A row with a title, the field that records its shortcut, a button that clears it, and the reason of the
-/// last refusal beneath.
+/// A row with a title, the field that records its shortcut, and the reason of the last refusal beneath.
 class ShortcutRecorderRow final : public QWidget {
 public:
     /// `view` outlives the row. `owner` names the shortcut to a screen reader.
@@ -40,8 +42,8 @@ private:
 
     QString owner_;
     ShortcutRecorderView& view_;
+    SymbolButton* clearButton_;
     RecorderField* field_;
-    QToolButton* clearButton_;
     QLabel* message_;
     Token subscription_;
 };
