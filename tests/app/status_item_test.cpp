@@ -1,9 +1,7 @@
 #include "app/status_item_controller.h"
 #include "doubles/builders.h"
-#include "doubles/fake_desktop.h"
-#include "doubles/fake_file_system.h"
 #include "doubles/fake_interface.h"
-#include "doubles/fake_time.h"
+#include "doubles/stored_data.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -11,95 +9,52 @@
 namespace tavrin {
 namespace {
 
-/// A menu as text: one line per item, "[ ]" for a disabled one, submenus indented.
-std::string dump(const MenuModel& menu, int depth = 0) {
+/// A menu as text, an item that cannot be chosen in brackets, a submenu in braces.
+std::string dump(const MenuModel& menu) {
     std::string text;
     for (const MenuItem& item : menu) {
-        text += std::string(static_cast<std::size_t>(depth) * 2, ' ');
-        if (item.isSeparator) {
-            text += "---\n";
-            continue;
-        }
-        text += item.isEnabled ? item.title : "[ ] " + item.title;
-        if (item.keyEquivalent)
-            text += fmt::format(" <{}{}>",
-                                item.keyEquivalent->modifiers == ModifierSet{}
-                                    ? ""
-                                    : fmt::format("{:x}+", item.keyEquivalent->modifiers.rawValue),
-                                item.keyEquivalent->key);
-        text += "\n" + dump(item.submenu, depth + 1);
+        text += item.isSeparator ? "---" : item.isEnabled ? item.title : "[" + item.title + "]";
+        if (const auto& key = item.keyEquivalent)
+            text += fmt::format(" <{:x}+{}>", key->modifiers.rawValue, key->key);
+        if (!item.submenu.empty())
+            text += " { " + dump(item.submenu) + "}";
+        text += "; ";
     }
     return text;
 }
 
-constexpr const char* tail = "---\n"
-                             "Settings… <,>\n"
-                             "---\n"
-                             "[ ] Beta v1.2 — free during beta\n"
-                             "Quit Tavrin <q>\n";
-
 TEST(StatusItemMenu, ShowsThePermissionFirst) {
-    for (const auto& [state, label] :
-         {std::pair{AccessibilityPermissionState::denied, "Accessibility access is required"},
-          {AccessibilityPermissionState::unknown, "Checking Accessibility permission"}})
-        EXPECT_EQ(
-            dump(statusItemMenu({.permission = state, .currentProfileName = "Desk", .version = "1.2"})),
-            fmt::format("[ ] {}\nOpen Accessibility Settings <,>\nRecheck Permission <r>\n{}", label, tail));
-    const auto menu = statusItemMenu({.permission = AccessibilityPermissionState::denied});
-    EXPECT_NE(dump(menu).find("[ ] Beta — free during beta\n"), std::string::npos) << "no version";
+    EXPECT_EQ(
+        dump(statusItemMenu(
+            {.permission = AccessibilityPermissionState::unknown, .currentProfileName = "Desk"})),
+        "[Checking Accessibility permission]; Open Accessibility Settings <0+,>; Recheck Permission <0+r>; "
+        "---; Settings… <0+,>; ---; [Beta — free during beta]; Quit Tavrin <0+q>; ");
 }
 
 TEST(StatusItemMenu, ShowsTheSetupAndItsLayouts) {
-    StatusItemMenuContent content{.permission = AccessibilityPermissionState::granted, .version = "1.2"};
-    EXPECT_EQ(dump(statusItemMenu(content)), fmt::format("[ ] Current Display Setup\n"
-                                                         "[ ] No matched display setup yet\n"
-                                                         "---\n"
-                                                         "Save Layout…\n"
-                                                         "---\n"
-                                                         "[ ] No Display Setup Matched\n{}",
-                                                         tail));
-
-    auto desk = testing::profile("Desk", testing::desk());
+    const auto desk = testing::profile("Desk", testing::desk());
     const auto couch = testing::profile("Couch", testing::leftAlone());
-    content.profiles = {desk, couch};
-    content.matchedProfile = desk;
-    content.currentProfileName = "Desk";
-    content.suggestedProfileName = "never beside a match";
-    content.matchExplanation = "Because.";
-    EXPECT_EQ(dump(statusItemMenu(content)), fmt::format("[ ] Current Display Setup\n"
-                                                         "[ ] Desk\n"
-                                                         "[ ] Because.\n"
-                                                         "---\n"
-                                                         "Save Layout…\n"
-                                                         "---\n"
-                                                         "[ ] Restore Layout\n"
-                                                         "[ ] No Saved Layouts\n{}",
-                                                         tail));
-
     auto work = testing::layout("Work", {}), play = testing::layout("Play", {}),
          film = testing::layout("Film", {});
     work.profileID = play.profileID = desk.id;
     film.profileID = couch.id;
-    content.layouts = {work, film, play};
+    StatusItemMenuContent content{.permission = AccessibilityPermissionState::granted,
+                                  .currentProfileName = "Desk",
+                                  .suggestedProfileName = "never beside a match",
+                                  .matchExplanation = "Because.",
+                                  .matchedProfile = desk,
+                                  .profiles = {desk, couch},
+                                  .layouts = {work, film, play},
+                                  .version = "1.2"};
     content.matchedProfile->defaultLayoutID = play.id;
     content.layoutShortcuts = {{work.id, {15, ModifierSet::control | ModifierSet::option}}};
     const auto menu = statusItemMenu(content);
-    EXPECT_EQ(dump(menu), fmt::format("[ ] Current Display Setup\n"
-                                      "[ ] Desk\n"
-                                      "[ ] Because.\n"
-                                      "---\n"
-                                      "Save Layout…\n"
-                                      "Update Layout\n"
-                                      "  Work\n"
-                                      "  Play\n"
-                                      "---\n"
-                                      "[ ] Restore Layout\n"
-                                      "Work <c0000+R>\n"
-                                      "Play (auto)\n"
-                                      "Other Display Setups\n"
-                                      "  Couch\n"
-                                      "    Film\n{}",
-                                      tail));
+    const std::string tail = "---; Settings… <0+,>; ---; [Beta v1.2 — free during beta]; Quit Tavrin <0+q>; ";
+    EXPECT_EQ(dump(menu), "[Current Display Setup]; [Desk]; [Because.]; ---; "
+                          "Save Layout…; Update Layout { Work; Play; }; ---; "
+                          "[Restore Layout]; Work <c0000+R>; Play (auto); "
+                          "Other Display Setups { Couch { Film; }; }; " +
+                              tail);
     EXPECT_EQ(menu[8].representedObject, work.id);
     EXPECT_EQ(menu[8].action, MenuAction::restoreLayout);
     EXPECT_EQ(menu[5].submenu[1].representedObject, play.id);
@@ -109,39 +64,22 @@ TEST(StatusItemMenu, ShowsTheSetupAndItsLayouts) {
     content.currentProfileName.reset();
     content.suggestedProfileName = "Desk";
     content.requiresConfirmation = true;
-    EXPECT_EQ(dump(statusItemMenu(content)), fmt::format("[ ] Current Display Setup\n"
-                                                         "[ ] Desk\n"
-                                                         "[ ] Because.\n"
-                                                         "Confirm Suggested Setup\n"
-                                                         "---\n"
-                                                         "Save Layout…\n"
-                                                         "---\n"
-                                                         "[ ] No Display Setup Matched\n"
-                                                         "Other Display Setups\n"
-                                                         "  Desk\n"
-                                                         "    Work <c0000+R>\n"
-                                                         "    Play\n"
-                                                         "  Couch\n"
-                                                         "    Film\n{}",
-                                                         tail));
+    EXPECT_EQ(dump(statusItemMenu(content)),
+              "[Current Display Setup]; [Desk]; [Because.]; Confirm Suggested Setup; ---; Save Layout…; ---; "
+              "[No Display Setup Matched]; "
+              "Other Display Setups { Desk { Work <c0000+R>; Play; }; Couch { Film; }; }; " +
+                  tail);
 }
 
 TEST(StatusItem, ChoosesTheFeedbackSymbol) {
     EXPECT_EQ(feedbackSymbol({3, 3, 0, {}, 0, 0}), "checkmark.circle.fill");
-    EXPECT_EQ(feedbackSymbol({3, 1, 2, {}, 2, 0}), "exclamationmark.triangle.fill");
     EXPECT_EQ(feedbackSymbol({3, 2, 1, {}, 0, 1}), "exclamationmark.triangle.fill");
     EXPECT_EQ(feedbackSymbol({3, 0, 3, {}, 0, 3}), "xmark.circle");
     EXPECT_EQ(feedbackSymbol({0, 0, 0, {}, 0, 0}), "xmark.circle");
 }
 
-class StatusItemTest : public ::testing::Test {
+class StatusItemTest : public ::testing::Test, protected testing::StoredData {
 protected:
-    testing::FakeFileSystem files;
-    testing::FakeTime time;
-    AppSupportPaths paths{files, "/data"};
-    ProfileStore store{paths, time};
-    SettingsStore settings{paths, time};
-    testing::FixedDisplays displays;
     testing::FixedWindows windows;
     testing::FixedPermission permission;
     testing::ScriptedRestores restores;
@@ -245,7 +183,7 @@ TEST_F(StatusItemTest, RebuildsTheMenuOncePerTurnAndWhenItOpens) {
     savedThroughPopover("Work");
     time.pass(0);
     EXPECT_EQ(item.menusSet, before + 1);
-    EXPECT_NE(dump(item.menu).find("\nWork\n"), std::string::npos);
+    EXPECT_NE(dump(item.menu).find("; Work; "), std::string::npos);
     permission.state = AccessibilityPermissionState::denied;
     item.willOpen();
     EXPECT_NE(dump(item.menu).find("Accessibility access is required"), std::string::npos);

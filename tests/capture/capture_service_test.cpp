@@ -1,8 +1,6 @@
 #include "capture/capture_service.h"
 #include "doubles/builders.h"
-#include "doubles/fake_desktop.h"
-#include "doubles/fake_file_system.h"
-#include "doubles/fake_time.h"
+#include "doubles/stored_data.h"
 #include "restore/restore_matcher.h"
 
 #include <gtest/gtest.h>
@@ -13,15 +11,9 @@ namespace {
 
 using testing::window;
 
-struct CaptureFixture {
-    testing::FakeFileSystem files;
-    testing::FakeTime time;
-    AppSupportPaths paths{files, "/data"};
-    ProfileStore store{paths, time};
-    SettingsStore settings{paths, time};
+struct CaptureFixture : testing::StoredData {
     testing::FixedWindows windows;
     testing::FixedAXWindows axWindows;
-    testing::FixedDisplays displays;
     CaptureService service{{windows, &axWindows, store, settings, displays, time}, 4711};
 
     CaptureFixture() { displays.snapshot = testing::desk(); }

@@ -2,9 +2,7 @@
 #include "display/display_snapshot_provider.h"
 #include "display/profile_list_view_model.h"
 #include "doubles/builders.h"
-#include "doubles/fake_desktop.h"
-#include "doubles/fake_file_system.h"
-#include "doubles/fake_time.h"
+#include "doubles/stored_data.h"
 
 #include <gtest/gtest.h>
 
@@ -126,15 +124,20 @@ const MonitorProfile* profileOf(const MatchResult& result) {
 }
 
 TEST(MonitorProfileMatcher, ScoresArrangementHardwareAndCount) {
-    const MonitorProfileMatcher matcher;
-    EXPECT_DOUBLE_EQ(matcher.similarityScore(desk(), similar("same", 2, 2, 2)), 1.0);
-    EXPECT_DOUBLE_EQ(matcher.similarityScore(desk(), similar("other units", 2, 2, 0)), 0.8);
-    EXPECT_DOUBLE_EQ(matcher.similarityScore(desk(), similar("one unit", 2, 2, 1)), 0.9);
-    EXPECT_DOUBLE_EQ(matcher.similarityScore(desk(), similar("one moved", 2, 1, 2)), 0.7);
-    EXPECT_EQ(matcher.similarityScore(desk(), similar("three", 3, 3, 3)), 0);
-    auto unidentified = similar("no ids", 2, 2, 2);
-    unidentified.displayFingerprint.stableDisplayIDs.clear();
-    EXPECT_DOUBLE_EQ(matcher.similarityScore(desk(), unidentified), 0.8);
+    const auto score = [](const MonitorProfile& saved) {
+        return MonitorProfileMatcher{}.similarityScore(desk(), saved);
+    };
+    EXPECT_DOUBLE_EQ(score(similar("same", 2, 2, 2)), 1.0);
+    EXPECT_DOUBLE_EQ(score(similar("other units", 2, 2, 0)), 0.8);
+    EXPECT_DOUBLE_EQ(score(similar("one unit", 2, 2, 1)), 0.9);
+    EXPECT_DOUBLE_EQ(score(similar("one moved", 2, 1, 2)), 0.7);
+    EXPECT_EQ(score(similar("three", 3, 3, 3)), 0);
+    auto other = similar("no ids", 2, 2, 2);
+    other.displayFingerprint.stableDisplayIDs.clear();
+    EXPECT_DOUBLE_EQ(score(other), 0.8);
+    auto& signature = other.displayFingerprint.arrangementSignature;
+    signature = "external:0.000:9|" + signature.substr(0, signature.find('|'));
+    EXPECT_DOUBLE_EQ(score(other), 0.2) << "the left display's key, one place on";
 }
 
 TEST(MonitorProfileMatcher, FindsTheFirstExactSetup) {
@@ -152,29 +155,15 @@ TEST(MonitorProfileMatcher, FindsTheFirstExactSetup) {
         << "without hardware identity nothing is certain";
 }
 
-TEST(MonitorProfileMatcher, ReusesConfirmedArrangementsWhateverTheHardware) {
-    auto confirmed = similar("Home", 2, 0, 0);
-    const auto signature = MonitorProfileMatcher{}.makeFingerprint(desk()).arrangementSignature;
-    confirmed.learnedAssociations = {{.confirmedDisplaySignature = signature}};
-    EXPECT_EQ(MonitorProfileMatcher{}.match(desk(), {similar("Near", 2, 2, 1), confirmed}),
-              MatchResult(match::Exact{confirmed, "Reused a previously confirmed fuzzy association."}));
-}
-
-TEST(MonitorProfileMatcher, PrefersIdentityToMemoryAndTheFirstMemory) {
-    const auto signature = MonitorProfileMatcher{}.makeFingerprint(desk()).arrangementSignature;
-    auto first = similar("First", 2, 0, 0), second = similar("Second", 2, 0, 0);
-    first.learnedAssociations = second.learnedAssociations = {{.confirmedDisplaySignature = signature}};
+TEST(MonitorProfileMatcher, RemembersConfirmedArrangementsWhateverTheHardware) {
     const MonitorProfileMatcher matcher;
-    EXPECT_EQ(profileOf(matcher.match(desk(), {first, second}))->name, "First");
-    EXPECT_EQ(profileOf(matcher.match(desk(), {first, profile("Same", desk())}))->name, "Same");
-}
-
-TEST(MonitorProfileMatcher, ComparesKeysPlaceByPlace) {
-    auto shifted = profile("Shifted", desk());
-    auto& signature = shifted.displayFingerprint.arrangementSignature;
-    const auto bar = signature.find('|');
-    signature = "external:0.000:9|" + signature.substr(0, bar); // the left display's key, one place on
-    EXPECT_DOUBLE_EQ(MonitorProfileMatcher{}.similarityScore(desk(), shifted), 0.4);
+    auto first = similar("First", 2, 0, 0), second = similar("Second", 2, 0, 0);
+    first.learnedAssociations = second.learnedAssociations = {
+        {.confirmedDisplaySignature = matcher.makeFingerprint(desk()).arrangementSignature}};
+    EXPECT_EQ(matcher.match(desk(), {similar("Near", 2, 2, 1), first, second}),
+              MatchResult(match::Exact{first, "Reused a previously confirmed fuzzy association."}));
+    EXPECT_EQ(profileOf(matcher.match(desk(), {first, profile("Same", desk())}))->name, "Same")
+        << "identity counts more";
 }
 
 TEST(MonitorProfileMatcher, SuggestsOnlyWhatIsClearlyBest) {
@@ -218,19 +207,15 @@ TEST(MonitorProfileMatcher, KeepsItsThresholdsToTheHair) {
     EXPECT_EQ(verdict({changed("0.716", 40, 9)}), none);
     EXPECT_EQ(verdict({changed("0.84", 45, 25), changed("0.80", 45, 15)}), ambiguous);
     EXPECT_EQ(verdict({changed("0.86", 45, 30), changed("0.80", 45, 15)}), suggested);
-    ASSERT_TRUE(profileOf(matcher.match(wall, {changed("0.80", 45, 15), changed("0.86", 45, 30)})));
-    EXPECT_EQ(profileOf(matcher.match(wall, {changed("0.80", 45, 15), changed("0.86", 45, 30)}))->name,
-              "0.86");
+    const auto best = matcher.match(wall, {changed("0.80", 45, 15), changed("0.86", 45, 30)});
+    ASSERT_TRUE(profileOf(best));
+    EXPECT_EQ(profileOf(best)->name, "0.86");
 }
 
 // ----- the models
 
-class CurrentProfileTest : public ::testing::Test {
+class CurrentProfileTest : public ::testing::Test, protected testing::StoredData {
 protected:
-    testing::FakeFileSystem files;
-    testing::FakeTime time;
-    ProfileStore store{AppSupportPaths{files, "/data"}, time};
-    testing::FixedDisplays displays;
     CurrentProfileViewModel model{displays, store};
 
     void create(const MonitorProfile& profile) {

@@ -1,10 +1,6 @@
 #include "doubles/builders.h"
-#include "doubles/fake_desktop.h"
-#include "doubles/fake_file_system.h"
-#include "doubles/fake_time.h"
+#include "doubles/stored_data.h"
 #include "restore/auto_restore_coordinator.h"
-#include "storage/profile_store.h"
-#include "storage/settings_store.h"
 
 #include <gtest/gtest.h>
 
@@ -13,14 +9,8 @@ namespace {
 
 const RestoreResult complete(1, 1, 0, {}), partial(2, 1, 1, {}, 1, 0);
 
-class AutoRestoreTest : public ::testing::Test {
+class AutoRestoreTest : public ::testing::Test, protected testing::StoredData {
 protected:
-    testing::FakeFileSystem files;
-    testing::FakeTime time;
-    AppSupportPaths paths{files, "/data"};
-    ProfileStore store{paths, time};
-    SettingsStore settings{paths, time};
-    testing::FixedDisplays displays;
     testing::ScriptedRestores restores;
     testing::FakeEvents events;
     RestoreDebugStore debugStore;

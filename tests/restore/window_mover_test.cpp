@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace tavrin {
 namespace {
 
@@ -37,16 +39,12 @@ protected:
         return mover.move(pid, saved, testing::window(1, "app", std::move(liveTitle), live), to);
     }
 
-    /// The number of the window that was moved, or the failure.
-    std::string moved() {
-        elements.sets.clear();
-        const auto outcome = move();
+    /// The number of the window that is moved, or the failure.
+    std::string moved(std::string liveTitle = "") {
+        const auto outcome = move(target, std::move(liveTitle));
         if (const auto* failed = std::get_if<WindowMoveFailed>(&outcome))
             return failed->message;
-        for (std::size_t i = 0; i < windows.size(); ++i)
-            if (windows[i] == elements.sets.at(0).first)
-                return std::to_string(i);
-        return "?";
+        return std::to_string(std::ranges::find(windows, elements.sets.at(0).first) - windows.begin());
     }
 
     std::string failure(const Rect& to = target) {
@@ -101,82 +99,58 @@ TEST_F(WindowMoverTest, TriesBothStepsAndReportsEachThatFailed) {
                 AllOf(HasSubstr("; size=invalidUIElement"), ::testing::Not(HasSubstr("position="))));
 }
 
-TEST_F(WindowMoverTest, TakesTheOnlyWindowAtTheLiveFrame) {
-    add(shifted(2.0));
-    add(shifted(1.99));
-    EXPECT_EQ(moved(), "1");
-}
-
-TEST_F(WindowMoverTest, TellsWindowsAtTheSameFrameByTitleThenRoleThenSlot) {
-    add(live, "a", "AXDialog");
-    add(live, "b");
-    add(live, "b", "AXDialog");
-    saved.windowTitle = "A";
-    EXPECT_EQ(moved(), "0");
-    elements.applications.clear();
-    windows.clear();
-    add(live, "b", "AXDialog");
-    add(live, "b");
-    saved.windowTitle = "gone";
-    saved.windowSubrole = "AXStandardWindow";
-    EXPECT_EQ(moved(), "1");
-    elements.applications.clear();
-    windows.clear();
-    add(live, "b");
-    add(live, "b");
-    for (const auto& [slot, expected] :
-         std::initializer_list<std::pair<std::optional<std::int64_t>, const char*>>{
-             {std::nullopt, "0"}, {1, "1"}, {-4, "0"}, {9, "1"}}) {
-        saved.slotIndex = slot;
-        windows.clear();
-        elements.applications.clear();
-        add(live, "b");
-        add(live, "b");
-        EXPECT_EQ(moved(), expected);
-    }
-}
-
-TEST_F(WindowMoverTest, GoesByTheLiveTitleWhenTheSavedOneIsGone) {
-    add(live, "mail");
-    add(live, "news");
-    saved.windowTitle = "what was open last week";
-    const auto outcome = move(target, "News ");
-    EXPECT_EQ(outcome, WindowMoveOutcome(WindowMoved{}));
-    EXPECT_EQ(elements.sets.at(0).first, windows[1]);
-
-    elements.applications.clear();
-    windows.clear();
-    saved.windowTitle = "mail";
-    saved.windowRole = "AXSheet";
-    add(shifted(500), "mail");
-    add(shifted(10), "news");
-    EXPECT_EQ(moved(), "0") << "the only one with the title, however far";
-}
-
-TEST_F(WindowMoverTest, TakesTheOnlyOneInTheSavedRoleElsewhere) {
-    saved.windowRole = "AXWindow";
-    saved.windowSubrole = "AXDialog";
-    add(shifted(500), "x");
-    add(shifted(900), "y", "AXDialog");
-    EXPECT_EQ(moved(), "1");
-}
-
-TEST_F(WindowMoverTest, TakesTheNearestOnlyWhenItIsNearAndClearlyNearest) {
-    struct Case {
-        std::vector<double> distances;
-        std::vector<std::string> titles;
-        std::string expected; ///< the start of the message when it is no number
+TEST_F(WindowMoverTest, ChoosesByFrameTitleRoleAndSlotElseTheClearlyNearest) {
+    struct Candidate {
+        double distance; ///< from the live frame
+        const char* title = "";
+        const char* subrole = "AXStandardWindow";
     };
-    for (const Case& c :
-         {Case{{10, 34}, {"a", "b"}, "0"}, Case{{34, 10}, {"a", "b"}, "1"},
-          Case{{10, 33.9}, {"a", "b"}, "AX target selection failed"}, Case{{10, 20}, {"t", "t"}, "0"},
-          Case{{160, 500}, {"a", "b"}, "0"}, Case{{150, 165}, {"a", "b"}, "0"},
-          Case{{160.5, 500}, {"a", "b"}, "AX target selection failed"}, Case{{5000}, {"a"}, "0"}}) {
+    const char* const dialog = "AXDialog";
+    const char* const none = "AX target selection failed";
+    const struct {
+        const char* situation;
+        const char* chosen; ///< the number of the window, or how the message starts
+        std::vector<Candidate> candidates;
+        const char* savedTitle = "";
+        const char* liveTitle = "";
+        std::optional<std::string> role = {}, subrole = {};
+        std::optional<std::int64_t> slot = {};
+    } cases[] = {
+        {"the only one at the live frame", "1", {{2.0}, {1.99}}},
+        {"title", "0", {{0, "a", dialog}, {0, "b"}, {0, "b", dialog}}, "A"},
+        {"role", "1", {{0, "b", dialog}, {0, "b"}}, "gone", "", {}, "AXStandardWindow"},
+        {"no slot", "0", {{0, "b"}, {0, "b"}}, "gone", "", {}, "AXStandardWindow"},
+        {"slot", "1", {{0, "b"}, {0, "b"}}, "gone", "", {}, "AXStandardWindow", 1},
+        {"slot too small", "0", {{0}, {0}}, "", "", {}, {}, -4},
+        {"slot too large", "1", {{0}, {0}}, "", "", {}, {}, 9},
+        {"the saved title is gone, the live one counts", "1", {{0, "mail"}, {0, "news"}}, "gone", "News "},
+        {"the only one with the title, however far",
+         "0",
+         {{500, "mail"}, {10, "news"}},
+         "mail",
+         "",
+         "AXSheet"},
+        {"the only one in the role", "1", {{500, "x"}, {900, "y", dialog}}, "", "", "AXWindow", dialog},
+        {"clearly nearest", "0", {{10, "a"}, {34, "b"}}},
+        {"in any order", "1", {{34, "a"}, {10, "b"}}},
+        {"not clearly", none, {{10, "a"}, {33.9, "b"}}},
+        {"twins need not be told apart", "0", {{10, "t"}, {20, "t"}}},
+        {"just near enough", "0", {{160, "a"}, {500, "b"}}},
+        {"the other is too far to count", "0", {{150, "a"}, {165, "b"}}},
+        {"too far", none, {{160.5, "a"}, {500, "b"}}},
+        {"the only one", "0", {{5000, "a"}}},
+    };
+    for (const auto& test : cases) {
         windows.clear();
         elements.applications.clear();
-        for (std::size_t i = 0; i < c.distances.size(); ++i)
-            add(shifted(c.distances[i]), c.titles[i]);
-        EXPECT_THAT(moved(), StartsWith(c.expected)) << c.distances[0];
+        elements.sets.clear();
+        for (const auto& [distance, title, subrole] : test.candidates)
+            add(shifted(distance), title, subrole);
+        saved.windowTitle = test.savedTitle;
+        saved.windowRole = test.role;
+        saved.windowSubrole = test.subrole;
+        saved.slotIndex = test.slot;
+        EXPECT_THAT(moved(test.liveTitle), StartsWith(test.chosen)) << test.situation;
     }
 }
 
