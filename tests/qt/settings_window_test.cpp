@@ -198,7 +198,7 @@ TEST_F(SettingsWindowTest, OperatesAutomation) {
     picker->setCurrentIndex(picker->findText("Play"));
     Q_EMIT picker->activated(picker->currentIndex());
     EXPECT_EQ(profileNamed("Desk").defaultLayoutID, playID);
-    QWheelEvent wheel({5, 5}, picker->mapToGlobal(QPointF(5, 5)), {0, -40}, {0, -120}, {}, {},
+    QWheelEvent wheel({5, 5}, picker->mapToGlobal(QPointF(5, 5)), {0, 40}, {0, 120}, {}, {},
                       Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(picker, &wheel);
     EXPECT_EQ(profileNamed("Desk").defaultLayoutID, playID) << "scrolling over it chooses nothing";
