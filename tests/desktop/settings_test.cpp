@@ -14,6 +14,7 @@ namespace {
 constexpr xcb_keysym_t tabKey = 0xff09, downKey = 0xff54, f2Key = 0xffbf, deleteKey = 0xffff, spaceKey = ' ';
 constexpr int keyR = 15, control = 0x40000;
 constexpr auto settingsTitle = "Tavrin Settings";
+constexpr std::chrono::milliseconds attemptLimit{2000};
 enum Pane { layouts, automation, shortcuts, apps, advanced };
 
 /// The settings window, operated by keyboard and mouse.
@@ -58,20 +59,23 @@ protected:
     }
     bool giveKeyboardToTheOtherApplication() {
         windows().activate(window_);
-        return waitUntil([&] {
-            const auto pid = windows().processWithKeyboard();
-            return pid != 0 && pid != program().process().pid();
-        });
+        return waitUntil(
+            [&] {
+                const auto pid = windows().processWithKeyboard();
+                return pid != 0 && pid != program().process().pid();
+            },
+            attemptLimit);
     }
     bool pressShortcut() { return desktop().keyboard().pressWith(Keyboard::controlKey, 'r'); }
-    /// Presses the shortcut while the other application has the keyboard, until it restores: for a moment
-    /// after it lost the keyboard the program takes a press for its own.
+    /// Presses the shortcut while the other application has the keyboard, until it restores: the program may
+    /// still be bringing its window forward, and for a moment after it lost the keyboard it takes a press for
+    /// its own.
     bool shortcutRestores() {
-        if (!giveKeyboardToTheOtherApplication() || !windows().place(window_, astray))
+        if (!windows().place(window_, astray))
             return false;
         for (int attempt = 0; attempt < 5; ++attempt)
-            if (pressShortcut() &&
-                waitUntil([&] { return seen(window_) == saved; }, std::chrono::milliseconds(1000)))
+            if (giveKeyboardToTheOtherApplication() && pressShortcut() &&
+                waitUntil([&] { return seen(window_) == saved; }, attemptLimit))
                 return true;
         return false;
     }
