@@ -64,8 +64,8 @@ AppDelegate::AppDelegate(const Platform& platform, UserInterfaceFactory& userInt
           .saveCurrentLayout = [this](const Rect& beside) { capturePopoverController_.show(beside); },
           .restoreLayout =
               [this](const Uuid& layoutID) {
-                  if (statusItemController_)
-                      statusItemController_->restoreLayout(layoutID);
+                  return statusItemController_ ? statusItemController_->restoreLayout(layoutID)
+                                               : std::nullopt;
               },
       })),
       settingsWindowController_(*settingsWindow_, platform_.applicationHost, resetCoordinator_),

@@ -40,9 +40,12 @@ void StatusItemController::perform(MenuAction action, const std::optional<Uuid>&
     case MenuAction::quickUpdateLayout:
         return layoutID ? quickUpdateLayout(*layoutID) : void();
     case MenuAction::restoreLayout:
-        return layoutID ? restoreLayout(*layoutID) : void();
+        if (layoutID)
+            restoreLayout(*layoutID);
+        return;
     case MenuAction::confirmSuggestedProfile:
-        return collaborators_.currentProfileViewModel.confirmSuggestedProfile();
+        collaborators_.currentProfileViewModel.confirmSuggestedProfile();
+        return collaborators_.profileListViewModel.reload();
     case MenuAction::openSettings:
         return collaborators_.settingsWindowController.show(SettingsPane::layouts);
     case MenuAction::openAccessibilitySettings:
@@ -56,15 +59,16 @@ void StatusItemController::perform(MenuAction action, const std::optional<Uuid>&
     }
 }
 
-void StatusItemController::restoreLayout(const Uuid& layoutID) {
+std::optional<RestoreResult> StatusItemController::restoreLayout(const Uuid& layoutID) {
     collaborators_.permissionStatusViewModel.refresh();
     const auto saved = layout(layoutID);
     if (!saved)
-        return;
+        return std::nullopt;
     const RestoreResult result = collaborators_.restoreService.restore(*saved);
     collaborators_.restoreDebugStore.record(collaborators_.clock.now(), RestoreTriggerSource::menuBar, *saved,
                                             result);
     showRestoreFeedback(result);
+    return result;
 }
 
 void StatusItemController::quickUpdateLayout(const Uuid& layoutID) {
@@ -87,14 +91,21 @@ void StatusItemController::showNormalIcon() {
 void StatusItemController::rebuildMenu() {
     rebuildTask_.release();
     CurrentProfileViewModel& current = collaborators_.currentProfileViewModel;
+    const auto& profiles = collaborators_.profileListViewModel.profiles.value();
+    // The list may be newer: choosing a default layout reads only it again.
+    auto matched = current.currentProfile();
+    if (matched)
+        if (const auto listed = std::ranges::find(profiles, matched->id, &MonitorProfile::id);
+            listed != profiles.end())
+            matched = *listed;
     collaborators_.statusItem.setMenu(statusItemMenu(
         {.permission = collaborators_.permissionStatusViewModel.state.value(),
          .currentProfileName = current.currentProfileName.value(),
          .suggestedProfileName = current.suggestedProfileName.value(),
          .matchExplanation = current.matchExplanation.value(),
          .requiresConfirmation = current.requiresConfirmation.value(),
-         .matchedProfile = current.currentProfile(),
-         .profiles = collaborators_.profileListViewModel.profiles.value(),
+         .matchedProfile = std::move(matched),
+         .profiles = profiles,
          .layouts = collaborators_.profileStore.loadLayouts().value_or(std::vector<SavedLayout>{}),
          .layoutShortcuts = collaborators_.shortcutManager.layoutShortcuts.value(),
          .version = collaborators_.host.shortVersion()}));

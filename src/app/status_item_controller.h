@@ -47,7 +47,7 @@ public:
 
     /// As choosing the layout in the menu: restores it, records the attempt and shows the feedback. Does
     /// nothing when the layout is gone.
-    void restoreLayout(const Uuid& layoutID);
+    std::optional<RestoreResult> restoreLayout(const Uuid& layoutID);
 
 private:
     void perform(MenuAction action, const std::optional<Uuid>& layoutID);

@@ -34,6 +34,7 @@ void CurrentProfileViewModel::publish(const Published& published) {
     matchExplanation.set(published.explanation);
     requiresConfirmation.set(published.requiresConfirmation);
     currentProfileID.set(currentProfile_ ? std::optional(currentProfile_->id) : std::nullopt);
+    refreshed.emit();
 }
 
 CurrentProfileViewModel::Published CurrentProfileViewModel::published(const match::Exact& exact) {

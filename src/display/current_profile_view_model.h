@@ -22,6 +22,9 @@ public:
     Observable<bool> requiresConfirmation{false};
     Observable<std::optional<Uuid>> currentProfileID; ///< setups may share a name
 
+    /// After every refresh, when all of this is up to date.
+    Signal<> refreshed;
+
     /// The profile matched exactly at the last refresh; absent otherwise.
     const std::optional<MonitorProfile>& currentProfile() const { return currentProfile_; }
     /// The one profile that waits for a confirmation; absent otherwise, also when several are similar.

@@ -14,7 +14,8 @@ std::string orUnknown(std::string text) {
 
 } // namespace
 
-AdvancedPane::AdvancedPane(const SettingsCollaborators& collaborators) : collaborators_(collaborators) {
+AdvancedPane::AdvancedPane(const SettingsCollaborators& collaborators, bool& isTroubleshootingExpanded)
+    : collaborators_(collaborators), isTroubleshootingExpanded_(isTroubleshootingExpanded) {
     const auto tell = [this](const auto&) {
         readReport();
         changed.emit();

@@ -20,8 +20,9 @@ public:
         "the saved region that had the most windows for that app.";
     static constexpr std::string_view noAttemptText = "No restore attempt recorded yet in this app session.";
 
-    /// The collaborators outlive the pane.
-    explicit AdvancedPane(const SettingsCollaborators& collaborators);
+    /// The collaborators and `isTroubleshootingExpanded`, which the window keeps while it is open, outlive
+    /// the pane.
+    AdvancedPane(const SettingsCollaborators& collaborators, bool& isTroubleshootingExpanded);
 
     /// The view is shown, or shown again: reads settings and displays anew.
     void appear();
@@ -54,7 +55,7 @@ private:
 
     const SettingsCollaborators& collaborators_;
     bool clustersExtraAppWindows_ = true;
-    bool isTroubleshootingExpanded_ = false;
+    bool& isTroubleshootingExpanded_;
     TroubleshootingReport report_;
     std::vector<Token> subscriptions_;
 };

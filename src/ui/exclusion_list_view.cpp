@@ -50,8 +50,10 @@ bool ExclusionListView::canAdd() const {
 void ExclusionListView::add() {
     if (!canAdd())
         return;
-    append(trimmed(newBundleID_));
-    newBundleID_.clear();
+    const std::string added = trimmed(newBundleID_);
+    append(added);
+    if (contains(added))
+        newBundleID_.clear();
     changed.emit();
 }
 

@@ -31,7 +31,8 @@ public:
 
     /// The text in the field, without blanks around it, is a new identifier of at least two parts.
     bool canAdd() const;
-    /// Adds the text in the field and clears the field; does nothing when that is not possible.
+    /// Adds the text in the field and, once it is saved, clears the field; does nothing when it cannot be
+    /// added.
     void add();
     /// Adds an identifier that a running application really has, whatever its form.
     void addRunning(const std::string& bundleID);

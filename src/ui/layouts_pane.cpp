@@ -32,14 +32,10 @@ std::string failureText(const CaptureService::Error& error) {
 } // namespace
 
 LayoutsPane::LayoutsPane(const SettingsCollaborators& collaborators) : collaborators_(collaborators) {
-    CurrentProfileViewModel& current = collaborators_.currentProfileViewModel;
-    const auto read = [this](const auto&) { publish(); };
     subscriptions_.push_back(collaborators_.profileListViewModel.reloaded.connect([this] { publish(); }));
-    subscriptions_.push_back(collaborators_.shortcutManager.layoutShortcuts.subscribe(read));
-    subscriptions_.push_back(current.currentProfileName.subscribe(read));
-    subscriptions_.push_back(current.suggestedProfileName.subscribe(read));
-    subscriptions_.push_back(current.matchExplanation.subscribe(read));
-    subscriptions_.push_back(current.requiresConfirmation.subscribe(read));
+    subscriptions_.push_back(collaborators_.currentProfileViewModel.refreshed.connect([this] { publish(); }));
+    subscriptions_.push_back(
+        collaborators_.shortcutManager.layoutShortcuts.subscribe([this](const auto&) { publish(); }));
 }
 
 void LayoutsPane::appear() {
@@ -59,16 +55,17 @@ void LayoutsPane::confirmSuggestion() {
 void LayoutsPane::restore(const Uuid& layoutID) {
     if (!collaborators_.restoreLayout || !find(layoutID))
         return;
-    collaborators_.restoreLayout(layoutID);
+    const auto result = collaborators_.restoreLayout(layoutID);
     statusLayoutID_ = layoutID;
-    const auto& attempt = collaborators_.restoreDebugStore.lastAttempt.value();
-    status_ = attempt ? fmt::format("Restored: {} of {} in place.", attempt->result.matched,
-                                    windowCountText(static_cast<std::size_t>(attempt->result.totalSaved)))
-                      : std::string();
+    status_ = result ? fmt::format("Restored: {} of {} in place.", result->matched,
+                                   windowCountText(static_cast<std::size_t>(result->totalSaved)))
+                     : std::string();
     reloadModels();
 }
 
 void LayoutsPane::update(const Uuid& layoutID) {
+    // The displays may have changed since the pane was read.
+    collaborators_.currentProfileViewModel.refresh();
     const auto found = find(layoutID);
     if (!found || !found->layout.canUpdate)
         return;
@@ -114,7 +111,7 @@ void LayoutsPane::renameLayout(const Uuid& layoutID, std::string_view name) {
 void LayoutsPane::renameSetup(const Uuid& profileID, std::string_view name) {
     const auto setup = std::ranges::find(content_.setups, profileID, &SetupCard::id);
     if (setup != content_.setups.end() && setup->name != trimmed(name) && !setupNameRefusal(name))
-        static_cast<void>(collaborators_.profileStore.renameProfile(profileID, name));
+        static_cast<void>(collaborators_.profileListViewModel.renameProfile(profileID, name));
     reloadModels();
 }
 
@@ -139,7 +136,7 @@ void LayoutsPane::deleteLayout(const Uuid& layoutID) {
 }
 
 void LayoutsPane::deleteSetup(const Uuid& profileID) {
-    static_cast<void>(collaborators_.profileStore.deleteProfile(profileID));
+    static_cast<void>(collaborators_.profileListViewModel.deleteProfile(profileID));
     removeShortcutsOfMissingLayouts();
     reloadModels();
 }

@@ -37,7 +37,8 @@ struct SettingsCollaborators {
     ProcessID processIdentifier;         ///< of this program
     /// Asks for a name beside that place (see `PopoverSurface`) and saves, as the menu does.
     std::function<void(const Rect& beside)> saveCurrentLayout;
-    std::function<void(const Uuid&)> restoreLayout; ///< restores as the menu does
+    /// Restores as the menu does; absent when the layout is gone or cannot be read.
+    std::function<std::optional<RestoreResult>(const Uuid&)> restoreLayout;
 };
 
 } // namespace tavrin

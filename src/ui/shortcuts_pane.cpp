@@ -9,15 +9,17 @@ namespace tavrin {
 ShortcutsPane::ShortcutsPane(Collaborators collaborators) : collaborators_(collaborators) {
     recorders_[std::nullopt] = makeRecorder(std::nullopt);
     subscriptions_.push_back(collaborators_.profileListViewModel.reloaded.connect([this] { readGroups(); }));
-    subscriptions_.push_back(collaborators_.currentProfileViewModel.currentProfileName.subscribe(
-        [this](const auto&) { readGroups(); }));
+    subscriptions_.push_back(
+        collaborators_.currentProfileViewModel.refreshed.connect([this] { readGroups(); }));
     ShortcutManager& manager = collaborators_.shortcutManager;
     subscriptions_.push_back(manager.autoDetectShortcut.subscribe([this](const auto&) { readCombos(); }));
     subscriptions_.push_back(manager.layoutShortcuts.subscribe([this](const auto&) { readCombos(); }));
+    readGroups();
 }
 
 void ShortcutsPane::appear() {
-    if (const auto layouts = collaborators_.profileStore.loadLayouts()) {
+    // A file that is away reads as an empty list and may come back.
+    if (const auto layouts = collaborators_.profileStore.loadLayouts(); layouts && !layouts->empty()) {
         std::vector<Uuid> layoutIDs;
         for (const SavedLayout& layout : *layouts)
             layoutIDs.push_back(layout.id);
@@ -48,9 +50,12 @@ void ShortcutsPane::readGroups() {
         for (const SavedLayout& layout : layouts) {
             if (layout.profileID != profile.id)
                 continue;
+            auto& recorder = recorders[layout.id];
+            if (recorder)
+                continue; // a damaged file may hold a layout twice
             group.rows.push_back({layout.id, layout.name});
             auto& kept = recorders_[layout.id];
-            recorders[layout.id] = kept ? std::move(kept) : makeRecorder(layout.id);
+            recorder = kept ? std::move(kept) : makeRecorder(layout.id);
         }
         if (!group.rows.empty())
             groups.push_back(std::move(group));

@@ -6,7 +6,8 @@ namespace {
 
 class AdvancedPaneTest : public ::testing::Test, public testing::SettingsFixture {
 protected:
-    AdvancedPane pane{collaborators};
+    bool isTroubleshootingExpanded = false;
+    AdvancedPane pane{collaborators, isTroubleshootingExpanded};
 
     void recordAttempt() {
         auto layout = testing::layout("Secret plans", {}, SavedLayoutKind::generic);

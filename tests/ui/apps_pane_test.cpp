@@ -69,6 +69,7 @@ TEST_F(AppsPaneTest, ShowsTheFileWhenItCannotBeSaved) {
     files.failing = {"writeFlushed"};
     add("b.b");
     EXPECT_EQ(view.excludedBundleIDs(), List{"a.a"});
+    EXPECT_EQ(view.newBundleID(), "b.b") << "nothing typed is lost";
     view.remove("a.a");
     EXPECT_EQ(view.excludedBundleIDs(), List{"a.a"});
     files.failing = {"read"};

@@ -58,6 +58,16 @@ TEST_F(LayoutsPaneTest, ShowsTheConnectedSetupFirstWithItsLayouts) {
     EXPECT_EQ(shown(), "Home: Evening. Desk: Work Play. ") << "follows the displays by itself";
 }
 
+TEST_F(LayoutsPaneTest, TellsSetupsOfOneNameApart) {
+    ASSERT_TRUE(store.renameProfile(homeID, "Desk"));
+    pane.appear();
+    displays.snapshot = testing::leftAlone();
+    pane.update(workID);
+    EXPECT_EQ(card(workID).status, "") << "its displays went just now";
+    EXPECT_EQ(pane.content().setups.front().id, homeID);
+    EXPECT_FALSE(card(workID).canUpdate);
+}
+
 TEST_F(LayoutsPaneTest, OffersASuggestionForConfirmation) {
     const auto studio = store.createProfile("Studio", fingerprint(testing::desk()));
     displays.snapshot.displays[1].stableID = "9-9-9";
@@ -201,11 +211,7 @@ TEST_F(LayoutsPaneTest, UpdatesALayoutWithTheWindowsOfNow) {
 }
 
 TEST_F(LayoutsPaneTest, RestoresAndSavesThroughTheProgram) {
-    collaborators.restoreLayout = [this](const Uuid& layoutID) {
-        restored.push_back(layoutID);
-        attempts.record(time.now(), RestoreTriggerSource::menuBar, store.loadLayouts()->front(),
-                        RestoreResult(2, 1, 1, {"Editor: no"}));
-    };
+    restoreResult = RestoreResult(2, 1, 1, {"Editor: no"});
     pane.restore(workID);
     pane.restore(Uuid::random());
     EXPECT_EQ(restored, std::vector{workID});

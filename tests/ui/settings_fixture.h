@@ -59,34 +59,38 @@ public:
                             .clock = time},
                            4711};
     std::vector<Uuid> restored;
+    std::optional<RestoreResult> restoreResult;
     Rect savedBeside;
-    SettingsCollaborators collaborators{
-        .permissionStatusViewModel = permissionModel,
-        .profileListViewModel = list,
-        .currentProfileViewModel = current,
-        .shortcutManager = shortcuts,
-        .settingsStore = settings,
-        .captureService = capture,
-        .profileStore = store,
-        .restoreDebugStore = attempts,
-        .launchAtLoginService = launchAtLogin,
-        .windowProvider = windows,
-        .displaySnapshotProvider = displays,
-        .keyMonitors = keys,
-        .applicationCatalog = catalog,
-        .desktopInformation = information,
-        .host = host,
-        .linkOpener = host,
-        .scheduler = time,
-        .clock = time,
-        .dataDirectory = "/data",
-        .processIdentifier = 4711,
-        .saveCurrentLayout =
-            [this](const Rect& beside) {
-                host.log += "save ";
-                savedBeside = beside;
-            },
-        .restoreLayout = [this](const Uuid& layoutID) { restored.push_back(layoutID); }};
+    SettingsCollaborators collaborators{.permissionStatusViewModel = permissionModel,
+                                        .profileListViewModel = list,
+                                        .currentProfileViewModel = current,
+                                        .shortcutManager = shortcuts,
+                                        .settingsStore = settings,
+                                        .captureService = capture,
+                                        .profileStore = store,
+                                        .restoreDebugStore = attempts,
+                                        .launchAtLoginService = launchAtLogin,
+                                        .windowProvider = windows,
+                                        .displaySnapshotProvider = displays,
+                                        .keyMonitors = keys,
+                                        .applicationCatalog = catalog,
+                                        .desktopInformation = information,
+                                        .host = host,
+                                        .linkOpener = host,
+                                        .scheduler = time,
+                                        .clock = time,
+                                        .dataDirectory = "/data",
+                                        .processIdentifier = 4711,
+                                        .saveCurrentLayout =
+                                            [this](const Rect& beside) {
+                                                host.log += "save ";
+                                                savedBeside = beside;
+                                            },
+                                        .restoreLayout =
+                                            [this](const Uuid& layoutID) {
+                                                restored.push_back(layoutID);
+                                                return restoreResult;
+                                            }};
     Uuid deskID, homeID, workID, playID, eveningID;
 
     SettingsFixture() {

@@ -113,6 +113,21 @@ TEST_F(ShortcutsPaneTest, DropsTheShortcutsOfLayoutsThatAreGone) {
     files.failing = {"read"};
     pane.appear();
     EXPECT_EQ(shortcuts.layoutShortcuts.value().size(), 1U) << "unreadable is not gone";
+    files.failing = {};
+    files.files.erase("/data/layouts.json");
+    pane.appear();
+    EXPECT_EQ(shortcuts.layoutShortcuts.value().size(), 1U) << "a file that is away may come back";
+}
+
+TEST_F(ShortcutsPaneTest, ShowsALayoutOnceThatADamagedFileHoldsTwice) {
+    auto twice = store.loadLayouts().value();
+    twice.push_back(twice.front());
+    files.files["/data/layouts.json"] = StoreMigration{1}.encode(twice, time.now()).value();
+    auto pane = made();
+    const auto* recorder = &pane.recorder(workID);
+    list.reload();
+    EXPECT_EQ(&pane.recorder(workID), recorder) << "whoever shows it holds on to it";
+    EXPECT_EQ(pane.groups().front().rows.size(), 2U);
 }
 
 } // namespace

@@ -52,7 +52,9 @@ QHBoxLayout* makeButtonLine(std::initializer_list<QWidget*> buttons) {
 
 } // namespace
 
-AdvancedPaneWidget::AdvancedPaneWidget(const SettingsCollaborators& collaborators) : pane_(collaborators) {
+AdvancedPaneWidget::AdvancedPaneWidget(const SettingsCollaborators& collaborators,
+                                       bool& isTroubleshootingExpanded)
+    : pane_(collaborators, isTroubleshootingExpanded) {
     buildPermission();
     buildLastAttempt();
     buildRestoring();

@@ -15,7 +15,8 @@ class SwitchControl;
 /// The advanced pane.
 class AdvancedPaneWidget final : public SettingsPaneWidget {
 public:
-    explicit AdvancedPaneWidget(const SettingsCollaborators& collaborators);
+    /// See `AdvancedPane`.
+    AdvancedPaneWidget(const SettingsCollaborators& collaborators, bool& isTroubleshootingExpanded);
 
     void appear() override { pane_.appear(); }
 

@@ -85,7 +85,8 @@ private:
     static int iconSide(const QStyleOptionViewItem& option) { return option.fontMetrics.height() * 5 / 4; }
 };
 
-std::unique_ptr<SettingsPaneWidget> makePane(SettingsPane pane, const SettingsCollaborators& collaborators) {
+std::unique_ptr<SettingsPaneWidget> makePane(SettingsPane pane, const SettingsCollaborators& collaborators,
+                                             bool& isTroubleshootingExpanded) {
     switch (pane) {
     case SettingsPane::layouts:
         return std::make_unique<LayoutsPaneWidget>(collaborators);
@@ -96,7 +97,7 @@ std::unique_ptr<SettingsPaneWidget> makePane(SettingsPane pane, const SettingsCo
     case SettingsPane::apps:
         return std::make_unique<AppsPaneWidget>(collaborators);
     case SettingsPane::advanced:
-        return std::make_unique<AdvancedPaneWidget>(collaborators);
+        return std::make_unique<AdvancedPaneWidget>(collaborators, isTroubleshootingExpanded);
     }
     return nullptr;
 }
@@ -206,7 +207,7 @@ QWidget* SettingsRootView::makeNotice() {
 
 void SettingsRootView::showPane() {
     delete page_;
-    auto pane = makePane(selectedPane_, collaborators_);
+    auto pane = makePane(selectedPane_, collaborators_, isTroubleshootingExpanded_);
     pane_ = pane.get();
 
     auto* column = new QWidget;

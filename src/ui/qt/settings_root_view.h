@@ -32,6 +32,7 @@ private:
 
     const SettingsCollaborators& collaborators_;
     SettingsPane selectedPane_;
+    bool isTroubleshootingExpanded_ = false;
     QListWidget* sideList_;
     QVBoxLayout* content_;
     QWidget* page_ = nullptr;
