@@ -50,7 +50,7 @@ public:
 private:
     std::unique_ptr<X11Platform>& x11_;
     const QtApplicationHost& host_;
-    QtLocalKeyMonitor localMonitor_;
+    QtLocalKeyMonitor localMonitor_{[this](std::uint32_t key) { return x11_->keyPosition(key); }};
 };
 
 /// What the session's environment, the X server and the toolkit say about themselves.

@@ -14,10 +14,12 @@ void PrintTo(const KeyCombo& combo, std::ostream* stream) {
 namespace {
 
 /// Keys by their place on the keyboard, as an X server numbers them.
-enum class PhysicalKey : quint32 { control = 37, r = 27, escape = 9 };
+enum class PhysicalKey : quint32 { control = 37, r = 27, escape = 9, renumberedLeft = 100 };
 
 struct QtLocalKeyMonitorTest : testing::Test {
-    QtLocalKeyMonitorTest() { monitor.emplace(); }
+    QtLocalKeyMonitorTest() {
+        monitor.emplace([](std::uint32_t key) { return std::optional(key == 100 ? 105 : key - 8); });
+    }
 
     /// Delivers a press as Qt does: it asks for an override first, then sends the press. What the field
     /// would have typed is the answer.
@@ -51,10 +53,12 @@ TEST_F(QtLocalKeyMonitorTest, ReportsEveryPressOnceByItsPosition) {
     reachesField(PhysicalKey::r, Qt::KeypadModifier);
     reachesField(PhysicalKey::r, Qt::ControlModifier, true);
     reachesField(PhysicalKey::control, Qt::ControlModifier);
+    reachesField(PhysicalKey::renumberedLeft, Qt::NoModifier);
     EXPECT_EQ(seen,
               (std::vector<KeyCombo>{{15, ModifierSet::shift},
                                      {15, ModifierSet::control | ModifierSet::option | ModifierSet::command},
-                                     {15, {}}}));
+                                     {15, {}},
+                                     {123, {}}}));
 }
 
 TEST_F(QtLocalKeyMonitorTest, ConsumedPressReachesNothingElse) {

@@ -8,15 +8,13 @@
 #include <vector>
 
 namespace tavrin {
-namespace {
 
-/// X servers number keys from 8 on.
-constexpr quint32 firstKeycode = 8;
+QtLocalKeyMonitor::QtLocalKeyMonitor(KeyPosition keyPosition) : keyPosition_(std::move(keyPosition)) {
+    QCoreApplication::instance()->installEventFilter(this);
+}
 
-std::optional<KeyEvent> keyEvent(const QKeyEvent& event) {
-    if (event.nativeScanCode() < firstKeycode)
-        return {};
-    const auto keyCode = virtualKeyCode(event.nativeScanCode() - firstKeycode);
+std::optional<KeyEvent> QtLocalKeyMonitor::keyEvent(const QKeyEvent& event) const {
+    const auto keyCode = keyPosition_(event.nativeScanCode()).and_then(virtualKeyCode);
     if (!keyCode)
         return {};
     ModifierSet modifiers;
@@ -29,12 +27,6 @@ std::optional<KeyEvent> keyEvent(const QKeyEvent& event) {
     add(Qt::MetaModifier, ModifierSet::command);
     add(Qt::ShiftModifier, ModifierSet::shift);
     return KeyEvent{*keyCode, modifiers.rawValue};
-}
-
-} // namespace
-
-QtLocalKeyMonitor::QtLocalKeyMonitor() {
-    QCoreApplication::instance()->installEventFilter(this);
 }
 
 Token QtLocalKeyMonitor::add(Handler handler) {

@@ -5,6 +5,7 @@
 
 #include <QObject>
 
+#include <cstdint>
 #include <functional>
 #include <list>
 #include <memory>
@@ -18,8 +19,11 @@ namespace tavrin {
 class QtLocalKeyMonitor final : public QObject {
 public:
     using Handler = std::function<bool(const KeyEvent&)>;
+    /// The number of a key in the input layer, by the number that the display server gives it; absent when
+    /// the key's position is unknown.
+    using KeyPosition = std::function<std::optional<std::uint32_t>(std::uint32_t)>;
 
-    QtLocalKeyMonitor();
+    explicit QtLocalKeyMonitor(KeyPosition keyPosition);
 
     /// `handler` is called with every press that is not a repetition until the token is released. It
     /// returns true to consume the press; handlers added later are then not asked.
@@ -36,9 +40,11 @@ private:
         bool isConsumed = false;
     };
 
+    std::optional<KeyEvent> keyEvent(const QKeyEvent& event) const;
     bool isConsumed(const QKeyEvent& event);
     bool offer(const KeyEvent& press);
 
+    KeyPosition keyPosition_;
     std::shared_ptr<std::list<std::shared_ptr<Handler>>> handlers_ =
         std::make_shared<std::list<std::shared_ptr<Handler>>>();
     std::optional<Press> lastPress_;

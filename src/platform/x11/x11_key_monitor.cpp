@@ -103,15 +103,22 @@ void X11KeyMonitor::handlePress(std::uint8_t key) {
     std::ranges::copy(keymap->keys, down.begin());
     if (!held_.press(key, down))
         return;
-    if (isKeyboardOutdated_) {
+    const auto code = keyPosition(key).and_then(virtualKeyCode);
+    if (code && !isOwnWindow(focus->focus))
+        pressed_.emit({.keyCode = *code, .modifierFlags = keyboard().modifiers.flags(modifiers_)});
+}
+
+std::optional<std::uint32_t> X11KeyMonitor::keyPosition(std::uint8_t key) {
+    return keyboard().positions.evdevCode(key);
+}
+
+const X11Keyboard& X11KeyMonitor::keyboard() {
+    // Nobody tells of another keyboard while nobody listens.
+    if (isKeyboardOutdated_ || !pressed_.isConnected())
         if (auto keyboard = readKeyboard(query_.server()))
             keyboard_ = std::move(*keyboard);
-        isKeyboardOutdated_ = false;
-    }
-    const auto position = keyboard_.positions.evdevCode(key);
-    const auto code = position ? virtualKeyCode(*position) : std::nullopt;
-    if (code && !isOwnWindow(focus->focus))
-        pressed_.emit({.keyCode = *code, .modifierFlags = keyboard_.modifiers.flags(modifiers_)});
+    isKeyboardOutdated_ = false;
+    return keyboard_;
 }
 
 bool X11KeyMonitor::isOwnWindow(xcb_window_t window) {

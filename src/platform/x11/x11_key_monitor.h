@@ -21,11 +21,15 @@ public:
     /// An empty token when the server does not show raw keys.
     Token addGlobalMonitor(std::function<void(const KeyEvent&)> handler);
 
+    /// The number in the input layer of a key, by the server's number; absent when its position is unknown.
+    std::optional<std::uint32_t> keyPosition(std::uint8_t key);
+
 private:
     void start();
     void stop();
     void handleEvent(const xcb_generic_event_t& event);
     void handlePress(std::uint8_t key);
+    const X11Keyboard& keyboard();
     bool isOwnWindow(xcb_window_t window);
 
     X11EventConnection& events_;

@@ -9,6 +9,7 @@
 
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
 namespace tavrin {
 namespace {
@@ -88,6 +89,11 @@ AccessibilityTrust& X11Platform::accessibilityTrust() {
 
 Token X11Platform::addGlobalKeyMonitor(std::function<void(const KeyEvent&)> handler) {
     return rooms_->keyMonitor.addGlobalMonitor(std::move(handler));
+}
+
+std::optional<std::uint32_t> X11Platform::keyPosition(std::uint32_t key) {
+    return std::in_range<std::uint8_t>(key) ? rooms_->keyMonitor.keyPosition(static_cast<std::uint8_t>(key))
+                                            : std::nullopt;
 }
 
 Token X11Platform::observeScreenParameters(std::function<void()> handler) {

@@ -45,6 +45,10 @@ public:
     /// the server does not show them.
     Token addGlobalKeyMonitor(std::function<void(const KeyEvent&)> handler);
 
+    /// The number of a key in the input layer, by the server's number (the scan code of Qt's key events);
+    /// absent when the key's position is unknown.
+    std::optional<std::uint32_t> keyPosition(std::uint32_t key);
+
     /// A screen came, went, moved or changed its size or scale. Bursts are not merged.
     Token observeScreenParameters(std::function<void()> handler);
 
