@@ -121,13 +121,9 @@ TEST_F(StatusItemTest, SavesThroughThePopoverAndUpdatesWithoutIt) {
 
     item.chosen(MenuAction::saveCurrentLayout, {});
     EXPECT_EQ(popover.view->existingNames(), std::vector<std::string>{"Work"});
-    EXPECT_FALSE(popover.view->canSave());
-    EXPECT_EQ(popover.view->errorMessage(), "Enter a name for this layout.");
     popover.view->setLayoutName("wORK ");
     EXPECT_EQ(popover.view->notice(), "Replaces existing layout");
-    EXPECT_TRUE(popover.view->canSave());
     popover.view->setLayoutName(std::string(51, 'x'));
-    EXPECT_EQ(popover.view->errorMessage(), "Use at most 50 characters.");
     popover.view->save();
     EXPECT_TRUE(popover.view) << "a name that cannot be saved keeps the popover";
     popover.view->cancel();

@@ -114,7 +114,7 @@ TEST_F(CaptureTest, ReplacesALayoutOfTheSameNameInAnyCapitals) {
     const auto first = capture("Wörk");
     time.pass(10);
     windows.windows.push_back(window(2, "b", "u", {0, 0, 400, 300}));
-    const auto second = capture("WÖRK");
+    const auto second = capture("WÖRK", SavedLayoutKind::generic);
     ASSERT_TRUE(second);
     EXPECT_EQ(second->id, first->id);
     EXPECT_EQ(second->createdAt, first->createdAt);
@@ -123,7 +123,9 @@ TEST_F(CaptureTest, ReplacesALayoutOfTheSameNameInAnyCapitals) {
     const auto stored = store.loadLayouts().value();
     ASSERT_EQ(stored.size(), 1u);
     EXPECT_EQ(stored[0].name, "Wörk") << "the stored name stays";
-    EXPECT_EQ(stored[0].entries.size(), 2u);
+    EXPECT_EQ(stored[0].entries, second->entries);
+    EXPECT_EQ(stored[0].kind, SavedLayoutKind::generic);
+    EXPECT_EQ(stored[0].updatedAt, time.now());
     displays.snapshot = testing::leftAlone();
     EXPECT_NE(capture("wörk")->id, first->id) << "another setup has its own names";
 }

@@ -70,14 +70,6 @@ TEST(WindowListProvider, KeepsUsableWindowsSortedByApplication) {
                                       .isOnScreen = true}));
 }
 
-TEST(WindowListProvider, StopsTheProgramAtAnImpossibleProcess) {
-    testing::FixedApplications applications;
-    FixedRawWindows list;
-    list.entries = {raw(1, "A")};
-    list.entries->front().ownerPID = std::int64_t{1} << 31;
-    EXPECT_DEATH(WindowListProvider(list, applications).currentWindows(), "process identifier");
-}
-
 TEST(AXWindowSnapshotProvider, ListsWhatAnswersInOrder) {
     testing::FakeElements elements;
     testing::FixedApplications applications;

@@ -89,12 +89,6 @@ TEST(DisplaySnapshotProvider, GivesTheSameFingerprintInAnyOrderOfScreens) {
               (std::vector<std::string>{"1-2-0", "1-2-0"}));
 }
 
-TEST(DisplaySnapshotProvider, StopsTheProgramAtAnImpossibleScale) {
-    FixedScreens screens;
-    screens.list = {screen({0, 0, 1, 1}, std::nullopt, 1e300)};
-    EXPECT_DEATH(DisplaySnapshotProvider{screens}.currentSnapshot(), "impossible scale");
-}
-
 // ----- matching
 
 using testing::desk;
@@ -169,17 +163,13 @@ TEST(MonitorProfileMatcher, RemembersConfirmedArrangementsWhateverTheHardware) {
 TEST(MonitorProfileMatcher, SuggestsOnlyWhatIsClearlyBest) {
     const MonitorProfileMatcher matcher;
     const auto near = similar("Near", 2, 2, 1);
-    const auto far = similar("Far", 2, 2, 0);
+    const auto far = similar("Far", 2, 2, 0), alike = similar("Alike", 2, 2, 0);
     EXPECT_EQ(matcher.match(desk(), {far, near}),
               MatchResult(match::Suggested{near, "same display count and nearly identical arrangement"}));
-    const auto farther = similar("Alike", 2, 2, 0);
-    EXPECT_EQ(
-        matcher.match(desk(), {far, farther}),
-        MatchResult(match::Ambiguous{
-            {farther, far}, "Multiple saved profiles look similar, so Tavrin will not auto-select one."}))
+    EXPECT_EQ(matcher.match(desk(), {far, alike}),
+              MatchResult(match::Ambiguous{
+                  {alike, far}, "Multiple saved profiles look similar, so Tavrin will not auto-select one."}))
         << "equals are ordered by name";
-    EXPECT_EQ(matcher.match(desk(), {similar("Moved", 2, 1, 2)}), MatchResult(match::NoMatch{}));
-    EXPECT_EQ(matcher.match(desk(), {similar("Three", 3, 3, 3)}), MatchResult(match::NoMatch{}));
 }
 
 TEST(MonitorProfileMatcher, KeepsItsThresholdsToTheHair) {
@@ -207,9 +197,6 @@ TEST(MonitorProfileMatcher, KeepsItsThresholdsToTheHair) {
     EXPECT_EQ(verdict({changed("0.716", 40, 9)}), none);
     EXPECT_EQ(verdict({changed("0.84", 45, 25), changed("0.80", 45, 15)}), ambiguous);
     EXPECT_EQ(verdict({changed("0.86", 45, 30), changed("0.80", 45, 15)}), suggested);
-    const auto best = matcher.match(wall, {changed("0.80", 45, 15), changed("0.86", 45, 30)});
-    ASSERT_TRUE(profileOf(best));
-    EXPECT_EQ(profileOf(best)->name, "0.86");
 }
 
 // ----- the models
@@ -225,17 +212,10 @@ protected:
 
 TEST_F(CurrentProfileTest, PublishesEachVerdict) {
     displays.snapshot = desk();
-    model.refresh();
-    EXPECT_EQ(model.matchExplanation.value(),
-              "No saved layout has been matched to the current display setup yet.");
-    EXPECT_FALSE(model.currentProfileName.value() || model.suggestedProfileName.value() ||
-                 model.requiresConfirmation.value());
-
     create(similar("Studio", 2, 2, 0));
     model.refresh();
     EXPECT_EQ(model.suggestedProfileName.value(), "Studio");
-    EXPECT_TRUE(model.requiresConfirmation.value());
-    EXPECT_TRUE(model.suggestedProfileID());
+    EXPECT_TRUE(model.requiresConfirmation.value() && model.suggestedProfileID());
 
     create(similar("Desk", 2, 2, 0));
     model.refresh();
@@ -249,27 +229,7 @@ TEST_F(CurrentProfileTest, PublishesEachVerdict) {
     model.refresh();
     EXPECT_EQ(model.currentProfileName.value(), "Exact");
     EXPECT_FALSE(model.requiresConfirmation.value() || model.suggestedProfileName.value());
-}
 
-TEST_F(CurrentProfileTest, RemembersAConfirmation) {
-    displays.snapshot = desk();
-    create(similar("Studio", 2, 2, 0));
-    model.refresh();
-    model.confirmSuggestedProfile();
-    EXPECT_EQ(model.currentProfileName.value(), "Studio");
-    EXPECT_EQ(model.matchExplanation.value(), "Reused a previously confirmed fuzzy association.");
-    EXPECT_FALSE(model.requiresConfirmation.value());
-    const auto profiles = store.loadProfiles().value();
-    ASSERT_EQ(profiles[0].learnedAssociations.size(), 1u);
-    EXPECT_EQ(profiles[0].learnedAssociations[0].explanation,
-              "same display count and nearly identical arrangement");
-    EXPECT_EQ(ProfileListViewModel::associationCountText(profiles[0]), "1 Association learned");
-}
-
-TEST_F(CurrentProfileTest, SaysSoWhenTheProfilesCannotBeRead) {
-    displays.snapshot = desk();
-    create(profile("Exact", desk()));
-    model.refresh();
     files.files["/data/profiles.json"] = "{";
     model.refresh();
     EXPECT_EQ(model.matchExplanation.value(), "Tavrin could not load saved display setup metadata.");

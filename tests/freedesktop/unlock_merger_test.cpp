@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
+#include <optional>
 #include <vector>
 
 namespace tavrin {
@@ -13,9 +13,8 @@ constexpr auto gnome = LockSource::gnomeScreenSaver;
 constexpr auto xfce = LockSource::xfceScreenSaver;
 
 struct Step {
-    int milliseconds;
     LockSource source;
-    enum { lock, unlock } what;
+    std::optional<int> unlocked = {}; ///< at this time in milliseconds; absent for a lock
 };
 
 TEST(UnlockMergerTest, oneUnlockCountsOnce) {
@@ -24,69 +23,28 @@ TEST(UnlockMergerTest, oneUnlockCountsOnce) {
         std::vector<Step> steps;
         std::vector<int> counted; ///< the times of the unlocks that count
     } cases[] = {
-        {"one source", {{0, gnome, Step::lock}, {9000, gnome, Step::unlock}}, {9000}},
-        {"a source that tells of unlocks only",
-         {{0, hint, Step::unlock}, {9000, hint, Step::unlock}},
-         {0, 9000}},
-        {"two sources",
-         {{0, gnome, Step::lock},
-          {10, hint, Step::lock},
-          {9000, hint, Step::unlock},
-          {9010, gnome, Step::unlock}},
-         {9000}},
-        {"one of them very late",
-         {{0, gnome, Step::lock},
-          {10, hint, Step::lock},
-          {9000, hint, Step::unlock},
-          {30000, gnome, Step::unlock}},
-         {9000}},
-        {"late only once",
-         {{0, gnome, Step::lock},
-          {10, hint, Step::lock},
-          {9000, hint, Step::unlock},
-          {30000, gnome, Step::unlock},
-          {40000, gnome, Step::unlock}},
-         {9000, 40000}},
-        {"the other never told of the lock",
-         {{0, gnome, Step::lock}, {9000, gnome, Step::unlock}, {9010, xfce, Step::unlock}},
-         {9000}},
-        {"within the window and after it",
-         {{0, gnome, Step::unlock}, {1999, xfce, Step::unlock}, {2000, hint, Step::unlock}},
-         {0, 2000}},
-        {"a lock told after its end",
-         {{0, gnome, Step::lock},
-          {900, gnome, Step::unlock},
-          {950, hint, Step::lock},
-          {960, hint, Step::unlock}},
-         {900}},
+        {"one source", {{gnome}, {gnome, 9000}}, {9000}},
+        {"a source that tells of unlocks only", {{hint, 0}, {hint, 9000}}, {0, 9000}},
+        {"two sources", {{gnome}, {hint}, {hint, 9000}, {gnome, 9010}}, {9000}},
+        {"late only once", {{gnome}, {hint}, {hint, 9000}, {gnome, 30000}, {gnome, 40000}}, {9000, 40000}},
+        {"the other never told of the lock", {{gnome}, {gnome, 9000}, {xfce, 9010}}, {9000}},
+        {"within the window and after it", {{gnome, 0}, {xfce, 1999}, {hint, 2000}}, {0, 2000}},
+        {"a lock told after its end", {{gnome}, {gnome, 900}, {hint}, {hint, 960}}, {900}},
         {"locked again before the late one",
-         {{0, gnome, Step::lock},
-          {0, hint, Step::lock},
-          {5000, hint, Step::unlock},
-          {8000, hint, Step::lock},
-          {9000, gnome, Step::unlock},
-          {9010, hint, Step::unlock}},
+         {{gnome}, {hint}, {hint, 5000}, {hint}, {gnome, 9000}, {hint, 9010}},
          {5000, 9000}},
         {"twice in a row",
-         {{0, gnome, Step::lock},
-          {0, hint, Step::lock},
-          {5000, hint, Step::unlock},
-          {5001, gnome, Step::unlock},
-          {6000, gnome, Step::lock},
-          {6000, hint, Step::lock},
-          {9000, gnome, Step::unlock},
-          {9001, hint, Step::unlock}},
+         {{gnome}, {hint}, {hint, 5000}, {gnome, 5001}, {gnome}, {hint}, {gnome, 9000}, {hint, 9001}},
          {5000, 9000}},
     };
     for (const auto& [situation, steps, counted] : cases) {
         UnlockMerger merger;
         std::vector<int> found;
-        for (const auto& step : steps)
-            if (step.what == Step::lock)
-                merger.locked(step.source);
-            else if (merger.unlocked(step.source, UnlockMerger::TimePoint() +
-                                                      std::chrono::milliseconds(step.milliseconds)))
-                found.push_back(step.milliseconds);
+        for (const auto& [source, time] : steps)
+            if (!time)
+                merger.locked(source);
+            else if (merger.unlocked(source, UnlockMerger::TimePoint() + std::chrono::milliseconds(*time)))
+                found.push_back(*time);
         EXPECT_EQ(found, counted) << situation;
     }
 }

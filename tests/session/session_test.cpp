@@ -130,30 +130,24 @@ TEST(AppDataReset, RemovesTheFilesOncePerVersion) {
     AppDataResetCoordinator reset{paths, defaults};
     EXPECT_EQ(reset.applyIfNeeded(), AppDataResetCoordinator::Outcome::didReset);
     EXPECT_EQ(files.files, (std::map<std::string, std::string>{{"/data/notes.txt", "mine"}}));
-    EXPECT_EQ(defaults.integers["tavrin.beta.appDataResetVersion"], 1);
-    EXPECT_TRUE(defaults.booleans["tavrin.beta.resetNoticePending"]);
     EXPECT_TRUE(reset.consumeResetNotice());
     const int writes = defaults.writes;
     EXPECT_FALSE(reset.consumeResetNotice());
-    files.files["/data/layouts.json"] = "l";
-    EXPECT_EQ(reset.applyIfNeeded(), AppDataResetCoordinator::Outcome::alreadyApplied);
     EXPECT_EQ(defaults.writes, writes);
-    EXPECT_TRUE(files.files.contains("/data/layouts.json"));
 
-    defaults.integers["tavrin.beta.appDataResetVersion"] = 5;
-    EXPECT_EQ(reset.applyIfNeeded(), AppDataResetCoordinator::Outcome::alreadyApplied)
-        << "a newer build's reset";
-    EXPECT_TRUE(files.files.contains("/data/layouts.json"));
-    defaults.integers.clear();
-    defaults.usable = false;
-    EXPECT_EQ(reset.applyIfNeeded(), AppDataResetCoordinator::Outcome::alreadyApplied)
-        << "what cannot be remembered would be repeated";
-    EXPECT_TRUE(files.files.contains("/data/layouts.json"));
+    files.files["/data/layouts.json"] = "l";
+    const auto& version = "tavrin.beta.appDataResetVersion";
+    for (const auto& [applied, usable] : {std::pair{1, true}, {5, true}, {0, false}}) {
+        defaults.integers[version] = applied;
+        defaults.usable = usable; // what cannot be remembered would be repeated
+        EXPECT_EQ(reset.applyIfNeeded(), AppDataResetCoordinator::Outcome::alreadyApplied) << applied;
+        EXPECT_TRUE(files.files.contains("/data/layouts.json")) << applied;
+    }
     defaults.usable = true;
     files.failing = {"remove"};
-    AppDataResetCoordinator later{paths, defaults, 2};
-    EXPECT_EQ(later.applyIfNeeded(), AppDataResetCoordinator::Outcome::didReset);
-    EXPECT_EQ(defaults.integers["tavrin.beta.appDataResetVersion"], 2);
+    EXPECT_EQ((AppDataResetCoordinator{paths, defaults, 2}.applyIfNeeded()),
+              AppDataResetCoordinator::Outcome::didReset);
+    EXPECT_EQ(defaults.integers[version], 2);
 }
 
 TEST(LaunchAtLogin, CallsThePlatformOnlyWhenNeeded) {

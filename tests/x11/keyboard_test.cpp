@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
 #include <string>
 
 namespace tavrin {
@@ -30,15 +29,6 @@ TEST(EvdevKeyCodesTest, keysAreWhereTheirNamesSay) {
     EXPECT_EQ(names(87, 88), "F11F12");
     EXPECT_EQ(names(96, 96), "Enter");
     EXPECT_EQ(names(103, 103) + names(105, 106) + names(108, 108), "↑←→↓");
-}
-
-TEST(EvdevKeyCodesTest, everyNamedKeyIsOnTheKeyboardOnce) {
-    std::multiset<std::uint16_t> named;
-    for (std::uint32_t code = 0; code < 1000; ++code)
-        if (const auto key = virtualKeyCode(code); key && !KeyCombo::keyName(*key).starts_with("Key"))
-            named.insert(*key);
-    EXPECT_EQ(named.size(), 68U);
-    EXPECT_EQ(std::set(named.begin(), named.end()).size(), 68U);
 }
 
 TEST(EvdevKeyCodesTest, modifierKeysAreNoPresses) {
