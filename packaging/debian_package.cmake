@@ -24,6 +24,8 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # Without a session bus there is no single instance; without xdg-open no help page.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "default-dbus-session-bus | dbus-session-bus, xdg-utils")
+# With it the windows follow the dark style of desktops that are not KDE.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "qt6-gtk-platformtheme")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 "save the arrangement of windows and put them back
 Tavrin sits in the status bar and remembers where windows belong. It
