@@ -49,21 +49,17 @@ TEST(RestoreMatcher, PairsWithinAnApplicationByTitleThenFrameThenSlot) {
     EXPECT_EQ(pairing(layout("other application", {entry("a", "t", home)}), {window(1, "b", "t", home)}), "");
 }
 
-TEST(RestoreMatcher, WeighsASlotLike25Points) {
-    for (const auto& [shift, expected] : {std::pair{24.9, "0>2 "}, {25.1, "0>1 "}})
-        EXPECT_EQ(pairing(layout("slot 1", {entry("a", "t", home, 1)}),
-                          {window(1, "a", "t", home), window(2, "a", "t", {shift, 0, 400, 300})}),
-                  expected);
-}
-
-TEST(RestoreMatcher, WeighsTheApplicationNameLittle) {
+TEST(RestoreMatcher, WeighsASlotLike25PointsAndTheApplicationNameLike100) {
+    const auto shifted = [](double x) { return window(2, "a", "t", {x, 0, 400, 300}); };
+    for (const auto& [x, expected] : {std::pair{24.9, "0>2 "}, {25.1, "0>1 "}})
+        EXPECT_EQ(
+            pairing(layout("slot 1", {entry("a", "t", home, 1)}), {window(1, "a", "t", home), shifted(x)}),
+            expected);
     auto renamed = window(1, "a", "t", home);
     renamed.appName = "A (beta)";
-    auto other = window(2, "a", "t", {99, 0, 400, 300});
-    EXPECT_EQ(pairing(layout("99 points", {entry("a", "t", home)}), {renamed, other}), "0>1 ")
-        << "100 for the name against 99 and 25 for the slot";
-    other.frame.x = 74;
-    EXPECT_EQ(pairing(layout("74 points", {entry("a", "t", home)}), {renamed, other}), "0>2 ");
+    // 100 for the name against the distance and 25 for the slot.
+    for (const auto& [x, expected] : {std::pair{99, "0>1 "}, {74, "0>2 "}})
+        EXPECT_EQ(pairing(layout("name", {entry("a", "t", home)}), {renamed, shifted(x)}), expected);
 }
 
 TEST(RestoreMatcher, LeavesOutWhatCannotBePaired) {
