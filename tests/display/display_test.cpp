@@ -62,13 +62,10 @@ TEST(DisplaySnapshotProvider, PlacesDisplaysOnAllSidesOfThePrimary) {
     const DisplayHardware panel{1, 1, 1, true, 900, 600}, monitor{2, 2, 2, false, 900, 600};
     screens.list = {screen({0, 0, 900, 600}, panel), screen({0, 600, 900, 600}, monitor),
                     screen({-900, 0, 900, 600}, std::nullopt)};
-    const auto snapshot = DisplaySnapshotProvider{screens}.currentSnapshot();
-    EXPECT_EQ(keys(snapshot), (std::vector<std::string>{"external:0.000:0.000:0.500:0.500:1:unknown",
-                                                        "external:0.500:0.500:0.500:0.500:1:900x600",
-                                                        "internal:0.500:0.000:0.500:0.500:1:900x600"}));
-    const auto fingerprint = MonitorProfileMatcher{}.makeFingerprint(snapshot);
-    EXPECT_EQ(fingerprint.stableDisplayIDs, (std::vector<std::string>{"1-1-1", "2-2-2"}));
-    EXPECT_EQ(fingerprint.displayCount, 3);
+    EXPECT_EQ(keys(DisplaySnapshotProvider{screens}.currentSnapshot()),
+              (std::vector<std::string>{"external:0.000:0.000:0.500:0.500:1:unknown",
+                                        "external:0.500:0.500:0.500:0.500:1:900x600",
+                                        "internal:0.500:0.000:0.500:0.500:1:900x600"}));
     screens.list.resize(1);
     EXPECT_EQ(defaultProfileName(DisplaySnapshotProvider{screens}.currentSnapshot()), "Built-in Display");
     screens.list = {screen({0, 0, 333.33, 100}, monitor), screen({333.33, 0, 666.6, 100}, monitor)};

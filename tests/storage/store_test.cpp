@@ -154,20 +154,15 @@ TEST_F(StoreTest, LeavesTheOldFileWhenAnyStepOfWritingFails) {
     EXPECT_TRUE(store.loadProfiles());
 }
 
-TEST_F(StoreTest, WritesBesideTheFileThenRenamesThenFlushesAndFollowsLinks) {
-    files.links["/data/Tavrin/settings.json"] = "/elsewhere/mine.json";
-    ASSERT_TRUE(settingsStore.save({}));
-    EXPECT_EQ(files.log, (std::vector<std::string>{"write /elsewhere/.mine.json.tmp",
-                                                   "rename /elsewhere/mine.json", "flush /elsewhere"}));
-}
-
-TEST_F(StoreTest, WritesLayoutsBeforeProfiles) {
+TEST_F(StoreTest, WritesBesideTheFileThenRenamesThenFlushesAndLayoutsBeforeProfiles) {
     const auto desk = newProfile();
     files.log.clear();
+    files.links["/data/Tavrin/layouts.json"] = "/elsewhere/mine.json";
     newLayout(desk);
-    ASSERT_EQ(files.log.size(), 6u);
-    EXPECT_EQ(files.log[1], "rename /data/Tavrin/layouts.json");
-    EXPECT_EQ(files.log[4], "rename /data/Tavrin/profiles.json");
+    EXPECT_EQ(files.log,
+              (std::vector<std::string>{"write /elsewhere/.mine.json.tmp", "rename /elsewhere/mine.json",
+                                        "flush /elsewhere", "write /data/Tavrin/.profiles.json.tmp",
+                                        "rename /data/Tavrin/profiles.json", "flush /data/Tavrin"}));
 }
 
 TEST_F(StoreTest, ReadsTheSameRecordsBack) {

@@ -29,6 +29,11 @@ TEST(EvdevKeyCodesTest, keysAreWhereTheirNamesSay) {
     EXPECT_EQ(names(87, 88), "F11F12");
     EXPECT_EQ(names(96, 96), "Enter");
     EXPECT_EQ(names(103, 103) + names(105, 106) + names(108, 108), "↑←→↓");
+    int named = 0;
+    for (std::uint32_t code = 0; code < 1000; ++code)
+        if (const auto key = virtualKeyCode(code); key && !KeyCombo::keyName(*key).starts_with("Key"))
+            ++named;
+    EXPECT_EQ(named, 68) << "and nowhere else";
 }
 
 TEST(EvdevKeyCodesTest, modifierKeysAreNoPresses) {
