@@ -184,7 +184,11 @@ TEST_F(FaultTest, AnotherWindowManagerTakesOverDuringUse) {
 }
 
 TEST_F(FaultTest, ALostServerEndsTheProgramWithAMessage) {
+    // The toolkit may notice first and end the process where it stands; what it holds then is no leak.
+    const auto options = qgetenv("ASAN_OPTIONS");
+    qputenv("ASAN_OPTIONS", options + ":detect_leaks=0");
     startAll();
+    qputenv("ASAN_OPTIONS", options);
     open("editor", {100, 100, 300, 200});
     ASSERT_TRUE(program().menu().size() > 0);
     ucred server{};
