@@ -41,5 +41,16 @@ void DesktopTest::TearDown() {
     std::cerr << "Logs and a picture of the screen: " << desktop_->logs().toStdString() << '\n';
 }
 
+void ProgramTest::begin(Desktop::Options options) {
+    DesktopTest::begin(std::move(options));
+    program_ = std::make_unique<TavrinProgram>(desktop());
+}
+
+TestClient& ProgramTest::client() {
+    if (!client_)
+        client_ = desktop().startClient();
+    return *client_;
+}
+
 } // namespace desktop
 } // namespace tavrin

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/desktop/desktop.h"
+#include "support/desktop/tavrin_program.h"
 #include "support/desktop/wait.h"
 
 #include <gtest/gtest.h>
@@ -29,6 +29,20 @@ private:
     void lookForComplaints();
 
     std::unique_ptr<Desktop> desktop_;
+};
+
+/// A test of the built program, which is there from `begin` on but not started.
+class ProgramTest : public DesktopTest {
+protected:
+    void begin(Desktop::Options options = {});
+
+    TavrinProgram& program() { return *program_; }
+    /// A test application, started when it is first asked for.
+    TestClient& client();
+
+private:
+    std::unique_ptr<TavrinProgram> program_;
+    std::unique_ptr<TestClient> client_;
 };
 
 } // namespace desktop

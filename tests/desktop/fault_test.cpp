@@ -1,5 +1,4 @@
 #include "desktop_test.h"
-#include "support/desktop/tavrin_program.h"
 
 #include <QDBusConnectionInterface>
 #include <QFile>
@@ -27,21 +26,12 @@ int restoreCount() {
 }
 
 /// Whatever the desktop does to the program, it goes on, or says why it cannot.
-class FaultTest : public DesktopTest {
+class FaultTest : public ProgramTest {
 protected:
-    void beginWith(Desktop::Options options = {}) {
-        begin(std::move(options));
-        program_ = std::make_unique<TavrinProgram>(desktop());
-    }
-
     void startAll() {
-        beginWith();
+        begin();
         ASSERT_TRUE(program().start());
-        client_ = desktop().startClient();
     }
-
-    TavrinProgram& program() { return *program_; }
-    TestClient& client() { return *client_; }
 
     xcb_window_t open(const std::string& title, const Rect& frame) {
         const auto window = client().open({.title = title, .frame = frame});
@@ -74,16 +64,6 @@ protected:
         QFile log(desktop().log("tavrin"));
         return log.open(QIODevice::ReadOnly) ? log.readAll().toStdString() : std::string();
     }
-
-    void TearDown() override {
-        DesktopTest::TearDown();
-        client_.reset();
-        program_.reset();
-    }
-
-private:
-    std::unique_ptr<TavrinProgram> program_;
-    std::unique_ptr<TestClient> client_;
 };
 
 TEST_F(FaultTest, WindowsThatComeAndGoDuringRestoresDoNoHarm) {

@@ -1,5 +1,4 @@
 #include "desktop_test.h"
-#include "support/desktop/tavrin_program.h"
 
 #include <gmock/gmock.h>
 
@@ -17,18 +16,13 @@ bool contains(const Rect& outer, const Rect& inner) {
     return unionOf(outer, inner) == outer;
 }
 
-class RestoreTest : public DesktopTest {
+class RestoreTest : public ProgramTest {
 protected:
-    /// The desktop, the program on it, and one test application.
+    /// The desktop with the program running on it.
     void beginWith(const std::vector<Rect>& displays) {
         begin({.displays = displays});
-        program_ = std::make_unique<TavrinProgram>(desktop());
-        ASSERT_TRUE(program_->start());
-        client_ = desktop().startClient();
+        ASSERT_TRUE(program().start());
     }
-
-    TavrinProgram& program() { return *program_; }
-    TestClient& client() { return *client_; }
 
     /// Opens a window and puts it where it is seen at `frame`.
     xcb_window_t open(WindowRequest request, const Rect& frame) {
@@ -43,16 +37,6 @@ protected:
             frames.push_back(seen(window));
         return frames;
     }
-
-    void TearDown() override {
-        DesktopTest::TearDown();
-        client_.reset();
-        program_.reset();
-    }
-
-private:
-    std::unique_ptr<TavrinProgram> program_;
-    std::unique_ptr<TestClient> client_;
 };
 
 // Every kind of window that people have, on every display: back to the pixel, however it draws its borders.

@@ -2,7 +2,6 @@
 #include "support/desktop/embedding_panel.h"
 #include "support/desktop/login_manager.h"
 #include "support/desktop/mouse.h"
-#include "support/desktop/tavrin_program.h"
 
 #include <QJsonObject>
 #include <gmock/gmock.h>
@@ -18,15 +17,8 @@ const Rect firstDisplay{0, 0, 1920, 1080};
 const Rect secondDisplay{1920, 0, 1600, 1200};
 const MonitorIdentity secondMonitor{.serial = 2};
 
-class SessionTest : public DesktopTest {
+class SessionTest : public ProgramTest {
 protected:
-    void beginWith(Desktop::Options options) {
-        begin(std::move(options));
-        program_ = std::make_unique<TavrinProgram>(desktop());
-    }
-
-    TavrinProgram& program() { return *program_; }
-
     /// The menu as the panel has it, without opening it.
     std::string shownMenu() {
         const auto items = tray().readMenu();
@@ -35,8 +27,7 @@ protected:
 
     /// A window, a layout that holds it and is restored by itself, and the window somewhere else.
     void saveAndStray(const std::string& layout, const Rect& frame) {
-        client_ = desktop().startClient();
-        const auto opened = client_->open({.title = "stray"});
+        const auto opened = client().open({.title = "stray"});
         ASSERT_TRUE(opened && windows().place(*opened, frame));
         window_ = *opened;
         ASSERT_TRUE(program().saveLayout(layout) && program().makeDefault(layout));
@@ -61,15 +52,7 @@ protected:
             waitUntil([&] { return tray().iconChanges() != before; }, std::chrono::milliseconds(4000)));
     }
 
-    void TearDown() override {
-        DesktopTest::TearDown();
-        client_.reset();
-        program_.reset();
-    }
-
 private:
-    std::unique_ptr<TavrinProgram> program_;
-    std::unique_ptr<TestClient> client_;
     xcb_window_t window_ = XCB_NONE;
 };
 
@@ -80,7 +63,7 @@ TEST_F(SessionTest, TheMenuTellsTheStateItemByItem) {
                              "---\n"
                              "Beta v0.1.0 — free during beta\n"
                              "* Quit Tavrin [q]\n";
-    beginWith({.displays = {firstDisplay, secondDisplay}});
+    begin({.displays = {firstDisplay, secondDisplay}});
     ASSERT_TRUE(program().start());
     EXPECT_EQ(program().menu(), "Current Display Setup\n"
                                 "No matched display setup yet\n"
@@ -151,7 +134,7 @@ TEST_F(SessionTest, TheMenuTellsTheStateItemByItem) {
 
 // Without a window manager nothing can be read or moved. Once asked to check, the program keeps looking.
 TEST_F(SessionTest, PermissionFollowsTheWindowManager) {
-    beginWith({.hasWindowManager = false});
+    begin({.hasWindowManager = false});
     ASSERT_TRUE(program().start());
     EXPECT_THAT(program().menu(), StartsWith("Accessibility access is required"));
     ASSERT_TRUE(tray().choose({"Recheck Permission"}));
@@ -163,7 +146,7 @@ TEST_F(SessionTest, PermissionFollowsTheWindowManager) {
 }
 
 TEST_F(SessionTest, APluggedDisplayBringsItsLayoutBackOnceForAWholeBurst) {
-    beginWith({.displays = {firstDisplay, secondDisplay}});
+    begin({.displays = {firstDisplay, secondDisplay}});
     ASSERT_TRUE(program().start());
     const Rect saved{2300, 200, 700, 600};
     saveAndStray("Desk", saved);
@@ -177,7 +160,7 @@ TEST_F(SessionTest, APluggedDisplayBringsItsLayoutBackOnceForAWholeBurst) {
 }
 
 TEST_F(SessionTest, WakingAndUnlockingRestoreWhenTheUserWantsIt) {
-    beginWith({});
+    begin({});
     LoginManager logind(desktop().systemBus().connection());
     ASSERT_TRUE(logind.appear());
     ASSERT_TRUE(program().start());
@@ -212,7 +195,7 @@ TEST_F(SessionTest, WakingAndUnlockingRestoreWhenTheUserWantsIt) {
 }
 
 TEST_F(SessionTest, AShortcutWorksWhileAnotherApplicationHasTheKeyboard) {
-    beginWith({});
+    begin({});
     ASSERT_TRUE(program().start());
     const Rect saved{700, 300, 500, 400};
     saveAndStray("Desk", saved);
@@ -241,7 +224,7 @@ TEST_F(SessionTest, AShortcutWorksWhileAnotherApplicationHasTheKeyboard) {
 }
 
 TEST_F(SessionTest, ASecondCopyHandsOverAndAKilledOneLeavesNothingInTheWay) {
-    beginWith({});
+    begin({});
     ASSERT_TRUE(program().start());
     TavrinProgram second(desktop());
     ASSERT_TRUE(second.launch());
@@ -256,7 +239,7 @@ TEST_F(SessionTest, ASecondCopyHandsOverAndAKilledOneLeavesNothingInTheWay) {
 }
 
 TEST_F(SessionTest, ATrayThatAppearsLateOrRestartsGetsTheItem) {
-    beginWith({.hasTray = false});
+    begin({.hasTray = false});
     ASSERT_TRUE(program().launch() && program().waitUntilRegistered());
     for (const auto* when : {"late", "restarted"}) {
         ASSERT_TRUE(tray().appear());
@@ -272,7 +255,7 @@ class EmbeddingPanelTest : public SessionTest, public ::testing::WithParamInterf
 
 TEST_P(EmbeddingPanelTest, GetsTheIconAndAClickOpensTheMenu) {
     const bool isPanelFirst = GetParam();
-    beginWith({.hasTray = false});
+    begin({.hasTray = false});
     EmbeddingPanel panel(desktop().server().display().toStdString());
     ASSERT_TRUE(!isPanelFirst || panel.appear());
     ASSERT_TRUE(program().launch());

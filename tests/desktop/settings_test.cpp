@@ -1,6 +1,5 @@
 #include "desktop_test.h"
 #include "support/desktop/mouse.h"
-#include "support/desktop/tavrin_program.h"
 
 #include <QFile>
 #include <QFileSystemWatcher>
@@ -18,7 +17,7 @@ constexpr std::chrono::milliseconds attemptLimit{2000};
 enum Pane { layouts, automation, shortcuts, apps, advanced };
 
 /// The settings window, operated by keyboard and mouse.
-class SettingsTest : public DesktopTest {
+class SettingsTest : public ProgramTest {
 protected:
     const Rect saved{700, 300, 500, 400};
     const Rect astray{60, 80, 360, 280};
@@ -26,17 +25,14 @@ protected:
     /// A running program with the layout "Desk" of one window, which has been moved away since.
     void beginWithLayout() {
         begin();
-        program_ = std::make_unique<TavrinProgram>(desktop());
         ASSERT_TRUE(program().start());
-        client_ = desktop().startClient();
-        const auto opened = client_->open({.title = "stray"});
+        const auto opened = client().open({.title = "stray"});
         ASSERT_TRUE(opened && windows().place(*opened, saved));
         window_ = *opened;
         ASSERT_TRUE(program().saveLayout("Desk") && windows().place(window_, astray));
         dataChanges_.addPath(desktop().home() + "/.local/share/Tavrin");
     }
 
-    TavrinProgram& program() { return *program_; }
     xcb_window_t window() const { return window_; }
     std::optional<xcb_window_t> settingsWindow() { return windows().find(settingsTitle); }
 
@@ -80,23 +76,15 @@ protected:
         return false;
     }
 
-    QJsonValue setting(const QString& key) const { return program_->payload("settings.json")[key]; }
-    QJsonObject shortcutOfLayout() const {
-        return setting("layoutShortcuts")[program_->payload("layouts.json")[0]["id"].toString()].toObject();
+    QJsonValue setting(const QString& key) { return program().payload("settings.json")[key]; }
+    QJsonObject shortcutOfLayout() {
+        return setting("layoutShortcuts")[program().payload("layouts.json")[0]["id"].toString()].toObject();
     }
     bool becomes(const QString& key, const QJsonValue& wanted) {
         return waitUntil([&] { return setting(key) == wanted; });
     }
 
-    void TearDown() override {
-        DesktopTest::TearDown();
-        client_.reset();
-        program_.reset();
-    }
-
 private:
-    std::unique_ptr<TavrinProgram> program_;
-    std::unique_ptr<TestClient> client_;
     xcb_window_t window_ = XCB_NONE;
     QFileSystemWatcher dataChanges_; ///< wakes whoever waits for them
 };
