@@ -1,10 +1,10 @@
 #include "ui/qt/action_button.h"
 
+#include "ui/qt/return_key.h"
 #include "ui/qt/settings_style.h"
 #include "ui/qt/symbol_icon.h"
 
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QPainter>
 #include <QStyle>
 
@@ -29,7 +29,7 @@ QSize ActionButton::sizeHint() const {
 }
 
 void ActionButton::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+    if (isReturnKey(*event))
         click();
     else
         QPushButton::keyPressEvent(event);

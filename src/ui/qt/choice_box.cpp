@@ -1,9 +1,9 @@
 #include "ui/qt/choice_box.h"
 
+#include "ui/qt/return_key.h"
 #include "ui/qt/settings_style.h"
 
 #include <QAbstractItemView>
-#include <QKeyEvent>
 #include <QPainter>
 #include <QWheelEvent>
 
@@ -26,7 +26,7 @@ QSize ChoiceBox::sizeHint() const {
 }
 
 void ChoiceBox::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+    if (isReturnKey(*event))
         showPopup();
     else
         QComboBox::keyPressEvent(event);

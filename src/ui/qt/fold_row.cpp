@@ -1,10 +1,10 @@
 #include "ui/qt/fold_row.h"
 
+#include "ui/qt/return_key.h"
 #include "ui/qt/settings_group.h"
 #include "ui/qt/settings_style.h"
 #include "ui/qt/symbol_icon.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 
 namespace tavrin {
@@ -26,7 +26,7 @@ QSize FoldRow::sizeHint() const {
 }
 
 void FoldRow::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+    if (isReturnKey(*event))
         click();
     else
         QPushButton::keyPressEvent(event);

@@ -1,12 +1,12 @@
 #include "ui/qt/shortcut_recorder_widget.h"
 
+#include "ui/qt/return_key.h"
 #include "ui/qt/settings_group.h"
 #include "ui/qt/settings_pane_widget.h"
 #include "ui/qt/settings_style.h"
 #include "ui/qt/symbol_button.h"
 #include "ui/qt/symbol_icon.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 
 namespace tavrin {
@@ -25,7 +25,7 @@ QSize RecorderField::sizeHint() const {
 }
 
 void RecorderField::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+    if (isReturnKey(*event))
         click();
     else
         QPushButton::keyPressEvent(event);

@@ -1,8 +1,8 @@
 #include "ui/qt/switch_control.h"
 
+#include "ui/qt/return_key.h"
 #include "ui/qt/settings_style.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 
 namespace tavrin {
@@ -23,7 +23,7 @@ QSize SwitchControl::sizeHint() const {
 }
 
 void SwitchControl::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+    if (isReturnKey(*event))
         click();
     else
         QCheckBox::keyPressEvent(event);

@@ -1,9 +1,9 @@
 #include "ui/qt/symbol_button.h"
 
+#include "ui/qt/return_key.h"
 #include "ui/qt/settings_style.h"
 #include "ui/qt/symbol_icon.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 
 namespace tavrin {
@@ -24,7 +24,7 @@ QSize SymbolButton::sizeHint() const {
 }
 
 void SymbolButton::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+    if (isReturnKey(*event))
         menu() ? showMenu() : click();
     else
         QToolButton::keyPressEvent(event);
