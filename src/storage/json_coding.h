@@ -4,13 +4,13 @@
 #include "base/timestamp.h"
 #include "base/uuid.h"
 #include "records/key_combo.h"
+#include "storage/json_errors.h"
 
 #include <nlohmann/json.hpp>
 
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -24,23 +24,6 @@
 namespace tavrin::json {
 
 using Json = nlohmann::json;
-
-/// Where in the file a value stands.
-struct Path {
-    const Path* parent = nullptr;
-    std::string_view key;
-    std::size_t index = 0;
-
-    std::string text() const;
-};
-
-struct DecodingError : std::runtime_error {
-    DecodingError(const Path& path, std::string_view problem);
-};
-
-struct EncodingError : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 template <class T>
 concept Record = requires {
