@@ -3,7 +3,7 @@
 #include "fuzz_support.h"
 #include "platform/x11/key_positions.h"
 #include "platform/x11/keyboard_modifiers.h"
-#include "records/evdev_key_codes.h"
+#include "records/key_combo.h"
 #include "shortcuts/shortcut_conflict_checker.h"
 #include "shortcuts/shortcut_manager.h"
 #include "shortcuts/shortcut_recorder.h"

@@ -1,5 +1,6 @@
+#include "records/layouts.h"
+
 #include "data_file_laws.h"
-#include "records/saved_layout.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace tavrin;

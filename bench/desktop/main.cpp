@@ -1,9 +1,8 @@
 // The program against what it is measured by, in turns on one private desktop, so that the ratios hold
 // whatever else the machine does. Prints tables; every figure is a median.
 #include "bare_client.h"
-#include "capture/ax_window_snapshot_provider.h"
 #include "capture/capture_service.h"
-#include "capture/window_list_provider.h"
+#include "capture/window_providers.h"
 #include "display/display_snapshot_provider.h"
 #include "platform/freedesktop/freedesktop_application_catalog.h"
 #include "platform/posix/posix_file_system.h"

@@ -1,6 +1,6 @@
 #include "app/app_delegate.h"
 
-#include "ports/system_events.h"
+#include "ports/session.h"
 
 #include <algorithm>
 

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "app/status_item_controller.h"
-#include "capture/ax_window_snapshot_provider.h"
-#include "capture/window_list_provider.h"
+#include "capture/window_providers.h"
 #include "display/display_snapshot_provider.h"
 #include "ports/platform.h"
 #include "restore/auto_restore_coordinator.h"

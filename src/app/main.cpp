@@ -1,6 +1,6 @@
 #include "app/app_delegate.h"
 #include "platform/open_platform.h"
-#include "ports/application_host.h"
+#include "ports/runtime.h"
 #include "session/single_instance_guard.h"
 #include "ui/qt/qt_user_interface.h"
 

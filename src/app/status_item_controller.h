@@ -1,14 +1,14 @@
 #pragma once
 
 #include "app/status_item_menu.h"
-#include "ports/link_opener.h"
-#include "ports/restore_servicing.h"
-#include "ports/scheduler.h"
-#include "ports/status_item_surface.h"
+#include "ports/runtime.h"
+#include "ports/services.h"
+#include "ports/session.h"
+#include "ports/status_item.h"
 #include "restore/restore_debug_store.h"
-#include "session/permission_status_view_model.h"
 #include "shortcuts/shortcut_manager.h"
 #include "ui/capture_popover_controller.h"
+#include "ui/permission_status_view_model.h"
 #include "ui/settings_window_controller.h"
 
 #include <vector>

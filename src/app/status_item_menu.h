@@ -1,9 +1,9 @@
 #pragma once
 
-#include "records/accessibility_permission_state.h"
-#include "records/menu_model.h"
-#include "records/monitor_profile.h"
-#include "records/saved_layout.h"
+#include "ports/services.h"
+#include "ports/status_item.h"
+#include "records/layouts.h"
+#include "records/profiles.h"
 
 #include <map>
 #include <optional>

@@ -1,8 +1,8 @@
 #include "capture/capture_service.h"
 
 #include "base/text.h"
-#include "restore/nearest_frame.h"
-#include "restore/window_placement_normalizer.h"
+#include "placement/nearest_frame.h"
+#include "placement/window_placement_normalizer.h"
 
 #include <algorithm>
 #include <map>

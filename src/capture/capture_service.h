@@ -1,9 +1,7 @@
 #pragma once
 
 #include "display/monitor_profile_matcher.h"
-#include "ports/ax_window_snapshot_providing.h"
-#include "ports/display_snapshot_providing.h"
-#include "ports/window_list_providing.h"
+#include "ports/services.h"
 #include "storage/profile_store.h"
 #include "storage/settings_store.h"
 

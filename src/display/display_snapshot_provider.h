@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ports/display_snapshot_providing.h"
 #include "ports/screen_list.h"
+#include "ports/services.h"
 
 namespace tavrin {
 

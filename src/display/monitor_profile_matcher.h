@@ -1,7 +1,7 @@
 #pragma once
 
-#include "records/display_snapshot.h"
-#include "records/match_result.h"
+#include "records/displays.h"
+#include "records/profiles.h"
 
 #include <vector>
 

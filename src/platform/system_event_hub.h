@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/signal.h"
-#include "ports/system_events.h"
+#include "ports/session.h"
 
 #include <map>
 

@@ -19,8 +19,8 @@
 #include "platform/qt/qt_user_defaults.h"
 #include "platform/system_event_hub.h"
 #include "platform/x11/x11_platform.h"
-#include "ports/desktop_information.h"
 #include "ports/key_monitors.h"
+#include "ports/session.h"
 
 #include <cstdio>
 #include <cstdlib>

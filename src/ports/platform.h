@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/window_info.h"
+#include "records/windows.h"
 
 #include <filesystem>
 

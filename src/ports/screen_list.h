@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/display_snapshot.h"
+#include "records/displays.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/geometry.h"
-#include "records/window_info.h"
+#include "records/windows.h"
 
 #include <cstdint>
 #include <expected>
@@ -94,5 +94,19 @@ std::optional<Value> readAttribute(WindowElements& elements, const AXElement& el
         return std::nullopt;
     return std::get<Value>(std::move(*value));
 }
+
+/// The desktop's own answer to whether this program may see and move other applications' windows.
+class AccessibilityTrust {
+public:
+    virtual ~AccessibilityTrust() = default;
+
+    /// The answer now, without showing anything; false when the desktop cannot be asked.
+    virtual bool isProcessTrusted() = 0;
+
+    enum class Prompt { show, suppress };
+
+    /// As above, after showing the desktop's permission prompt to an untrusted program where there is one.
+    virtual bool isProcessTrusted(Prompt prompt) = 0;
+};
 
 } // namespace tavrin

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "records/saved_layout.h"
-#include "records/window_info.h"
+#include "records/layouts.h"
+#include "records/windows.h"
 
 #include <cstdint>
 #include <optional>

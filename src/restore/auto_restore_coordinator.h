@@ -1,18 +1,30 @@
 #pragma once
 
-#include "ports/display_snapshot_providing.h"
-#include "ports/restore_servicing.h"
-#include "ports/scheduler.h"
-#include "ports/settings_providing.h"
-#include "ports/system_events.h"
-#include "ports/wall_clock.h"
-#include "restore/matched_default_layout_resolver.h"
+#include "display/monitor_profile_matcher.h"
+#include "ports/runtime.h"
+#include "ports/services.h"
+#include "ports/session.h"
 #include "restore/restore_debug_store.h"
 
 #include <functional>
 #include <optional>
 
 namespace tavrin {
+
+/// Finds the layout that is restored without asking.
+class MatchedDefaultLayoutResolver {
+public:
+    explicit MatchedDefaultLayoutResolver(ProfileProviding& profileProvider)
+        : profileProvider_(profileProvider) {}
+
+    /// The default layout of the setup that these displays are, or are most like. Absent when none or
+    /// several are similar, when the setup has no default, or when the files cannot be read.
+    std::optional<SavedLayout> resolve(const DisplaySnapshotCollection& snapshot) const;
+
+private:
+    ProfileProviding& profileProvider_;
+    MonitorProfileMatcher profileMatcher_;
+};
 
 /// Restores the default layout of the recognised setup after the displays changed, after wake and after
 /// unlock, each as the settings allow. A burst of events gives one restore; a restore that did not place

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ports/window_elements.h"
-#include "records/saved_layout_entry.h"
+#include "records/layouts.h"
 
 #include <expected>
 #include <optional>

@@ -1,8 +1,8 @@
 #include "restore/restore_matcher.h"
 
 #include "base/text.h"
-#include "restore/window_placement_normalizer.h"
-#include "restore/window_placement_translator.h"
+#include "placement/window_placement_normalizer.h"
+#include "placement/window_placement_translator.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/display_snapshot.h"
+#include "records/displays.h"
 #include "records/restore_result.h"
 
 #include <vector>

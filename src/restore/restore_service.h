@@ -1,12 +1,6 @@
 #pragma once
 
-#include "ports/accessibility_permission_servicing.h"
-#include "ports/display_snapshot_providing.h"
-#include "ports/restore_servicing.h"
-#include "ports/running_application_resolving.h"
-#include "ports/settings_providing.h"
-#include "ports/window_list_providing.h"
-#include "ports/window_moving.h"
+#include "ports/services.h"
 #include "restore/restore_matcher.h"
 
 #include <filesystem>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ports/running_application_resolving.h"
-#include "ports/running_applications.h"
+#include "ports/services.h"
+#include "ports/window_list.h"
 
 namespace tavrin {
 

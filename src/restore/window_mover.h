@@ -1,7 +1,7 @@
 #pragma once
 
+#include "ports/services.h"
 #include "ports/window_elements.h"
-#include "ports/window_moving.h"
 
 namespace tavrin {
 

@@ -1,6 +1,5 @@
 #include "session/accessibility_permission_service.h"
 
-#include "ports/accessibility_trust.h"
 #include "ports/window_elements.h"
 
 namespace tavrin {

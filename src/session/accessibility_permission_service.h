@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/accessibility_permission_servicing.h"
+#include "ports/services.h"
 
 #include <functional>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/user_defaults.h"
+#include "ports/runtime.h"
 #include "storage/app_support_paths.h"
 
 #include <cstdint>

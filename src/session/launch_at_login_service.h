@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/login_item.h"
+#include "ports/session.h"
 
 namespace tavrin {
 

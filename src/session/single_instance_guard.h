@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/running_instances.h"
+#include "ports/session.h"
 
 #include <optional>
 #include <string>

@@ -3,7 +3,7 @@
 #include "base/observable.h"
 #include "base/uuid.h"
 #include "ports/key_monitors.h"
-#include "ports/wall_clock.h"
+#include "ports/runtime.h"
 #include "storage/settings_store.h"
 
 #include <functional>

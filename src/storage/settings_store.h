@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ports/settings_providing.h"
-#include "ports/wall_clock.h"
+#include "ports/runtime.h"
+#include "ports/services.h"
 #include "storage/data_file.h"
 
 namespace tavrin {

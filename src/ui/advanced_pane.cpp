@@ -1,7 +1,7 @@
 #include "ui/advanced_pane.h"
 
-#include "ports/application_host.h"
-#include "ports/link_opener.h"
+#include "ports/runtime.h"
+#include "ports/session.h"
 
 #include <fmt/format.h>
 

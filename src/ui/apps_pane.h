@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ports/application_catalog.h"
-#include "ports/window_list_providing.h"
+#include "ports/services.h"
 #include "ui/exclusion_list_view.h"
 
 #include <optional>

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "base/signal.h"
-#include "display/profile_list_view_model.h"
-#include "ports/scheduler.h"
+#include "ports/runtime.h"
 #include "session/launch_at_login_service.h"
 #include "storage/profile_store.h"
 #include "storage/settings_store.h"
+#include "ui/profile_list_view_model.h"
 
 #include <array>
 #include <map>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "capture/capture_service.h"
-#include "display/current_profile_view_model.h"
-#include "display/profile_list_view_model.h"
+#include "ui/current_profile_view_model.h"
 #include "ui/popover_surface.h"
+#include "ui/profile_list_view_model.h"
 
 #include <memory>
 #include <optional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/saved_layout.h"
+#include "records/layouts.h"
 
 #include <optional>
 #include <string>

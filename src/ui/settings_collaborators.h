@@ -1,13 +1,13 @@
 #pragma once
 
 #include "capture/capture_service.h"
-#include "display/current_profile_view_model.h"
-#include "display/profile_list_view_model.h"
 #include "ports/platform.h"
 #include "restore/restore_debug_store.h"
 #include "session/launch_at_login_service.h"
-#include "session/permission_status_view_model.h"
 #include "shortcuts/shortcut_manager.h"
+#include "ui/current_profile_view_model.h"
+#include "ui/permission_status_view_model.h"
+#include "ui/profile_list_view_model.h"
 
 #include <functional>
 

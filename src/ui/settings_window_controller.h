@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/application_host.h"
+#include "ports/runtime.h"
 #include "session/app_data_reset_coordinator.h"
 #include "ui/settings_window_surface.h"
 

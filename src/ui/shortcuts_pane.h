@@ -1,8 +1,8 @@
 #pragma once
 
-#include "display/current_profile_view_model.h"
-#include "display/profile_list_view_model.h"
 #include "shortcuts/shortcut_conflict_checker.h"
+#include "ui/current_profile_view_model.h"
+#include "ui/profile_list_view_model.h"
 #include "ui/shortcut_recorder_view.h"
 
 #include <map>

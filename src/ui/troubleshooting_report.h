@@ -1,7 +1,7 @@
 #pragma once
 
 #include "display/monitor_profile_matcher.h"
-#include "ports/desktop_information.h"
+#include "ports/session.h"
 #include "records/restore_result.h"
 
 #include <filesystem>

@@ -4,8 +4,8 @@
 #include "doubles/fake_file_system.h"
 #include "doubles/fake_interface.h"
 #include "doubles/fake_time.h"
-#include "ports/accessibility_trust.h"
-#include "ports/running_instances.h"
+#include "ports/session.h"
+#include "ports/window_elements.h"
 
 #include <gtest/gtest.h>
 

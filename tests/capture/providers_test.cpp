@@ -1,5 +1,4 @@
-#include "capture/ax_window_snapshot_provider.h"
-#include "capture/window_list_provider.h"
+#include "capture/window_providers.h"
 #include "doubles/fake_desktop.h"
 
 #include <gtest/gtest.h>

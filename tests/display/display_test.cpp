@@ -1,8 +1,8 @@
-#include "display/current_profile_view_model.h"
 #include "display/display_snapshot_provider.h"
-#include "display/profile_list_view_model.h"
 #include "doubles/builders.h"
 #include "doubles/stored_data.h"
+#include "ui/current_profile_view_model.h"
+#include "ui/profile_list_view_model.h"
 
 #include <gtest/gtest.h>
 

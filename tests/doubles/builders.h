@@ -1,8 +1,8 @@
 #pragma once
 
 #include "display/monitor_profile_matcher.h"
-#include "records/saved_layout.h"
-#include "records/window_info.h"
+#include "records/layouts.h"
+#include "records/windows.h"
 
 #include <ostream>
 #include <string>

@@ -1,18 +1,13 @@
 #pragma once
 
 #include "base/signal.h"
-#include "ports/accessibility_permission_servicing.h"
 #include "ports/application_catalog.h"
-#include "ports/ax_window_snapshot_providing.h"
-#include "ports/desktop_information.h"
-#include "ports/display_snapshot_providing.h"
 #include "ports/key_monitors.h"
-#include "ports/restore_servicing.h"
-#include "ports/running_applications.h"
-#include "ports/system_events.h"
-#include "ports/user_defaults.h"
+#include "ports/runtime.h"
+#include "ports/services.h"
+#include "ports/session.h"
 #include "ports/window_elements.h"
-#include "ports/window_list_providing.h"
+#include "ports/window_list.h"
 
 #include <algorithm>
 #include <map>

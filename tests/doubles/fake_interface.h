@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ports/application_host.h"
-#include "ports/link_opener.h"
-#include "ports/status_item_surface.h"
+#include "ports/runtime.h"
+#include "ports/session.h"
+#include "ports/status_item.h"
 #include "ui/user_interface_factory.h"
 
 #include <fmt/format.h>

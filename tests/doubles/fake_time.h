@@ -1,7 +1,6 @@
 #pragma once
 
-#include "ports/scheduler.h"
-#include "ports/wall_clock.h"
+#include "ports/runtime.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "doubles/builders.h"
-#include "restore/window_placement_normalizer.h"
-#include "restore/window_placement_translator.h"
+#include "placement/window_placement_normalizer.h"
+#include "placement/window_placement_translator.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>

@@ -1,6 +1,6 @@
 #include "doubles/builders.h"
+#include "placement/window_placement_normalizer.h"
 #include "restore/restore_matcher.h"
-#include "restore/window_placement_normalizer.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>

@@ -4,8 +4,8 @@
 #include "session/accessibility_permission_service.h"
 #include "session/app_data_reset_coordinator.h"
 #include "session/launch_at_login_service.h"
-#include "session/permission_status_view_model.h"
 #include "session/single_instance_guard.h"
+#include "ui/permission_status_view_model.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,5 @@
 #include "platform/x11/key_positions.h"
 #include "platform/x11/keyboard_modifiers.h"
-#include "records/evdev_key_codes.h"
 #include "records/key_combo.h"
 
 #include <gtest/gtest.h>

@@ -30,7 +30,7 @@ public:
 
     void setOnActivate(std::function<void(const std::string&)> activated);
 
-public slots:
+public Q_SLOTS:
     // NOLINTBEGIN(readability-identifier-naming): the interface's names
     Q_SCRIPTABLE void Activate(const QVariantMap& platformData);
     Q_SCRIPTABLE void Open(const QStringList& uris, const QVariantMap& platformData);

@@ -25,7 +25,7 @@ public:
 
     void open();
 
-private slots:
+private Q_SLOTS:
     void closed();
 
 private:

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/freedesktop/environment.h"
-#include "ports/link_opener.h"
+#include "ports/session.h"
 
 #include <filesystem>
 #include <memory>

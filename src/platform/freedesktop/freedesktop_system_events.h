@@ -2,7 +2,7 @@
 
 #include "base/timestamp.h"
 #include "platform/freedesktop/bus_addresses.h"
-#include "ports/system_events.h"
+#include "ports/session.h"
 
 #include <functional>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/freedesktop/bus_addresses.h"
-#include "ports/running_instances.h"
+#include "ports/session.h"
 
 #include <chrono>
 #include <functional>

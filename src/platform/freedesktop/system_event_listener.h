@@ -19,7 +19,7 @@ public:
     SystemEventListener(FreedesktopSystemEvents::Configuration configuration,
                         FreedesktopSystemEvents::Handler handler);
 
-private slots:
+private Q_SLOTS:
     void prepareForSleep(bool isAboutToSleep);
     void sessionLocked(const QDBusMessage& message);
     void sessionUnlocked(const QDBusMessage& message);

@@ -2,7 +2,7 @@
 
 #include "platform/freedesktop/xdg_paths.h"
 #include "ports/file_system.h"
-#include "ports/login_item.h"
+#include "ports/session.h"
 
 #include <filesystem>
 #include <optional>

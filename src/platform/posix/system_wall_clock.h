@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/wall_clock.h"
+#include "ports/runtime.h"
 
 namespace tavrin {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/qt/bus_menu_types.h"
-#include "records/menu_model.h"
+#include "ports/status_item.h"
 
 #include <map>
 #include <optional>

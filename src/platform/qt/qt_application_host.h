@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/signal.h"
-#include "ports/application_host.h"
+#include "ports/runtime.h"
 
 #include <QObject>
 #include <QPointer>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/event_loop.h"
+#include "ports/runtime.h"
 
 #include <QObject>
 

@@ -1,6 +1,6 @@
 #include "platform/qt/qt_local_key_monitor.h"
 
-#include "records/evdev_key_codes.h"
+#include "records/key_combo.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>

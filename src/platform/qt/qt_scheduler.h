@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/scheduler.h"
+#include "ports/runtime.h"
 
 #include <QObject>
 

@@ -7,7 +7,7 @@
 #include "platform/qt/status_menu.h"
 #include "platform/qt/status_notifier_hosts.h"
 #include "platform/qt/status_notifier_item.h"
-#include "ports/status_item_surface.h"
+#include "ports/status_item.h"
 
 #include <memory>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/user_defaults.h"
+#include "ports/runtime.h"
 
 #include <QSettings>
 

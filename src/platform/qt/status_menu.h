@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/menu_model.h"
+#include "ports/status_item.h"
 
 #include <QMenu>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/accessibility_trust.h"
+#include "ports/window_elements.h"
 
 namespace tavrin {
 

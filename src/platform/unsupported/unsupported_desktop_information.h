@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/desktop_information.h"
+#include "ports/session.h"
 
 namespace tavrin {
 

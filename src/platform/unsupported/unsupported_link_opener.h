@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/link_opener.h"
+#include "ports/session.h"
 
 namespace tavrin {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/raw_window_list.h"
+#include "ports/window_list.h"
 
 namespace tavrin {
 

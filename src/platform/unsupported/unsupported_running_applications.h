@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/running_applications.h"
+#include "ports/window_list.h"
 
 namespace tavrin {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/status_item_surface.h"
+#include "ports/status_item.h"
 
 namespace tavrin {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/system_events.h"
+#include "ports/session.h"
 
 namespace tavrin {
 

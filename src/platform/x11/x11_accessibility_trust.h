@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/x11/x11_window_manager.h"
-#include "ports/accessibility_trust.h"
+#include "ports/window_elements.h"
 
 namespace tavrin {
 

@@ -2,8 +2,7 @@
 
 #include "base/signal.h"
 #include "platform/x11/x11_connection.h"
-#include "ports/event_loop.h"
-#include "ports/scheduler.h"
+#include "ports/runtime.h"
 
 #include <cstdint>
 #include <functional>

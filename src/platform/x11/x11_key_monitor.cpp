@@ -2,7 +2,7 @@
 
 #include "platform/x11/x11_keyboard_protocol.h"
 #include "platform/x11/x11_reply.h"
-#include "records/evdev_key_codes.h"
+#include "records/key_combo.h"
 
 #include <xcb/res.h>
 #include <xcb/xinput.h>

@@ -1,14 +1,11 @@
 #pragma once
 
 #include "base/token.h"
-#include "ports/accessibility_trust.h"
 #include "ports/application_catalog.h"
-#include "ports/event_loop.h"
-#include "ports/raw_window_list.h"
-#include "ports/running_applications.h"
-#include "ports/scheduler.h"
+#include "ports/runtime.h"
 #include "ports/screen_list.h"
 #include "ports/window_elements.h"
+#include "ports/window_list.h"
 #include "records/key_combo.h"
 
 #include <expected>

@@ -2,7 +2,7 @@
 
 #include "base/token.h"
 #include "platform/x11/x11_connection.h"
-#include "ports/scheduler.h"
+#include "ports/runtime.h"
 
 #include <chrono>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/x11/x11_window_table.h"
-#include "ports/raw_window_list.h"
+#include "ports/window_list.h"
 
 namespace tavrin {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/geometry.h"
-#include "ports/application_host.h"
+#include "ports/runtime.h"
 #include "ui/popover_surface.h"
 
 #include <functional>
