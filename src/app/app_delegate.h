@@ -10,7 +10,7 @@
 #include "restore/window_mover.h"
 #include "session/accessibility_permission_service.h"
 #include "session/launch_at_login_service.h"
-#include "ui/user_interface_factory.h"
+#include "ui/user_interface.h"
 
 #include <memory>
 #include <vector>

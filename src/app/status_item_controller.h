@@ -7,9 +7,9 @@
 #include "ports/status_item.h"
 #include "restore/restore_debug_store.h"
 #include "shortcuts/shortcut_manager.h"
-#include "ui/capture_popover_controller.h"
 #include "ui/permission_status_view_model.h"
-#include "ui/settings_window_controller.h"
+#include "ui/save_popover.h"
+#include "ui/settings_window.h"
 
 #include <vector>
 

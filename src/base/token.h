@@ -33,4 +33,12 @@ private:
     std::move_only_function<void()> release_;
 };
 
+/// Calls a copy of `callback`, which may destroy whoever holds the callback, or itself. An empty callback
+/// does nothing.
+template <class Callback, class... Arguments>
+void callCopy(Callback callback, Arguments... arguments) {
+    if (callback)
+        callback(std::move(arguments)...);
+}
+
 } // namespace tavrin

@@ -1,5 +1,7 @@
 #include "shortcuts/shortcut_recorder.h"
 
+#include "base/token.h"
+
 #include <utility>
 
 namespace tavrin {
@@ -64,9 +66,7 @@ void ShortcutRecorder::capture(const KeyCombo& combo) {
 }
 
 void ShortcutRecorder::tellChange() {
-    // The owner may replace the recorder in answer.
-    if (const auto onChange = onChange_)
-        onChange(combo_);
+    callCopy(onChange_, combo_);
 }
 
 } // namespace tavrin

@@ -1,8 +1,95 @@
 #include "ui/apps_pane.h"
 
+#include "base/text.h"
+
 #include <algorithm>
+#include <ranges>
 
 namespace tavrin {
+namespace {
+
+bool isLetter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+bool isPart(std::string_view part) {
+    return !part.empty() && isLetter(part.front()) && std::ranges::all_of(part, [](char c) {
+        return isLetter(c) || (c >= '0' && c <= '9') || c == '-';
+    });
+}
+
+/// At least two parts with dots between them, each a letter followed by letters, digits or hyphens.
+bool isBundleID(std::string_view text) {
+    std::size_t parts = 0;
+    for (const auto part : std::views::split(text, '.')) {
+        if (!isPart(std::string_view(part.begin(), part.end())))
+            return false;
+        ++parts;
+    }
+    return parts >= 2;
+}
+
+} // namespace
+
+void ExclusionListView::appear() {
+    if (const auto settings = settingsStore_.load())
+        excludedBundleIDs_ = settings->excludedBundleIDs;
+    changed.emit();
+}
+
+void ExclusionListView::setNewBundleID(std::string text) {
+    newBundleID_ = std::move(text);
+    changed.emit();
+}
+
+bool ExclusionListView::canAdd() const {
+    const std::string text = trimmed(newBundleID_);
+    return isBundleID(text) && !contains(text);
+}
+
+void ExclusionListView::add() {
+    if (!canAdd())
+        return;
+    const std::string added = trimmed(newBundleID_);
+    append(added);
+    if (contains(added))
+        newBundleID_.clear();
+    changed.emit();
+}
+
+void ExclusionListView::addRunning(const std::string& bundleID) {
+    if (bundleID.empty() || contains(bundleID))
+        return;
+    append(bundleID);
+    changed.emit();
+}
+
+void ExclusionListView::remove(const std::string& bundleID) {
+    auto list = excludedBundleIDs_;
+    std::erase(list, bundleID);
+    save(std::move(list));
+    changed.emit();
+}
+
+bool ExclusionListView::contains(std::string_view bundleID) const {
+    return std::ranges::find(excludedBundleIDs_, bundleID) != excludedBundleIDs_.end();
+}
+
+void ExclusionListView::append(std::string bundleID) {
+    auto list = excludedBundleIDs_;
+    list.push_back(std::move(bundleID));
+    save(std::move(list));
+}
+
+void ExclusionListView::save(std::vector<std::string> list) {
+    if (auto settings = settingsStore_.load()) {
+        settings->excludedBundleIDs = std::move(list);
+        static_cast<void>(settingsStore_.save(*settings));
+    }
+    // Saved or not, the list is what the file holds; while nobody can read it, it stays as it was.
+    if (const auto settings = settingsStore_.load())
+        excludedBundleIDs_ = settings->excludedBundleIDs;
+}
 
 std::vector<ListedApplication> AppsPane::excludedApplications() {
     const auto windows = windowProvider_.currentWindows();

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "base/signal.h"
 #include "ports/application_catalog.h"
 #include "ports/services.h"
-#include "ui/exclusion_list_view.h"
+#include "storage/settings_store.h"
 
 #include <optional>
 #include <string>
@@ -10,6 +11,47 @@
 #include <vector>
 
 namespace tavrin {
+
+/// Keeps applications out of every captured layout. Entries that are no identifier, and files that cannot be
+/// read or written, are passed over in silence; the list then shows what the file holds.
+class ExclusionListView {
+public:
+    static constexpr std::string_view title = "Excluded Apps";
+    static constexpr std::string_view explanation = "These apps are always skipped during layout capture.";
+    static constexpr std::string_view emptyText = "No excluded apps.";
+    static constexpr std::string_view placeholder = "Bundle ID (e.g. com.apple.finder)";
+
+    explicit ExclusionListView(SettingsStore& settingsStore) : settingsStore_(settingsStore) {}
+
+    /// The view is shown, or shown again: reads the list from the settings.
+    void appear();
+
+    /// In the order of adding.
+    const std::vector<std::string>& excludedBundleIDs() const { return excludedBundleIDs_; }
+
+    const std::string& newBundleID() const { return newBundleID_; }
+    void setNewBundleID(std::string text);
+
+    /// The text in the field, without blanks around it, is a new identifier of at least two parts.
+    bool canAdd() const;
+    /// Adds the text in the field and, once it is saved, clears the field; does nothing when it cannot be
+    /// added.
+    void add();
+    /// Adds an identifier that a running application really has, whatever its form.
+    void addRunning(const std::string& bundleID);
+    void remove(const std::string& bundleID);
+
+    Signal<> changed;
+
+private:
+    bool contains(std::string_view bundleID) const;
+    void append(std::string bundleID);
+    void save(std::vector<std::string> list);
+
+    SettingsStore& settingsStore_;
+    std::vector<std::string> excludedBundleIDs_;
+    std::string newBundleID_;
+};
 
 /// An application as the pane lists it.
 struct ListedApplication {

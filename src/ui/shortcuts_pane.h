@@ -1,9 +1,11 @@
 #pragma once
 
+#include "base/signal.h"
 #include "shortcuts/shortcut_conflict_checker.h"
+#include "shortcuts/shortcut_manager.h"
+#include "shortcuts/shortcut_recorder.h"
 #include "ui/current_profile_view_model.h"
 #include "ui/profile_list_view_model.h"
-#include "ui/shortcut_recorder_view.h"
 
 #include <map>
 #include <memory>
@@ -13,6 +15,36 @@
 #include <vector>
 
 namespace tavrin {
+
+/// A recorder that listens to the keys while it records. Meanwhile no shortcut fires, so that a press that
+/// belongs to another shortcut is seen here and refused instead of acting.
+class ShortcutRecorderView {
+public:
+    ShortcutRecorderView(ShortcutRecorder recorder, ShortcutManager& shortcutManager,
+                         KeyMonitors& keyMonitors)
+        : recorder_(std::move(recorder)), shortcutManager_(shortcutManager), keyMonitors_(keyMonitors) {}
+
+    const ShortcutRecorder& recorder() const { return recorder_; }
+
+    void startRecording();
+    /// Escape was pressed or the focus went elsewhere.
+    void cancelRecording();
+    void clear();
+    /// The shortcut was changed elsewhere.
+    void setCombo(std::optional<KeyCombo> combo);
+
+    Signal<> changed;
+
+private:
+    bool handle(const KeyEvent& event);
+    void stopListening();
+
+    ShortcutRecorder recorder_;
+    ShortcutManager& shortcutManager_;
+    KeyMonitors& keyMonitors_;
+    Token pause_;
+    Token monitor_;
+};
 
 /// All shortcuts with their recorders: the one that finds the layout by itself, then one per layout.
 class ShortcutsPane {

@@ -3,7 +3,7 @@
 #include "ports/runtime.h"
 #include "ports/session.h"
 #include "ports/status_item.h"
-#include "ui/user_interface_factory.h"
+#include "ui/user_interface.h"
 
 #include <fmt/format.h>
 

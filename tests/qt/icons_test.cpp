@@ -1,7 +1,7 @@
 #include "platform/qt/panel_shade.h"
 #include "platform/qt/template_icon.h"
 #include "qt/qt_application.h"
-#include "ui/qt/symbol_icon.h"
+#include "ui/qt/controls/icons.h"
 
 #include <QPalette>
 #include <QSvgRenderer>

@@ -1,8 +1,6 @@
 #include "platform/qt/icon_resources.h"
 #include "qt/qt_application.h"
-#include "ui/qt/popover_placement.h"
-#include "ui/qt/qt_save_popover.h"
-#include "ui/qt/save_popover_window.h"
+#include "ui/qt/save_popover.h"
 
 #include <QKeyEvent>
 #include <QLabel>

@@ -1,8 +1,8 @@
 #include "platform/qt/icon_resources.h"
 #include "qt/qt_application.h"
-#include "ui/qt/qt_settings_window.h"
-#include "ui/qt/question_sheet.h"
-#include "ui/qt/text_label.h"
+#include "ui/qt/controls/labels.h"
+#include "ui/qt/controls/question_sheet.h"
+#include "ui/qt/settings_window.h"
 #include "ui/settings_fixture.h"
 
 #include <QClipboard>

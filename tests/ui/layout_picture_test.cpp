@@ -1,6 +1,6 @@
 #include "doubles/builders.h"
 #include "ui/layout_picture.h"
-#include "ui/relative_time.h"
+#include "ui/layouts_pane.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include "doubles/fake_file_system.h"
 #include "doubles/fake_interface.h"
 #include "doubles/fake_time.h"
-#include "ui/settings_collaborators.h"
+#include "ui/user_interface.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "ui/qt/qt_user_interface.h"
 
-#include "ui/qt/qt_save_popover.h"
-#include "ui/qt/qt_settings_window.h"
+#include "ui/qt/save_popover.h"
+#include "ui/qt/settings_window.h"
 
 namespace tavrin {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/geometry.h"
-#include "ui/user_interface_factory.h"
+#include "ui/user_interface.h"
 
 #include <functional>
 #include <optional>

@@ -1,12 +1,25 @@
 #include "ui/qt/settings_window.h"
 
-#include "ui/qt/settings_root_view.h"
+#include "ui/qt/controls/buttons.h"
+#include "ui/qt/controls/icons.h"
+#include "ui/qt/controls/settings_group.h"
+#include "ui/qt/controls/style.h"
+#include "ui/qt/panes/advanced_pane_widget.h"
+#include "ui/qt/panes/apps_pane_widget.h"
+#include "ui/qt/panes/automation_pane_widget.h"
+#include "ui/qt/panes/layouts_pane_widget.h"
+#include "ui/qt/panes/shortcuts_pane_widget.h"
 
 #include <QCloseEvent>
 #include <QCursor>
 #include <QGuiApplication>
+#include <QListWidget>
+#include <QPainter>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QShortcut>
+#include <QStyledItemDelegate>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -15,11 +28,116 @@ namespace {
 
 constexpr QSize contentSize(820, 620);
 constexpr QSize smallestSize(760, 560);
+constexpr int columnWidth = 720; ///< lines that are longer are hard to read
+constexpr int sideMargin = 28;
+constexpr int scrollBarWidth = 12;
+
+QString rgba(const QColor& color, double alpha) {
+    return QStringLiteral("rgba(%1, %2, %3, %4)")
+        .arg(color.red())
+        .arg(color.green())
+        .arg(color.blue())
+        .arg(qRound(alpha * 255));
+}
+
+/// A scroll bar without arrows and trough.
+QString scrollBarStyle(const QPalette& palette) {
+    const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
+    return QStringLiteral(
+               "QScrollBar:vertical { background: transparent; border: none; width: %1px; margin: 0; }"
+               "QScrollBar::handle:vertical { background: %2; border-radius: 3px; margin: 3px; "
+               "min-height: 32px; }"
+               "QScrollBar::handle:vertical:hover { background: %3; }"
+               "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
+               "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }")
+        .arg(scrollBarWidth)
+        .arg(rgba(text, 0.3), rgba(text, 0.5));
+}
+
+class SideListDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        const int width = option.fontMetrics.horizontalAdvance(index.data().toString());
+        return {width + iconSide(option) + 48, option.fontMetrics.height() * 9 / 4};
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        const bool isSelected = option.state & QStyle::State_Selected;
+        const QRectF row = QRectF(option.rect).adjusted(8, 2, -8, -2);
+        // The colour of the chosen row tells whether the keyboard is here.
+        const bool isAccented = isSelected && option.widget && option.widget->hasFocus();
+        if (isSelected || option.state & QStyle::State_MouseOver) {
+            QColor ground = option.palette.color(QPalette::Active, QPalette::WindowText);
+            ground.setAlphaF(isSelected ? 0.14F : 0.06F);
+            painter->setPen(Qt::NoPen);
+            painter->setBrush(isAccented ? option.palette.color(QPalette::Active, QPalette::Highlight)
+                                         : ground);
+            painter->drawRoundedRect(row, controlRadius, controlRadius);
+        }
+        const int side = iconSide(option);
+        const QRect iconPlace(qRound(row.left()) + 10, option.rect.center().y() - side / 2, side, side);
+        index.data(Qt::DecorationRole)
+            .value<QIcon>()
+            .paint(painter, iconPlace, Qt::AlignCenter, isAccented ? QIcon::Selected : QIcon::Normal);
+        painter->setPen(option.palette.color(QPalette::Active,
+                                             isAccented ? QPalette::HighlightedText : QPalette::WindowText));
+        painter->drawText(option.rect.adjusted(iconPlace.right() + 12, 0, -12, 0), Qt::AlignVCenter,
+                          index.data().toString());
+        painter->restore();
+    }
+
+private:
+    static int iconSide(const QStyleOptionViewItem& option) { return option.fontMetrics.height() * 5 / 4; }
+};
+
+std::unique_ptr<SettingsPaneWidget> makePane(SettingsPane pane, const SettingsCollaborators& collaborators,
+                                             bool& isTroubleshootingExpanded) {
+    switch (pane) {
+    case SettingsPane::layouts:
+        return std::make_unique<LayoutsPaneWidget>(collaborators);
+    case SettingsPane::automation:
+        return std::make_unique<AutomationSettingsWidget>(collaborators);
+    case SettingsPane::shortcuts:
+        return std::make_unique<ShortcutsPaneWidget>(collaborators);
+    case SettingsPane::apps:
+        return std::make_unique<AppsPaneWidget>(collaborators);
+    case SettingsPane::advanced:
+        return std::make_unique<AdvancedPaneWidget>(collaborators, isTroubleshootingExpanded);
+    }
+    return nullptr;
+}
+
+QString titleOf(SettingsPane pane) {
+    for (const SettingsPaneDescription& description : settingsPanes)
+        if (description.pane == pane)
+            return qText(description.title);
+    return {};
+}
+
+QWidget* makeHeader(SettingsPane pane, SettingsPaneWidget& widget) {
+    auto* header = new QWidget;
+    auto* line = new QHBoxLayout(header);
+    line->setContentsMargins(0, 0, 0, 0);
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(4);
+    texts->addWidget(makePaneTitle(titleOf(pane)));
+    if (const QString description = widget.description(); !description.isEmpty())
+        texts->addWidget(makeText(description, TextRole::secondary));
+    line->addLayout(texts, 1);
+    if (QWidget* control = widget.makeHeaderControl())
+        line->addWidget(control, 0, Qt::AlignTop);
+    return header;
+}
 
 } // namespace
 
-SettingsWindow::SettingsWindow(SettingsCollaborators collaborators)
-    : QWidget(nullptr, Qt::Window), collaborators_(std::move(collaborators)) {
+QtSettingsWindow::QtSettingsWindow(const SettingsCollaborators& collaborators)
+    : QWidget(nullptr, Qt::Window), collaborators_(collaborators) {
     setWindowTitle(QStringLiteral("Tavrin Settings"));
     setAttribute(Qt::WA_QuitOnClose, false);
     auto* layout = new QVBoxLayout(this);
@@ -28,22 +146,24 @@ SettingsWindow::SettingsWindow(SettingsCollaborators collaborators)
     connect(closeShortcut, &QShortcut::activated, this, &QWidget::close);
 }
 
-void SettingsWindow::open(SettingsPane pane, SettingsWindowSurface::ResetNotice notice) {
+void QtSettingsWindow::show(SettingsPane pane, ResetNotice notice) {
     notice_ = notice;
-    fill(pane);
+    selectedPane_ = pane;
+    isTroubleshootingExpanded_ = false;
+    fill();
     fitIntoScreen();
     setWindowState(windowState() & ~Qt::WindowMinimized);
-    show();
+    QWidget::show();
     raise();
     activateWindow();
-    rootView_->setFocus();
+    sideList_->setFocus();
 }
 
-bool SettingsWindow::event(QEvent* event) {
+bool QtSettingsWindow::event(QEvent* event) {
     switch (event->type()) {
     case QEvent::WindowActivate:
-        if (rootView_)
-            rootView_->appear();
+        if (pane_)
+            pane_->appear();
         break;
     case QEvent::ApplicationPaletteChange:
     case QEvent::ApplicationFontChange:
@@ -56,35 +176,64 @@ bool SettingsWindow::event(QEvent* event) {
     return QWidget::event(event);
 }
 
-void SettingsWindow::closeEvent(QCloseEvent* event) {
+void QtSettingsWindow::keyPressEvent(QKeyEvent* event) {
+    if (!pressFocusedControl(*event))
+        QWidget::keyPressEvent(event);
+}
+
+void QtSettingsWindow::closeEvent(QCloseEvent* event) {
     QWidget::closeEvent(event);
-    delete rootView_;
-    rootView_ = nullptr;
-    if (onClose)
-        onClose();
+    delete std::exchange(content_, nullptr);
+    pane_ = nullptr;
+    page_ = nullptr;
+    callCopy(onClose_);
 }
 
-void SettingsWindow::fill(SettingsPane pane) {
-    delete rootView_;
-    rootView_ = new SettingsRootView(collaborators_, pane, notice_);
-    layout()->addWidget(rootView_);
+void QtSettingsWindow::fill() {
+    delete content_;
+    page_ = nullptr;
+    content_ = new QWidget;
+    buildSideList();
+    auto* line = new QFrame;
+    line->setFixedWidth(1);
+    line->setAutoFillBackground(true);
+    QPalette linePalette = line->palette();
+    linePalette.setColor(QPalette::Window, lineColor(palette()));
+    line->setPalette(linePalette);
+
+    auto* columns = new QHBoxLayout(content_);
+    columns->setContentsMargins(0, 0, 0, 0);
+    columns->setSpacing(0);
+    auto* side = new QVBoxLayout;
+    side->setContentsMargins(0, 12, 0, 12);
+    side->addWidget(sideList_);
+    columns->addLayout(side);
+    columns->addWidget(line);
+    pageColumn_ = new QVBoxLayout;
+    columns->addLayout(pageColumn_, 1);
+    pageColumn_->setContentsMargins(0, 0, 0, 0);
+    pageColumn_->setSpacing(0);
+    if (notice_ == ResetNotice::shown)
+        pageColumn_->addWidget(makeNotice());
+    layout()->addWidget(content_);
+    showPane();
 }
 
-void SettingsWindow::refillSoon() {
+void QtSettingsWindow::refillSoon() {
     // A change of the desktop's look arrives in several parts.
-    if (!rootView_ || isRefillPending_)
+    if (!content_ || isRefillPending_)
         return;
     isRefillPending_ = true;
     QTimer::singleShot(0, this, [this] {
         isRefillPending_ = false;
-        if (!rootView_)
+        if (!content_)
             return;
-        fill(rootView_->selectedPane());
-        rootView_->setFocus();
+        fill();
+        sideList_->setFocus();
     });
 }
 
-void SettingsWindow::fitIntoScreen() {
+void QtSettingsWindow::fitIntoScreen() {
     const QScreen* screen = isVisible() ? this->screen() : QGuiApplication::screenAt(QCursor::pos());
     if (!screen)
         screen = QGuiApplication::primaryScreen();
@@ -96,6 +245,92 @@ void SettingsWindow::fitIntoScreen() {
         resize(contentSize.boundedTo(available.size()));
     hasBeenShown_ = true;
     move(available.center() - QPoint(width() / 2, height() / 2));
+}
+
+void QtSettingsWindow::buildSideList() {
+    sideList_ = new QListWidget;
+    sideList_->setAccessibleName(QStringLiteral("Settings panes"));
+    sideList_->setItemDelegate(new SideListDelegate(sideList_));
+    sideList_->setFrameShape(QFrame::NoFrame);
+    sideList_->setMouseTracking(true);
+    sideList_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    sideList_->viewport()->setAutoFillBackground(false);
+    for (const SettingsPaneDescription& description : settingsPanes) {
+        auto* item = new QListWidgetItem(symbolIcon(qText(description.symbol)), qText(description.title));
+        item->setData(Qt::UserRole, static_cast<int>(description.pane));
+        sideList_->addItem(item);
+        if (description.pane == selectedPane_)
+            sideList_->setCurrentItem(item);
+    }
+    sideList_->setFixedWidth(std::max(180, sideList_->sizeHintForColumn(0) + 24));
+    connect(sideList_, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
+        if (!item)
+            return;
+        selectedPane_ = static_cast<SettingsPane>(item->data(Qt::UserRole).toInt());
+        showPane();
+    });
+}
+
+QWidget* QtSettingsWindow::makeNotice() {
+    auto* row = new QWidget;
+    auto* line = new QHBoxLayout(row);
+    setRowMargins(*line);
+    line->setSpacing(12);
+    auto* icon = new QLabel;
+    const int side = fontMetrics().height() * 5 / 4;
+    icon->setPixmap(
+        symbolIcon(QStringLiteral("info.circle.fill"), palette().color(QPalette::Active, QPalette::Highlight))
+            .pixmap(QSize(side, side), devicePixelRatioF()));
+    line->addWidget(icon, 0, Qt::AlignTop);
+    line->addWidget(makeText(QStringLiteral(
+                        "Beta data was reset on this launch. Profiles, layouts, and settings start fresh.")),
+                    1);
+    auto* group = new SettingsGroup;
+    group->addRow(row);
+    auto* notice = new QWidget;
+    auto* margins = new QVBoxLayout(notice);
+    margins->setContentsMargins(sideMargin, 18, sideMargin, 0);
+    margins->addWidget(group);
+    return notice;
+}
+
+void QtSettingsWindow::showPane() {
+    delete page_;
+    auto pane = makePane(selectedPane_, collaborators_, isTroubleshootingExpanded_);
+    pane_ = pane.get();
+
+    auto* column = new QWidget;
+    column->setMaximumWidth(columnWidth);
+    auto* rows = new QVBoxLayout(column);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(20);
+    rows->addWidget(makeHeader(selectedPane_, *pane));
+    rows->addWidget(pane.release(), 1);
+
+    auto* body = new QWidget;
+    auto* centring = new QHBoxLayout(body);
+    centring->setContentsMargins(sideMargin, 22, sideMargin, 26);
+    centring->addWidget(column);
+
+    auto* scrollArea = new QScrollArea;
+    scrollArea->setFrameShape(QFrame::NoFrame);
+    scrollArea->setWidgetResizable(true);
+    scrollArea->setFocusPolicy(Qt::NoFocus);
+    scrollArea->setWidget(body);
+    QScrollBar* scrollBar = scrollArea->verticalScrollBar();
+    scrollBar->setStyleSheet(scrollBarStyle(palette()));
+    // The content keeps its width when the bar comes and goes.
+    connect(scrollBar, &QScrollBar::rangeChanged, centring, [centring](int least, int most) {
+        const int taken = most > least ? scrollBarWidth : 0;
+        centring->setContentsMargins(sideMargin, 22, sideMargin - taken, 26);
+    });
+    scrollArea->viewport()->setAutoFillBackground(false);
+    body->setAutoFillBackground(false);
+    page_ = scrollArea;
+    pageColumn_->addWidget(page_, 1);
+    // At once, or keys that are pressed right now would find no control yet.
+    page_->show();
+    pane_->appear();
 }
 
 } // namespace tavrin

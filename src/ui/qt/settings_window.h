@@ -1,38 +1,55 @@
 #pragma once
 
-#include "ui/settings_collaborators.h"
-#include "ui/settings_window_surface.h"
+#include "ui/settings_window.h"
+#include "ui/user_interface.h"
 
 #include <QWidget>
 
+class QListWidget;
+class QVBoxLayout;
+
 namespace tavrin {
 
-class SettingsRootView;
+class SettingsPaneWidget;
 
-/// The window around the settings. Its content lives only while it is open.
-class SettingsWindow final : public QWidget {
+/// The settings window made with Qt: the list of panes on the side and the chosen one beside it. The window
+/// is made once, and closing only hides it; its content lives while it is open. A pane is made each time it
+/// is chosen, so it always shows what the files hold.
+class QtSettingsWindow final : public QWidget, public SettingsWindowSurface {
 public:
-    explicit SettingsWindow(SettingsCollaborators collaborators);
+    explicit QtSettingsWindow(const SettingsCollaborators& collaborators);
 
-    /// Fills the window anew, centres it and brings it to the front.
-    void open(SettingsPane pane, SettingsWindowSurface::ResetNotice notice);
-
-    std::function<void()> onClose;
+    void show(SettingsPane pane, ResetNotice notice) override;
+    bool isOpen() override { return isVisible(); }
+    void setOnClose(std::function<void()> onClose) override { onClose_ = std::move(onClose); }
 
 protected:
     bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void fill(SettingsPane pane);
+    void fill();
     void refillSoon();
     void fitIntoScreen();
+    void buildSideList();
+    QWidget* makeNotice();
+    void showPane();
 
     SettingsCollaborators collaborators_;
-    SettingsWindowSurface::ResetNotice notice_ = SettingsWindowSurface::ResetNotice::hidden;
-    SettingsRootView* rootView_ = nullptr; ///< null while the window is closed
+    std::function<void()> onClose_;
+    ResetNotice notice_ = ResetNotice::hidden;
+    SettingsPane selectedPane_ = SettingsPane::layouts;
+    bool isTroubleshootingExpanded_ = false;
     bool isRefillPending_ = false;
     bool hasBeenShown_ = false;
+
+    // The content; null while the window is closed.
+    QWidget* content_ = nullptr;
+    QListWidget* sideList_ = nullptr;
+    QVBoxLayout* pageColumn_ = nullptr;
+    QWidget* page_ = nullptr;
+    SettingsPaneWidget* pane_ = nullptr;
 };
 
 } // namespace tavrin

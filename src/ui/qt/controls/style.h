@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QColor>
+#include <QPalette>
+
+class QFontMetrics;
+class QPainter;
+class QRectF;
+class QWidget;
+
+namespace tavrin {
+
+/// A control that is never squeezed below the size it asks for.
+template <class Control>
+class KeepsItsSize : public Control {
+public:
+    using Control::Control;
+    QSize minimumSizeHint() const final { return this->sizeHint(); }
+};
+
+/// Colours of the settings window, all made from the palette of the desktop, so that they fit light and
+/// dark ones alike.
+
+/// `share` of `b` (0 to 1) in `a`.
+QColor mixedColor(const QColor& a, const QColor& b, double share);
+
+/// The ground of grouped rows, a little apart from the window's.
+QColor groupColor(const QPalette& palette);
+/// Lines around and between rows.
+QColor lineColor(const QPalette& palette);
+/// The ground of small marks beside a name.
+QColor badgeColor(const QPalette& palette);
+
+/// Colours for texts and symbols that stand out from ordinary text on a ground like `palette`'s window.
+QColor secondaryTextColor(const QPalette& palette);
+QColor warningColor(const QPalette& palette);
+
+/// Buttons, fields and pickers look alike on every desktop: flat, rounded, one line high.
+inline constexpr double controlRadius = 6;
+int controlHeight(const QFontMetrics& metrics);
+
+/// The ground of a button or picker; `isDown` while it is pressed or its menu is open.
+void drawControlGround(QPainter& painter, const QWidget& control, bool isDown);
+/// The same in `ground`, for a button that stands out.
+void drawControlGround(QPainter& painter, const QWidget& control, bool isDown, const QColor& ground);
+/// The ground of a field that takes input.
+void drawFieldGround(QPainter& painter, const QWidget& field, const QColor& ground);
+/// The text of a control, greyed when it cannot be used.
+QColor controlTextColor(const QWidget& control);
+
+/// The ring around a control that has the keyboard's focus.
+void drawFocusRing(QPainter& painter, const QRectF& rect, double radius, const QPalette& palette);
+
+} // namespace tavrin
