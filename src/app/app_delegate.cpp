@@ -5,10 +5,19 @@
 #include <algorithm>
 
 namespace tavrin {
+namespace {
+
+/// The reset comes before any store reads a file.
+AppDataResetCoordinator resetIfNeeded(AppDataResetCoordinator coordinator) {
+    coordinator.applyIfNeeded();
+    return coordinator;
+}
+
+} // namespace
 
 AppDelegate::AppDelegate(const Platform& platform, UserInterfaceFactory& userInterface)
-    : platform_(platform), resetCoordinator_(paths(), platform_.userDefaults),
-      resetOutcome_(resetCoordinator_.applyIfNeeded()), displaySnapshotProvider_(platform_.screenList),
+    : platform_(platform), resetCoordinator_(resetIfNeeded({paths(), platform_.userDefaults})),
+      displaySnapshotProvider_(platform_.screenList),
       windowListProvider_(platform_.windowList, platform_.runningApplications),
       axWindowSnapshotProvider_(platform_.runningApplications, platform_.windowElements),
       windowMover_(platform_.windowElements), runningApplicationResolver_(platform_.runningApplications),
@@ -31,6 +40,11 @@ AppDelegate::AppDelegate(const Platform& platform, UserInterfaceFactory& userInt
                        .pidResolver = runningApplicationResolver_,
                        .permissionService = permissionService_},
                       platform_.applicationHost.bundlePath()),
+      layoutRestorer_({.profileProvider = profileStore_,
+                       .restoreService = restoreService_,
+                       .restoreDebugStore = restoreDebugStore_,
+                       .clock = platform_.clock,
+                       .refreshPermission = [this] { permissionStatusViewModel_.refresh(); }}),
       autoRestoreCoordinator_({.settingsProvider = settingsStore_,
                                .profileProvider = profileStore_,
                                .restoreService = restoreService_,
@@ -49,6 +63,7 @@ AppDelegate::AppDelegate(const Platform& platform, UserInterfaceFactory& userInt
           .captureService = captureService_,
           .profileStore = profileStore_,
           .restoreDebugStore = restoreDebugStore_,
+          .layoutRestorer = layoutRestorer_,
           .launchAtLoginService = launchAtLoginService_,
           .windowProvider = windowListProvider_,
           .displaySnapshotProvider = displaySnapshotProvider_,
@@ -62,11 +77,6 @@ AppDelegate::AppDelegate(const Platform& platform, UserInterfaceFactory& userInt
           .dataDirectory = paths().rootURL,
           .processIdentifier = platform_.processIdentifier,
           .saveCurrentLayout = [this](const Rect& beside) { capturePopoverController_.show(beside); },
-          .restoreLayout =
-              [this](const Uuid& layoutID) {
-                  return statusItemController_ ? statusItemController_->restoreLayout(layoutID)
-                                               : std::nullopt;
-              },
       })),
       settingsWindowController_(*settingsWindow_, platform_.applicationHost, resetCoordinator_),
       capturePopoverController_(captureService_, profileStore_, currentProfileViewModel_,
@@ -83,14 +93,12 @@ void AppDelegate::applicationDidFinishLaunching() {
             .profileListViewModel = profileListViewModel_,
             .capturePopoverController = capturePopoverController_,
             .profileStore = profileStore_,
-            .restoreService = restoreService_,
-            .restoreDebugStore = restoreDebugStore_,
+            .layoutRestorer = layoutRestorer_,
             .shortcutManager = shortcutManager_,
             .statusItem = platform_.statusItem,
             .host = platform_.applicationHost,
             .linkOpener = platform_.linkOpener,
             .scheduler = platform_.scheduler,
-            .clock = platform_.clock,
         });
 
     // The services that call back live in this object, so these callbacks cannot outlive it.
@@ -98,7 +106,9 @@ void AppDelegate::applicationDidFinishLaunching() {
         statusItemController_->showRestoreFeedback(result);
     };
     shortcutManager_.onAutoDetect = [this] { restoreMatchedDefaultLayout(); };
-    shortcutManager_.onLayoutRestore = [this](const Uuid& layoutID) { restoreLayout(layoutID); };
+    shortcutManager_.onLayoutRestore = [this](const Uuid& layoutID) {
+        layoutRestorer_.restore(layoutID, RestoreTriggerSource::shortcut);
+    };
 
     permissionSubscription_ = permissionStatusViewModel_.state.subscribe(
         [this](AccessibilityPermissionState state) { permissionChanged(state); });
@@ -147,22 +157,7 @@ void AppDelegate::restoreMatchedDefaultLayout() {
     refresh();
     if (const auto layout =
             MatchedDefaultLayoutResolver(profileStore_).resolve(displaySnapshotProvider_.currentSnapshot()))
-        restoreByShortcut(*layout);
-}
-
-void AppDelegate::restoreLayout(const Uuid& layoutID) {
-    permissionStatusViewModel_.refresh();
-    const auto layouts = profileStore_.loadLayouts();
-    if (!layouts)
-        return;
-    if (const auto layout = std::ranges::find(*layouts, layoutID, &SavedLayout::id); layout != layouts->end())
-        restoreByShortcut(*layout);
-}
-
-void AppDelegate::restoreByShortcut(const SavedLayout& layout) {
-    const RestoreResult result = restoreService_.restore(layout);
-    restoreDebugStore_.record(platform_.clock.now(), RestoreTriggerSource::shortcut, layout, result);
-    statusItemController_->showRestoreFeedback(result);
+        layoutRestorer_.restore(*layout, RestoreTriggerSource::shortcut);
 }
 
 } // namespace tavrin

@@ -36,13 +36,10 @@ private:
     void permissionChanged(AccessibilityPermissionState state);
     void refresh();
     void restoreMatchedDefaultLayout();
-    void restoreLayout(const Uuid& layoutID);
-    void restoreByShortcut(const SavedLayout& layout);
 
     // In the order in which they are built: each uses only what stands above it.
     Platform platform_;
     AppDataResetCoordinator resetCoordinator_;
-    AppDataResetCoordinator::Outcome resetOutcome_; ///< the reset comes before any store reads a file
     DisplaySnapshotProvider displaySnapshotProvider_;
     WindowListProvider windowListProvider_;
     AXWindowSnapshotProvider axWindowSnapshotProvider_;
@@ -58,6 +55,7 @@ private:
     RestoreDebugStore restoreDebugStore_;
     CaptureService captureService_;
     RestoreService restoreService_;
+    LayoutRestorer layoutRestorer_;
     AutoRestoreCoordinator autoRestoreCoordinator_;
     LaunchAtLoginService launchAtLoginService_;
     std::unique_ptr<PopoverSurface> popover_;

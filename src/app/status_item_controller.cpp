@@ -14,11 +14,11 @@ StatusItemController::StatusItemController(Collaborators collaborators) : collab
         [this](MenuAction action, const std::optional<Uuid>& layoutID) { perform(action, layoutID); });
     const auto rebuild = [this](const auto&) { rebuildMenuSoon(); };
     subscriptions_.push_back(collaborators_.permissionStatusViewModel.state.subscribe(rebuild));
-    subscriptions_.push_back(collaborators_.currentProfileViewModel.currentProfileName.subscribe(rebuild));
-    subscriptions_.push_back(collaborators_.currentProfileViewModel.suggestedProfileName.subscribe(rebuild));
-    subscriptions_.push_back(collaborators_.currentProfileViewModel.currentProfileID.subscribe(rebuild));
+    subscriptions_.push_back(collaborators_.currentProfileViewModel.setup.subscribe(rebuild));
     subscriptions_.push_back(collaborators_.profileListViewModel.profiles.subscribe(rebuild));
     subscriptions_.push_back(collaborators_.shortcutManager.layoutShortcuts.subscribe(rebuild));
+    subscriptions_.push_back(collaborators_.layoutRestorer.restored.connect(
+        [this](const RestoreResult& result) { showRestoreFeedback(result); }));
     statusItem.show();
 }
 
@@ -41,7 +41,7 @@ void StatusItemController::perform(MenuAction action, const std::optional<Uuid>&
         return layoutID ? quickUpdateLayout(*layoutID) : void();
     case MenuAction::restoreLayout:
         if (layoutID)
-            restoreLayout(*layoutID);
+            collaborators_.layoutRestorer.restore(*layoutID, RestoreTriggerSource::menuBar);
         return;
     case MenuAction::confirmSuggestedProfile:
         collaborators_.currentProfileViewModel.confirmSuggestedProfile();
@@ -57,18 +57,6 @@ void StatusItemController::perform(MenuAction action, const std::optional<Uuid>&
     case MenuAction::quit:
         return collaborators_.host.terminate();
     }
-}
-
-std::optional<RestoreResult> StatusItemController::restoreLayout(const Uuid& layoutID) {
-    collaborators_.permissionStatusViewModel.refresh();
-    const auto saved = layout(layoutID);
-    if (!saved)
-        return std::nullopt;
-    const RestoreResult result = collaborators_.restoreService.restore(*saved);
-    collaborators_.restoreDebugStore.record(collaborators_.clock.now(), RestoreTriggerSource::menuBar, *saved,
-                                            result);
-    showRestoreFeedback(result);
-    return result;
 }
 
 void StatusItemController::quickUpdateLayout(const Uuid& layoutID) {
@@ -90,20 +78,20 @@ void StatusItemController::showNormalIcon() {
 
 void StatusItemController::rebuildMenu() {
     rebuildTask_.release();
-    CurrentProfileViewModel& current = collaborators_.currentProfileViewModel;
+    const CurrentSetup& current = collaborators_.currentProfileViewModel.setup.value();
     const auto& profiles = collaborators_.profileListViewModel.profiles.value();
     // The list may be newer: choosing a default layout reads only it again.
-    auto matched = current.currentProfile();
+    auto matched = current.profile;
     if (matched)
         if (const auto listed = std::ranges::find(profiles, matched->id, &MonitorProfile::id);
             listed != profiles.end())
             matched = *listed;
     collaborators_.statusItem.setMenu(statusItemMenu(
         {.permission = collaborators_.permissionStatusViewModel.state.value(),
-         .currentProfileName = current.currentProfileName.value(),
-         .suggestedProfileName = current.suggestedProfileName.value(),
-         .matchExplanation = current.matchExplanation.value(),
-         .requiresConfirmation = current.requiresConfirmation.value(),
+         .currentProfileName = current.currentProfileName(),
+         .suggestedProfileName = current.suggestedProfileName(),
+         .matchExplanation = current.matchExplanation,
+         .requiresConfirmation = current.requiresConfirmation(),
          .matchedProfile = std::move(matched),
          .profiles = profiles,
          .layouts = collaborators_.profileStore.loadLayouts().value_or(std::vector<SavedLayout>{}),

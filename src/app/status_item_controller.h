@@ -5,7 +5,7 @@
 #include "ports/services.h"
 #include "ports/session.h"
 #include "ports/status_item.h"
-#include "restore/restore_debug_store.h"
+#include "restore/layout_restorer.h"
 #include "shortcuts/shortcut_manager.h"
 #include "ui/permission_status_view_model.h"
 #include "ui/save_popover.h"
@@ -26,14 +26,12 @@ public:
         ProfileListViewModel& profileListViewModel;
         CapturePopoverController& capturePopoverController;
         ProfileStore& profileStore;
-        RestoreServicing& restoreService;
-        RestoreDebugStore& restoreDebugStore;
+        LayoutRestorer& layoutRestorer;
         ShortcutManager& shortcutManager;
         StatusItemSurface& statusItem;
         ApplicationHost& host;
         LinkOpener& linkOpener;
         Scheduler& scheduler;
-        WallClock& clock;
     };
 
     static constexpr Seconds feedbackDuration{1.5};
@@ -44,10 +42,6 @@ public:
 
     /// Shows on the icon for a moment how a restore went.
     void showRestoreFeedback(const RestoreResult& result);
-
-    /// As choosing the layout in the menu: restores it, records the attempt and shows the feedback. Does
-    /// nothing when the layout is gone.
-    std::optional<RestoreResult> restoreLayout(const Uuid& layoutID);
 
 private:
     void perform(MenuAction action, const std::optional<Uuid>& layoutID);

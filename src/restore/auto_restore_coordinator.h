@@ -4,7 +4,7 @@
 #include "ports/runtime.h"
 #include "ports/services.h"
 #include "ports/session.h"
-#include "restore/restore_debug_store.h"
+#include "restore/layout_restorer.h"
 
 #include <functional>
 #include <optional>

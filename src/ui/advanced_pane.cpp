@@ -76,7 +76,7 @@ AdvancedPane::AdvancedPane(const SettingsCollaborators& collaborators, bool& isT
     };
     subscriptions_.push_back(collaborators_.permissionStatusViewModel.state.subscribe(tell));
     subscriptions_.push_back(collaborators_.restoreDebugStore.lastAttempt.subscribe(tell));
-    subscriptions_.push_back(collaborators_.currentProfileViewModel.matchExplanation.subscribe(tell));
+    subscriptions_.push_back(collaborators_.currentProfileViewModel.setup.subscribe(tell));
 }
 
 void AdvancedPane::appear() {
@@ -130,7 +130,7 @@ bool AdvancedPane::openDataDirectory() {
 void AdvancedPane::readReport() {
     const DesktopFacts desktop = collaborators_.desktopInformation.currentFacts();
     const auto displays = collaborators_.displaySnapshotProvider.currentSnapshot();
-    const CurrentProfileViewModel& current = collaborators_.currentProfileViewModel;
+    const CurrentSetup& current = collaborators_.currentProfileViewModel.setup.value();
     report_ = {.program = {{"Tavrin", orUnknown(collaborators_.host.shortVersion())},
                            {"Program", collaborators_.host.bundlePath().string()},
                            {"Toolkit", orUnknown(desktop.toolkitVersion)},
@@ -140,7 +140,7 @@ void AdvancedPane::readReport() {
                            {"Permission", permissionTitle()}},
                .displays = describeDisplays(displays),
                .arrangementSignature = MonitorProfileMatcher{}.makeFingerprint(displays).arrangementSignature,
-               .setup = current.matchExplanation.value().value_or("not looked at yet"),
+               .setup = current.matchExplanation.value_or("not looked at yet"),
                .dataDirectory = collaborators_.dataDirectory};
     if (const auto& attempt = lastAttempt()) {
         report_.lastAttempt = {{"Time", iso8601Text(attempt->date)},

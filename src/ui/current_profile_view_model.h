@@ -7,28 +7,34 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tavrin {
 
-/// Which saved display setup is connected now, or which one is suggested, as the interface shows it.
+/// Which saved display setup is connected, as the interface shows it.
+struct CurrentSetup {
+    std::optional<MonitorProfile> profile;  ///< the setup matched exactly; absent otherwise
+    std::vector<MonitorProfile> candidates; ///< best first: one is suggested, several are too alike to choose
+    std::optional<std::string> matchExplanation; ///< absent before the first refresh
+    std::string arrangementSignature;            ///< of the displays that were matched
+
+    bool operator==(const CurrentSetup&) const = default;
+
+    bool requiresConfirmation() const { return !candidates.empty(); }
+    std::optional<std::string> currentProfileName() const;
+    /// The names of all candidates, joined with ", "; absent when there is none.
+    std::optional<std::string> suggestedProfileName() const;
+    /// The one setup that waits for a confirmation; absent also when several are similar.
+    std::optional<Uuid> suggestedProfileID() const;
+};
+
+/// Keeps the current setup. Its observers get one change for each refresh that changed something.
 class CurrentProfileViewModel {
 public:
     CurrentProfileViewModel(DisplaySnapshotProviding& displaySnapshotProvider, ProfileStore& profileStore)
         : displaySnapshotProvider_(displaySnapshotProvider), profileStore_(profileStore) {}
 
-    Observable<std::optional<std::string>> currentProfileName;
-    Observable<std::optional<std::string>> suggestedProfileName;
-    Observable<std::optional<std::string>> matchExplanation;
-    Observable<bool> requiresConfirmation{false};
-    Observable<std::optional<Uuid>> currentProfileID; ///< setups may share a name
-
-    /// After every refresh, when all of this is up to date.
-    Signal<> refreshed;
-
-    /// The profile matched exactly at the last refresh; absent otherwise.
-    const std::optional<MonitorProfile>& currentProfile() const { return currentProfile_; }
-    /// The one profile that waits for a confirmation; absent otherwise, also when several are similar.
-    const std::optional<Uuid>& suggestedProfileID() const { return latestSuggestedProfileID_; }
+    Observable<CurrentSetup> setup;
 
     /// Reads profiles and displays again and publishes the verdict.
     void refresh();
@@ -37,25 +43,13 @@ public:
     /// a suggestion.
     void confirmSuggestedProfile();
 
-private:
-    struct Published {
-        std::optional<std::string> currentName;
-        std::optional<std::string> suggestedName;
-        std::optional<std::string> explanation;
-        bool requiresConfirmation = false;
-    };
-    void publish(const Published& published);
-    Published published(const match::Exact& exact);
-    Published published(const match::Suggested& suggested);
-    Published published(const match::Ambiguous& ambiguous);
-    Published published(const match::NoMatch&);
+    /// The same for one of the candidates. Does nothing when it is none of them.
+    void confirm(const Uuid& profileID);
 
+private:
     DisplaySnapshotProviding& displaySnapshotProvider_;
     MonitorProfileMatcher matcher_;
     ProfileStore& profileStore_;
-    std::optional<MonitorProfile> currentProfile_;
-    std::optional<Uuid> latestSuggestedProfileID_;
-    std::optional<std::string> latestSnapshotSignature_;
 };
 
 } // namespace tavrin

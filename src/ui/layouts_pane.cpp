@@ -93,7 +93,8 @@ std::string failureText(const CaptureService::Error& error) {
 
 LayoutsPane::LayoutsPane(const SettingsCollaborators& collaborators) : collaborators_(collaborators) {
     subscriptions_.push_back(collaborators_.profileListViewModel.reloaded.connect([this] { publish(); }));
-    subscriptions_.push_back(collaborators_.currentProfileViewModel.refreshed.connect([this] { publish(); }));
+    subscriptions_.push_back(
+        collaborators_.currentProfileViewModel.setup.subscribe([this](const auto&) { publish(); }));
     subscriptions_.push_back(
         collaborators_.shortcutManager.layoutShortcuts.subscribe([this](const auto&) { publish(); }));
 }
@@ -113,9 +114,9 @@ void LayoutsPane::confirmSuggestion() {
 }
 
 void LayoutsPane::restore(const Uuid& layoutID) {
-    if (!collaborators_.restoreLayout || !find(layoutID))
+    if (!find(layoutID))
         return;
-    const auto result = collaborators_.restoreLayout(layoutID);
+    const auto result = collaborators_.layoutRestorer.restore(layoutID, RestoreTriggerSource::menuBar);
     statusLayoutID_ = layoutID;
     status_ = result ? fmt::format("Restored: {} of {} in place.", result->matched,
                                    windowCountText(static_cast<std::size_t>(result->totalSaved)))
@@ -233,15 +234,15 @@ std::optional<LayoutsPane::Found> LayoutsPane::find(const Uuid& layoutID) const 
 }
 
 LayoutsPaneContent LayoutsPane::read() const {
-    const CurrentProfileViewModel& current = collaborators_.currentProfileViewModel;
+    const CurrentSetup& current = collaborators_.currentProfileViewModel.setup.value();
     LayoutsPaneContent content{.suggestion = suggestion(),
-                               .currentSetupText = current.matchExplanation.value().value_or("")};
+                               .currentSetupText = current.matchExplanation.value_or("")};
     const auto layouts = collaborators_.profileStore.loadLayouts().value_or(std::vector<SavedLayout>{});
     const auto& shortcuts = collaborators_.shortcutManager.layoutShortcuts.value();
     for (const MonitorProfile& profile : collaborators_.profileListViewModel.profiles.value()) {
         SetupCard setup{.id = profile.id,
                         .name = profile.name,
-                        .isCurrent = current.currentProfile() && current.currentProfile()->id == profile.id,
+                        .isCurrent = current.profile && current.profile->id == profile.id,
                         .detail = fmt::format("{} · {}", displaysText(profile),
                                               ProfileListViewModel::associationCountText(profile))};
         for (const SavedLayout& layout : layouts) {
@@ -272,12 +273,12 @@ LayoutsPaneContent LayoutsPane::read() const {
 }
 
 std::optional<SetupSuggestion> LayoutsPane::suggestion() const {
-    const CurrentProfileViewModel& current = collaborators_.currentProfileViewModel;
-    if (!current.requiresConfirmation.value())
+    const CurrentSetup& current = collaborators_.currentProfileViewModel.setup.value();
+    if (!current.requiresConfirmation())
         return std::nullopt;
     return SetupSuggestion{.title = fmt::format("{}: {}", suggestedMatchExplanation().title,
-                                                current.suggestedProfileName.value().value_or("")),
-                           .message = current.matchExplanation.value().value_or(""),
+                                                current.suggestedProfileName().value_or("")),
+                           .message = current.matchExplanation.value_or(""),
                            .canConfirm = current.suggestedProfileID().has_value()};
 }
 

@@ -53,7 +53,7 @@ ShortcutsPane::ShortcutsPane(Collaborators collaborators) : collaborators_(colla
     recorders_[std::nullopt] = makeRecorder(std::nullopt);
     subscriptions_.push_back(collaborators_.profileListViewModel.reloaded.connect([this] { readGroups(); }));
     subscriptions_.push_back(
-        collaborators_.currentProfileViewModel.refreshed.connect([this] { readGroups(); }));
+        collaborators_.currentProfileViewModel.setup.subscribe([this](const auto&) { readGroups(); }));
     ShortcutManager& manager = collaborators_.shortcutManager;
     subscriptions_.push_back(manager.autoDetectShortcut.subscribe([this](const auto&) { readCombos(); }));
     subscriptions_.push_back(manager.layoutShortcuts.subscribe([this](const auto&) { readCombos(); }));
@@ -84,7 +84,7 @@ ShortcutRecorderView& ShortcutsPane::recorder(const std::optional<Uuid>& layoutI
 
 void ShortcutsPane::readGroups() {
     const auto layouts = collaborators_.profileStore.loadLayouts().value_or(std::vector<SavedLayout>{});
-    const auto& current = collaborators_.currentProfileViewModel.currentProfile();
+    const auto& current = collaborators_.currentProfileViewModel.setup.value().profile;
     std::vector<Group> groups;
     Recorders recorders;
     recorders[std::nullopt] = std::move(recorders_[std::nullopt]);

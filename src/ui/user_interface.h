@@ -2,7 +2,7 @@
 
 #include "capture/capture_service.h"
 #include "ports/platform.h"
-#include "restore/restore_debug_store.h"
+#include "restore/layout_restorer.h"
 #include "session/launch_at_login_service.h"
 #include "shortcuts/shortcut_manager.h"
 #include "ui/permission_status_view_model.h"
@@ -24,6 +24,7 @@ struct SettingsCollaborators {
     CaptureService& captureService;
     ProfileStore& profileStore;
     RestoreDebugStore& restoreDebugStore;
+    LayoutRestorer& layoutRestorer;
     LaunchAtLoginService& launchAtLoginService;
     WindowListProviding& windowProvider;
     DisplaySnapshotProviding& displaySnapshotProvider;
@@ -38,8 +39,6 @@ struct SettingsCollaborators {
     ProcessID processIdentifier;         ///< of this program
     /// Asks for a name beside that place (see `PopoverSurface`) and saves, as the menu does.
     std::function<void(const Rect& beside)> saveCurrentLayout;
-    /// Restores as the menu does; absent when the layout is gone or cannot be read.
-    std::function<std::optional<RestoreResult>(const Uuid&)> restoreLayout;
 };
 
 /// Makes the windows of one toolkit.

@@ -93,11 +93,12 @@ protected:
     ProfileListViewModel list{store};
     ShortcutManager shortcuts{settings, keys, time};
     RestoreDebugStore debugStore;
+    LayoutRestorer restorer{{store, restores, debugStore, time, [this] { permissionModel.refresh(); }}};
     CaptureService capture{{windows, nullptr, store, settings, displays, time}, 4711};
     SettingsWindowController settingsWindow{host, host, AppDataResetCoordinator{paths, defaults}};
     CapturePopoverController capturePopover{capture, store, current, list, popover};
     StatusItemController controller{{permissionModel, settingsWindow, current, list, capturePopover, store,
-                                     restores, debugStore, shortcuts, item, host, host, time, time}};
+                                     restorer, shortcuts, item, host, host, time}};
 
     void SetUp() override {
         displays.snapshot = testing::desk();
@@ -139,7 +140,7 @@ TEST_F(StatusItemTest, SavesThroughThePopoverAndUpdatesWithoutIt) {
 TEST_F(StatusItemTest, MakesTheProfileBeforeANameIsTyped) {
     item.chosen(MenuAction::saveCurrentLayout, {});
     EXPECT_EQ(list.profiles.value().size(), 1u);
-    EXPECT_EQ(current.currentProfileName.value(), "2-Display Setup");
+    EXPECT_EQ(current.setup.value().currentProfileName(), "2-Display Setup");
     popover.view.reset();
     files.files["/data/profiles.json"] = "broken";
     item.chosen(MenuAction::saveCurrentLayout, {});

@@ -211,26 +211,26 @@ TEST_F(CurrentProfileTest, PublishesEachVerdict) {
     displays.snapshot = desk();
     create(similar("Studio", 2, 2, 0));
     model.refresh();
-    EXPECT_EQ(model.suggestedProfileName.value(), "Studio");
-    EXPECT_TRUE(model.requiresConfirmation.value() && model.suggestedProfileID());
+    EXPECT_EQ(model.setup.value().suggestedProfileName(), "Studio");
+    EXPECT_TRUE(model.setup.value().requiresConfirmation() && model.setup.value().suggestedProfileID());
 
     create(similar("Desk", 2, 2, 0));
     model.refresh();
-    EXPECT_EQ(model.suggestedProfileName.value(), "Desk, Studio");
-    EXPECT_TRUE(model.requiresConfirmation.value());
-    EXPECT_FALSE(model.suggestedProfileID()) << "several similar setups are no suggestion";
+    EXPECT_EQ(model.setup.value().suggestedProfileName(), "Desk, Studio");
+    EXPECT_TRUE(model.setup.value().requiresConfirmation());
+    EXPECT_FALSE(model.setup.value().suggestedProfileID()) << "several similar setups are no suggestion";
     model.confirmSuggestedProfile();
-    EXPECT_FALSE(model.currentProfileName.value()) << "and cannot be confirmed";
+    EXPECT_FALSE(model.setup.value().currentProfileName()) << "and cannot be confirmed";
 
     create(profile("Exact", desk()));
     model.refresh();
-    EXPECT_EQ(model.currentProfileName.value(), "Exact");
-    EXPECT_FALSE(model.requiresConfirmation.value() || model.suggestedProfileName.value());
+    EXPECT_EQ(model.setup.value().currentProfileName(), "Exact");
+    EXPECT_FALSE(model.setup.value().requiresConfirmation() || model.setup.value().suggestedProfileName());
 
     files.files["/data/profiles.json"] = "{";
     model.refresh();
-    EXPECT_EQ(model.matchExplanation.value(), "Tavrin could not load saved display setup metadata.");
-    EXPECT_FALSE(model.currentProfileName.value() || model.currentProfile());
+    EXPECT_EQ(model.setup.value().matchExplanation, "Tavrin could not load saved display setup metadata.");
+    EXPECT_FALSE(model.setup.value().currentProfileName() || model.setup.value().profile);
 }
 
 } // namespace

@@ -93,7 +93,7 @@ TEST_F(AdvancedPaneTest, ReportsForTroubleshootingWithoutWindowTitles) {
               "Arrangement: external:0.000:0.000:0.500:1.000:1:1920x1080|internal:0.500:0.000:0.500:1.000:1:"
               "1920x1080\n"
               "Setup: " +
-                  *current.matchExplanation.value() +
+                  *current.setup.value().matchExplanation +
                   "\n\n"
                   "Last restore\n"
                   "Time: 1970-01-01T00:00:00Z\n"

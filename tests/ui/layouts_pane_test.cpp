@@ -116,7 +116,7 @@ TEST_F(LayoutsPaneTest, RenamesASetupEverywhere) {
     pane.renameSetup(deskID, " ");
     pane.renameSetup(deskID, "Office");
     EXPECT_EQ(shown(), "Office: Work Play. Home: Evening. ");
-    EXPECT_EQ(current.currentProfileName.value(), "Office");
+    EXPECT_EQ(current.setup.value().currentProfileName(), "Office");
 }
 
 TEST_F(LayoutsPaneTest, NamesWhatADeletionCosts) {
@@ -211,10 +211,11 @@ TEST_F(LayoutsPaneTest, UpdatesALayoutWithTheWindowsOfNow) {
 }
 
 TEST_F(LayoutsPaneTest, RestoresAndSavesThroughTheProgram) {
-    restoreResult = RestoreResult(2, 1, 1, {"Editor: no"});
+    restores.results = {RestoreResult(2, 1, 1, {"Editor: no"})};
     pane.restore(workID);
     pane.restore(Uuid::random());
-    EXPECT_EQ(restored, std::vector{workID});
+    ASSERT_EQ(restores.restored.size(), 1U);
+    EXPECT_EQ(restores.restored.front().id, workID);
     EXPECT_EQ(card(workID).status, "Restored: 1 of 2 windows in place.");
     pane.saveLayout({10, 20, 80, 20});
     EXPECT_EQ(host.log, "save ");

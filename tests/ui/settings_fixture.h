@@ -58,8 +58,8 @@ public:
                             .displaySnapshotProvider = displays,
                             .clock = time},
                            4711};
-    std::vector<Uuid> restored;
-    std::optional<RestoreResult> restoreResult;
+    ScriptedRestores restores;
+    LayoutRestorer restorer{{store, restores, attempts, time, [] {}}};
     Rect savedBeside;
     SettingsCollaborators collaborators{.permissionStatusViewModel = permissionModel,
                                         .profileListViewModel = list,
@@ -69,6 +69,7 @@ public:
                                         .captureService = capture,
                                         .profileStore = store,
                                         .restoreDebugStore = attempts,
+                                        .layoutRestorer = restorer,
                                         .launchAtLoginService = launchAtLogin,
                                         .windowProvider = windows,
                                         .displaySnapshotProvider = displays,
@@ -81,16 +82,10 @@ public:
                                         .clock = time,
                                         .dataDirectory = "/data",
                                         .processIdentifier = 4711,
-                                        .saveCurrentLayout =
-                                            [this](const Rect& beside) {
-                                                host.log += "save ";
-                                                savedBeside = beside;
-                                            },
-                                        .restoreLayout =
-                                            [this](const Uuid& layoutID) {
-                                                restored.push_back(layoutID);
-                                                return restoreResult;
-                                            }};
+                                        .saveCurrentLayout = [this](const Rect& beside) {
+                                            host.log += "save ";
+                                            savedBeside = beside;
+                                        }};
     Uuid deskID, homeID, workID, playID, eveningID;
 
     SettingsFixture() {
