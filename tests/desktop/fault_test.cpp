@@ -138,7 +138,8 @@ TEST_F(FaultTest, FiveHundredWindowsAreSavedAndRestored) {
     ASSERT_TRUE(program().saveLayout("Many"));
     for (const auto window : all)
         tell(window, {400, 300, 250, 200});
-    ASSERT_TRUE(waitUntil([&] { return seen(all.back()).x == 400; }));
+    for (const auto window : all)
+        ASSERT_TRUE(waitUntil([&] { return seen(window).x == 400; }));
     ASSERT_TRUE(program().restoreLayout("Many"));
     // In the order in which they are moved, so that each has the whole time of a wait.
     for (std::size_t i = all.size(); i-- > 0;)
