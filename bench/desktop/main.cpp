@@ -267,7 +267,7 @@ void measureStarts(const QString& folder) {
         own.push_back(measureStart(desktop, folder + "/tavrin"));
         empty.push_back(measureStart(desktop, folder + "/tavrin-bench-empty-tray"));
     }
-    const auto figures = [](const std::vector<Start>& starts, double Start::*member) {
+    const auto figures = [](const std::vector<Start>& starts, double Start::* member) {
         std::vector<double> values;
         for (const auto& start : starts)
             values.push_back(start.*member);
@@ -275,7 +275,7 @@ void measureStarts(const QString& folder) {
     };
     fmt::print("\nStart to the status item\n\n"
                "| | Tavrin | empty Qt tray program | ratio |\n|---|---:|---:|---:|\n");
-    const auto row = [&](const char* name, double Start::*member) {
+    const auto row = [&](const char* name, double Start::* member) {
         const double a = figures(own, member), b = figures(empty, member);
         fmt::print("| {} | {:.1f} | {:.1f} | {:.2f} |\n", name, a, b, a / b);
     };

@@ -14,19 +14,19 @@ enum class Presence { required, defaulted };
 template <class Record, class Value>
 struct Field {
     const char* key;
-    Value Record::*member;
+    Value Record::* member;
     Presence presence;
 };
 
 /// A key that must be there, unless the member is a `std::optional`.
 template <class Record, class Value>
-constexpr Field<Record, Value> field(const char* key, Value Record::*member) {
+constexpr Field<Record, Value> field(const char* key, Value Record::* member) {
     return {key, member, Presence::required};
 }
 
 /// A key that keeps the member's default when it is missing; it is always written.
 template <class Record, class Value>
-constexpr Field<Record, Value> defaultedField(const char* key, Value Record::*member) {
+constexpr Field<Record, Value> defaultedField(const char* key, Value Record::* member) {
     return {key, member, Presence::defaulted};
 }
 

@@ -26,14 +26,10 @@ namespace tavrin::json {
 using Json = nlohmann::json;
 
 template <class T>
-concept Record = requires {
-    T::fields();
-};
+concept Record = requires { T::fields(); };
 
 template <class T>
-concept TextEnum = std::is_enum_v<T> && requires(T value) {
-    enumTexts(value);
-};
+concept TextEnum = std::is_enum_v<T> && requires(T value) { enumTexts(value); };
 
 template <class T>
 inline constexpr bool isOptional = false;

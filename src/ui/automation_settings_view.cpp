@@ -21,7 +21,7 @@ void AutomationSettingsView::appear() {
     changed.emit();
 }
 
-void AutomationSettingsView::setEventSwitch(bool AppSettings::*field, bool isOn) {
+void AutomationSettingsView::setEventSwitch(bool AppSettings::* field, bool isOn) {
     change(field, isOn);
     changed.emit();
 }
@@ -52,7 +52,7 @@ void AutomationSettingsView::setLaunchAtLogin(bool isOn) {
     changed.emit();
 }
 
-void AutomationSettingsView::change(bool AppSettings::*field, bool isOn) {
+void AutomationSettingsView::change(bool AppSettings::* field, bool isOn) {
     // The file may have changed in other panes since; their part of it must not be taken back.
     const bool before = settings_.*field;
     if (auto loaded = collaborators_.settingsStore.load())

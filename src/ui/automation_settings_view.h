@@ -30,7 +30,7 @@ public:
 
     struct EventSwitch {
         std::string_view label;
-        bool AppSettings::*field;
+        bool AppSettings::* field;
     };
     static constexpr std::array eventSwitches = {
         EventSwitch{"Restore on monitor connect", &AppSettings::autoRestoreOnConnect},
@@ -63,7 +63,7 @@ public:
     const std::map<Uuid, Uuid>& defaultLayoutSelections() const { return defaultLayoutSelections_; }
     const std::optional<std::string>& launchAtLoginError() const { return launchAtLoginError_; }
 
-    void setEventSwitch(bool AppSettings::*field, bool isOn);
+    void setEventSwitch(bool AppSettings::* field, bool isOn);
     /// An absent layout clears the default.
     void chooseDefaultLayout(const Uuid& profileID, std::optional<Uuid> layoutID);
     void setLaunchAtLogin(bool isOn);
@@ -73,7 +73,7 @@ public:
 
 private:
     void readSetups();
-    void change(bool AppSettings::*field, bool isOn);
+    void change(bool AppSettings::* field, bool isOn);
 
     Collaborators collaborators_;
     AppSettings settings_;

@@ -69,7 +69,7 @@ protected:
     testing::FakeHost host;
     testing::FakeCatalog catalog;
     testing::FixedDesktopInformation information;
-    testing::FakeInterface interface { host };
+    testing::FakeInterface interface{host};
     Platform platform{screens,   windowList, applications, elements, trust,   keys,       events,
                       loginItem, instances,  defaults,     files,    time,    time,       item,
                       host,      host,       "/data",      4711,     catalog, information};

@@ -21,7 +21,7 @@ protected:
     fs::path at(const std::string& name) const { return directory.path() / name; }
 
     static unsigned mode(const fs::path& path) {
-        struct stat status {};
+        struct stat status{};
         return ::lstat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0U;
     }
 

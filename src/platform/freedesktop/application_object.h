@@ -17,7 +17,7 @@ class ApplicationObject : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
 public:
-    static constexpr QLatin1String interface { "org.freedesktop.Application" };
+    static constexpr QLatin1String interface{"org.freedesktop.Application"};
 
     explicit ApplicationObject(const std::string& address);
     ~ApplicationObject() override;

@@ -85,7 +85,7 @@ DesktopEntryIndex::DesktopEntryIndex(std::vector<fs::path> directories, std::vec
       clock_(std::move(clock)) {}
 
 DesktopEntryIndex::Stamp DesktopEntryIndex::stampOf(const fs::path& directory) {
-    struct stat status {};
+    struct stat status{};
     if (::stat(directory.c_str(), &status) != 0)
         return {directory};
     constexpr std::int64_t nanoseconds = 1'000'000'000;

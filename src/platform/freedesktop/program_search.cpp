@@ -9,7 +9,7 @@ namespace {
 namespace fs = std::filesystem;
 
 bool isProgram(const fs::path& path) {
-    struct stat status {};
+    struct stat status{};
     return path.is_absolute() && ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
            ::access(path.c_str(), X_OK) == 0;
 }

@@ -12,7 +12,7 @@ std::optional<std::string> readSmallFile(const std::filesystem::path& path, std:
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (descriptor < 0)
         return std::nullopt;
-    struct stat status {};
+    struct stat status{};
     std::optional<std::string> bytes;
     if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
         bytes.emplace();

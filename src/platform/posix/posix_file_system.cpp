@@ -69,7 +69,7 @@ int createReplacing(const fs::path& path) {
 } // namespace
 
 bool PosixFileSystem::exists(const fs::path& path) {
-    struct stat status {};
+    struct stat status{};
     if (holdsZero(path))
         return false;
     return ::stat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
@@ -80,7 +80,7 @@ std::expected<std::string, FileError> PosixFileSystem::read(const fs::path& path
     const FileDescriptor file(openFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY));
     if (!file.isOpen())
         return failure("open", path, errno);
-    struct stat status {};
+    struct stat status{};
     if (::fstat(file.number(), &status) != 0)
         return failure("stat", path, errno);
     if (S_ISDIR(status.st_mode))
@@ -118,7 +118,7 @@ std::expected<void, FileError> PosixFileSystem::createDirectories(const fs::path
             continue;
         }
         int code = errno;
-        struct stat status {};
+        struct stat status{};
         if (::stat(current.c_str(), &status) == 0) {
             if (S_ISDIR(status.st_mode))
                 continue;

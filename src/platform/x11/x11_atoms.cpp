@@ -10,7 +10,7 @@ namespace {
 
 struct Entry {
     std::string_view name;
-    xcb_atom_t X11Atoms::*member;
+    xcb_atom_t X11Atoms::* member;
 };
 
 constexpr std::array entries = {
