@@ -26,7 +26,9 @@ set(TAVRIN_LIBRARY_json nlohmann_json::nlohmann_json)
 set(TAVRIN_LIBRARY_qt-dbus Qt6::DBus)
 set(TAVRIN_LIBRARY_qt-gui Qt6::Widgets Qt6::Svg)
 set(TAVRIN_LIBRARY_uuid PkgConfig::UUID)
+set(TAVRIN_LIBRARY_wayland tavrin_wayland_protocols)
 set(TAVRIN_LIBRARY_xcb PkgConfig::XCB)
+set(TAVRIN_LIBRARY_xkbcommon PkgConfig::XKBCOMMON)
 
 # Makes one library, tavrin_FOLDER, of each folder that the table names, linked with just what its row allows.
 function(tavrin_layers table)

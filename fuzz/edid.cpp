@@ -1,4 +1,4 @@
-#include "platform/x11/edid.h"
+#include "platform/display_identity/edid.h"
 
 #include "fuzz_support.h"
 

@@ -22,6 +22,8 @@ set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "${TAVRIN_HOMEPAGE}")
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# What lets Qt draw in a Wayland session; no library names it.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-wayland")
 # Without a session bus there is no single instance; without xdg-open no help page.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "default-dbus-session-bus | dbus-session-bus, xdg-utils")
 # With it the windows follow the dark style of desktops that are not KDE.

@@ -1,6 +1,6 @@
 #include "platform/x11/x11_display_hardware.h"
 
-#include "platform/x11/edid.h"
+#include "platform/display_identity/edid.h"
 #include "platform/x11/x11_reply.h"
 
 #include <cstring>
