@@ -10,6 +10,7 @@
 
 #include <expected>
 #include <optional>
+#include <span>
 #include <string>
 #include <variant>
 #include <vector>
@@ -101,11 +102,20 @@ struct WindowMoveFailed {
     bool operator==(const WindowMoveFailed&) const = default;
 };
 struct WindowMoved {
+    std::string note; ///< what is worth knowing all the same; usually empty
     bool operator==(const WindowMoved&) const = default;
 };
 using WindowMoveOutcome = std::variant<WindowMoveFailed, WindowMoved>;
 
-/// Moves one window.
+/// A window to move; for the members see `WindowMoving::move`.
+struct WindowMove {
+    ProcessID pid = 0;
+    const SavedLayoutEntry& entry;
+    const WindowInfo& window;
+    Rect target;
+};
+
+/// Moves windows.
 class WindowMoving {
 public:
     virtual ~WindowMoving() = default;
@@ -114,6 +124,14 @@ public:
     /// it was chosen for; it helps to tell windows of one process apart. Every problem is an outcome.
     virtual WindowMoveOutcome move(ProcessID pid, const SavedLayoutEntry& entry, const WindowInfo& window,
                                    const Rect& target) = 0;
+
+    /// Moves many windows. One outcome for each, in order.
+    virtual std::vector<WindowMoveOutcome> moveAll(std::span<const WindowMove> moves) {
+        std::vector<WindowMoveOutcome> outcomes;
+        for (const auto& [pid, entry, window, target] : moves)
+            outcomes.push_back(move(pid, entry, window, target));
+        return outcomes;
+    }
 };
 
 /// Puts the windows of a layout back.

@@ -7,6 +7,7 @@
 #include <expected>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <variant>
 #include <vector>
@@ -44,8 +45,8 @@ enum class AXAttribute {
     title,              ///< of a window: text
     role,               ///< of a window: text
     subrole,            ///< of a window: text
-    position,           ///< of a window: a point; can be set
-    size,               ///< of a window: a size; can be set
+    position,           ///< of a window: a point
+    size,               ///< of a window: a size
 };
 
 /// The base of what a platform remembers of an element.
@@ -62,9 +63,25 @@ using AXElement = std::shared_ptr<const AXElementReference>;
 using AXValue =
     std::variant<std::monostate, bool, std::string, Point, Size, AXElement, std::vector<AXElement>>;
 
-/// Reads and sets the attributes of other applications' windows. Frames are what the user sees (title bar
-/// included, invisible shadows not), in points with a top-left origin at the primary screen; what is
-/// written and what is read back are the same rectangle.
+/// Where a window is to be.
+struct AXFrame {
+    AXElement element;
+    Rect frame;
+};
+
+/// What came of setting a frame. A size that the client rounded or limited is a success, and so is a frame
+/// that a hidden window takes on when it is shown. After `cannotComplete` it may still happen later.
+struct AXFrameResult {
+    AXError position = AXError::success;
+    AXError size = AXError::success;
+    bool isTiled = false; ///< the window manager decides about the place; the window is on the wanted screen
+
+    bool operator==(const AXFrameResult&) const = default;
+};
+
+/// Reads the attributes of other applications' windows and sets their frames. Frames are what the user sees
+/// (title bar included, invisible shadows not), in points with a top-left origin at the primary screen; what
+/// is written and what is read back are the same rectangle.
 class WindowElements {
 public:
     virtual ~WindowElements() = default;
@@ -80,9 +97,14 @@ public:
     /// `attributeUnsupported` for an attribute the element does not have, `noValue` when it is not set.
     virtual std::expected<AXValue, AXError> attribute(const AXElement& element, AXAttribute attribute) = 0;
 
-    /// Sets a position or a size and returns once the desktop has carried it out, or `cannotComplete` when
-    /// it did not within a bounded time. States that pin a window (maximised, fullscreen) are left first.
-    virtual AXError setAttribute(const AXElement& element, AXAttribute attribute, const AXValue& value) = 0;
+    /// The element of the window that the window list gives this number, of that process. It may be gone.
+    /// Absent where the platform cannot tell which one it is.
+    virtual std::optional<AXElement> listedWindowElement(ProcessID pid, std::int64_t number) = 0;
+
+    /// Sets the frames of windows, the position first, then the size, and returns once the desktop has
+    /// carried it out, or `cannotComplete` for those for which it did not within a bounded time. States that
+    /// pin a window (maximised, fullscreen) are left first. One result for each, in order.
+    virtual std::vector<AXFrameResult> setFrames(std::span<const AXFrame> frames) = 0;
 };
 
 /// The attribute's value as a `Value`; absent when it cannot be read or is something else.

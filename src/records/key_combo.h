@@ -70,6 +70,14 @@ struct KeyCombo {
 /// own, and for keys that have no virtual key code.
 std::optional<std::uint16_t> virtualKeyCode(std::uint32_t evdevCode);
 
+/// A combination that the desktop does not deliver.
+struct RefusedKey {
+    KeyCombo combo;
+    std::string reason; ///< a sentence for the user, for example "Another program uses this combination."
+
+    bool operator==(const RefusedKey&) const = default;
+};
+
 } // namespace tavrin
 
 template <>

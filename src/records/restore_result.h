@@ -19,6 +19,7 @@ struct RestoreResult {
     std::vector<std::string> errors;   ///< problems in words, in the order in which they occurred
     std::int64_t unmatchedCount = 0;   ///< entries for which no window was open
     std::int64_t moveFailureCount = 0; ///< entries whose window was not brought into place
+    std::vector<std::string> notes;    ///< what is worth knowing of windows that count as in place
 
     RestoreResult() = default;
 

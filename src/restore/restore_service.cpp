@@ -15,6 +15,18 @@ bool isInPlace(const MatchedPair& pair, double tolerance) {
            std::abs(now.height - target.height) <= tolerance;
 }
 
+/// Enters in `result` what is worth telling of a move.
+bool isSuccess(const WindowMoveOutcome& outcome, const std::string& application, const char* prefix,
+               RestoreResult& result) {
+    if (const auto* failed = std::get_if<WindowMoveFailed>(&outcome)) {
+        result.errors.push_back(application + prefix + failed->message);
+        return false;
+    }
+    if (const auto& note = std::get<WindowMoved>(outcome).note; !note.empty())
+        result.notes.push_back(application + ": " + note);
+    return true;
+}
+
 } // namespace
 
 RestoreResult RestoreService::restore(const SavedLayout& layout) {
@@ -36,39 +48,52 @@ RestoreResult RestoreService::restore(const SavedLayout& layout) {
     const auto overflow = clustersExtraWindows() ? matcher_.overflowPairs(layout, windows, displays, pairs)
                                                  : std::vector<MatchedPair>{};
 
-    std::vector<std::string> errors;
-    const auto pidOf = [&](const WindowInfo& window) {
-        return window.ownerPID ? window.ownerPID : collaborators_.pidResolver.processIdentifier(window);
-    };
-    const auto move = [&](ProcessID pid, const MatchedPair& pair, const char* prefix) {
-        const auto outcome =
-            collaborators_.windowMover.move(pid, pair.savedEntry, pair.windowInfo, pair.translatedFrame);
-        if (const auto* failed = std::get_if<WindowMoveFailed>(&outcome)) {
-            errors.push_back(pair.windowInfo.appName + prefix + failed->message);
-            return false;
-        }
-        return true;
-    };
+    // All moves go to the desktop together; what came of them is told in the order of the pairs.
+    std::vector<WindowMove> moves;
+    const auto attempts = planMoves(pairs, moves);
+    const auto overflowAttempts = planMoves(overflow, moves);
+    const auto outcomes = collaborators_.windowMover.moveAll(moves);
 
-    std::int64_t inPlace = 0;
-    for (const MatchedPair& pair : pairs) {
-        if (isInPlace(pair, frameMatchTolerance)) {
-            ++inPlace;
-        } else if (const auto pid = pidOf(pair.windowInfo); !pid) {
-            errors.push_back("Could not resolve PID for " + pair.windowInfo.appName);
-        } else if (move(*pid, pair, ": ")) {
-            ++inPlace;
-        }
+    RestoreResult result;
+    const auto isMoved = [&](const Attempt& attempt, const char* prefix) {
+        return isSuccess(outcomes.at(*attempt.move), attempt.pair.windowInfo.appName, prefix, result);
+    };
+    for (const Attempt& attempt : attempts) {
+        if (attempt.isInPlace)
+            ++result.matched;
+        else if (!attempt.move)
+            result.errors.push_back("Could not resolve PID for " + attempt.pair.windowInfo.appName);
+        else if (isMoved(attempt, ": "))
+            ++result.matched;
     }
-    for (const MatchedPair& pair : overflow)
-        if (!isInPlace(pair, frameMatchTolerance))
-            if (const auto pid = pidOf(pair.windowInfo))
-                move(*pid, pair, ": overflow cluster move failed: ");
+    for (const Attempt& attempt : overflowAttempts)
+        if (attempt.move)
+            isMoved(attempt, ": overflow cluster move failed: ");
 
     const auto pairCount = static_cast<std::int64_t>(pairs.size());
-    const auto moveFailures = checkedDifference(pairCount, inPlace);
-    const auto unmatched = checkedDifference(total, pairCount);
-    return {total, inPlace, checkedSum(unmatched, moveFailures), std::move(errors), unmatched, moveFailures};
+    result.totalSaved = total;
+    result.moveFailureCount = checkedDifference(pairCount, result.matched);
+    result.unmatchedCount = checkedDifference(total, pairCount);
+    result.skipped = checkedSum(result.unmatchedCount, result.moveFailureCount);
+    return result;
+}
+
+std::vector<RestoreService::Attempt> RestoreService::planMoves(const std::vector<MatchedPair>& pairs,
+                                                               std::vector<WindowMove>& moves) {
+    std::vector<Attempt> attempts;
+    for (const MatchedPair& pair : pairs) {
+        auto& attempt = attempts.emplace_back(pair, isInPlace(pair, frameMatchTolerance), std::nullopt);
+        if (attempt.isInPlace)
+            continue;
+        const auto& window = pair.windowInfo;
+        const auto pid =
+            window.ownerPID ? window.ownerPID : collaborators_.pidResolver.processIdentifier(window);
+        if (!pid)
+            continue;
+        attempt.move = moves.size();
+        moves.push_back({*pid, pair.savedEntry, window, pair.translatedFrame});
+    }
+    return attempts;
 }
 
 bool RestoreService::clustersExtraWindows() const {

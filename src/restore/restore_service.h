@@ -31,6 +31,14 @@ public:
 private:
     static constexpr double frameMatchTolerance = 2.0;
 
+    struct Attempt {
+        const MatchedPair& pair;
+        bool isInPlace = false;
+        std::optional<std::size_t> move; ///< its number; absent when it is in place or has no known process
+    };
+
+    /// What to do about each pair; appends the moves, which refer to the pairs.
+    std::vector<Attempt> planMoves(const std::vector<MatchedPair>& pairs, std::vector<WindowMove>& moves);
     bool clustersExtraWindows() const;
 
     Collaborators collaborators_;

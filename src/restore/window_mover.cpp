@@ -63,35 +63,63 @@ std::string selectionFailure(const AXWindowChoiceFailure& failure, const SavedLa
         entry.windowRole.value_or("none"), entry.windowSubrole.value_or("none"));
 }
 
+WindowMoveOutcome outcome(const AXFrameResult& result, const Rect& target) {
+    std::vector<std::string> failedSteps;
+    if (result.position != AXError::success)
+        failedSteps.push_back("position=" + axErrorName(result.position));
+    if (result.size != AXError::success)
+        failedSteps.push_back("size=" + axErrorName(result.size));
+    if (failedSteps.empty())
+        return WindowMoved{result.isTiled ? "tiled by the window manager: on its display" : ""};
+    return WindowMoveFailed{
+        fmt::format("AX move failed for target {}; {}", description(target), fmt::join(failedSteps, ", "))};
+}
+
 } // namespace
 
-WindowMoveOutcome WindowMover::move(ProcessID pid, const SavedLayoutEntry& entry, const WindowInfo& window,
-                                    const Rect& target) {
-    if (!isSaneFrame(target, coordinateSanityLimit_))
-        return WindowMoveFailed{"Rejected unsafe target frame " + description(target)};
-    const auto windows = windowElements(elements_, pid);
+std::expected<AXElement, WindowMoveFailed> WindowMover::chooseElement(const WindowMove& move) {
+    const auto windows = windowElements(elements_, move.pid);
     if (!windows)
-        return windows.error();
+        return std::unexpected(windows.error());
     std::vector<AXWindowCandidate> candidates;
     for (const AXElement& element : *windows)
         candidates.push_back(candidate(elements_, element));
-    const auto chosen = chooseWindow(candidates, entry, window, frameMatchTolerance_);
+    const auto chosen = chooseWindow(candidates, move.entry, move.window, frameMatchTolerance_);
     if (!chosen)
-        return WindowMoveFailed{selectionFailure(chosen.error(), entry)};
+        return std::unexpected(WindowMoveFailed{selectionFailure(chosen.error(), move.entry)});
+    return *chosen;
+}
 
-    const AXError position =
-        elements_.setAttribute(*chosen, AXAttribute::position, Point{target.x, target.y});
-    const AXError size =
-        elements_.setAttribute(*chosen, AXAttribute::size, Size{target.width, target.height});
-    std::vector<std::string> failedSteps;
-    if (position != AXError::success)
-        failedSteps.push_back("position=" + axErrorName(position));
-    if (size != AXError::success)
-        failedSteps.push_back("size=" + axErrorName(size));
-    if (failedSteps.empty())
-        return WindowMoved{};
-    return WindowMoveFailed{
-        fmt::format("AX move failed for target {}; {}", description(target), fmt::join(failedSteps, ", "))};
+WindowMoveOutcome WindowMover::move(ProcessID pid, const SavedLayoutEntry& entry, const WindowInfo& window,
+                                    const Rect& target) {
+    const WindowMove move{pid, entry, window, target};
+    return moveAll({&move, 1}).front();
+}
+
+std::vector<WindowMoveOutcome> WindowMover::moveAll(std::span<const WindowMove> moves) {
+    std::vector<WindowMoveOutcome> outcomes(moves.size());
+    std::vector<AXFrame> frames;
+    std::vector<std::size_t> positions; // of the frames among the moves
+    for (std::size_t i = 0; i < moves.size(); ++i) {
+        const auto& move = moves[i];
+        if (!isSaneFrame(move.target, coordinateSanityLimit_)) {
+            outcomes[i] = WindowMoveFailed{"Rejected unsafe target frame " + description(move.target)};
+        } else if (const auto known = elements_.listedWindowElement(move.pid, move.window.id)) {
+            frames.push_back({*known, move.target});
+            positions.push_back(i);
+        } else if (const auto chosen = chooseElement(move); !chosen) {
+            outcomes[i] = chosen.error();
+        } else {
+            const AXFrame frame{*chosen, move.target};
+            outcomes[i] = outcome(elements_.setFrames({&frame, 1}).at(0), move.target);
+        }
+    }
+    if (frames.empty())
+        return outcomes;
+    const auto results = elements_.setFrames(frames);
+    for (std::size_t i = 0; i < results.size(); ++i)
+        outcomes[positions[i]] = outcome(results[i], frames[i].frame);
+    return outcomes;
 }
 
 } // namespace tavrin

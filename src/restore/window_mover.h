@@ -5,8 +5,8 @@
 
 namespace tavrin {
 
-/// Moves a listed window through the elements of its process. The window list and the elements share no
-/// identities, so the element is chosen by frame, role, title and, among twins, by the saved slot.
+/// Moves listed windows through their elements. Where the platform cannot tell which element a listed window
+/// is, it is chosen among those of its process by frame, role, title and, among twins, by the saved slot.
 class WindowMover : public WindowMoving {
 public:
     static constexpr double defaultFrameMatchTolerance = 2.0;
@@ -20,7 +20,12 @@ public:
     WindowMoveOutcome move(ProcessID pid, const SavedLayoutEntry& entry, const WindowInfo& window,
                            const Rect& target) override;
 
+    /// Windows whose elements are known go together, the others one after the other.
+    std::vector<WindowMoveOutcome> moveAll(std::span<const WindowMove> moves) override;
+
 private:
+    std::expected<AXElement, WindowMoveFailed> chooseElement(const WindowMove& move);
+
     WindowElements& elements_;
     double frameMatchTolerance_;
     double coordinateSanityLimit_;

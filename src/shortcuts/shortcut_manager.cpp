@@ -27,21 +27,48 @@ ShortcutManager::ShortcutManager(SettingsStore& settingsStore, KeyMonitors& keyM
         persist();
 }
 
+ShortcutManager::~ShortcutManager() {
+    stop();
+}
+
 void ShortcutManager::start() {
-    if (globalMonitor_ || localMonitor_)
+    if (localMonitor_)
         return;
-    globalMonitor_ = keyMonitors_.addGlobalMonitor([this](const KeyEvent& event) { handle(event); });
     localMonitor_ = keyMonitors_.addLocalMonitor([this](const KeyEvent& event) { return handle(event); });
+    refusalObserver_ =
+        keyMonitors_.observeRefusedKeys([this] { refusedShortcuts.set(keyMonitors_.refusedKeys()); });
+    watch();
 }
 
 void ShortcutManager::stop() {
-    globalMonitor_.release();
     localMonitor_.release();
+    refusalObserver_.release();
+    watch();
+}
+
+void ShortcutManager::watch() {
+    std::vector<KeyCombo> combos;
+    const auto add = [&](const KeyCombo& combo) {
+        if (std::ranges::find(combos, combo) == combos.end())
+            combos.push_back(combo);
+    };
+    if (localMonitor_ && pauses_ == 0) {
+        if (autoDetectShortcut.value())
+            add(*autoDetectShortcut.value());
+        for (const auto& [layoutID, combo] : layoutShortcuts.value())
+            add(combo);
+    }
+    if (combos == watched_)
+        return;
+    watched_ = combos;
+    keyMonitors_.watch(std::move(combos), [this](const KeyEvent& event) { handle(event); });
+    refusedShortcuts.set(watched_.empty() ? std::vector<RefusedKey>{} : keyMonitors_.refusedKeys());
 }
 
 void ShortcutManager::setAutoDetectShortcut(std::optional<KeyCombo> combo) {
     armSuppression(accepted(combo));
     autoDetectShortcut.set(accepted(combo));
+    watch();
     persist();
 }
 
@@ -53,6 +80,7 @@ void ShortcutManager::setLayoutShortcut(std::optional<KeyCombo> combo, const Uui
         shortcuts.erase(layoutID);
     armSuppression(accepted(combo));
     layoutShortcuts.set(std::move(shortcuts));
+    watch();
     persist();
 }
 
@@ -66,16 +94,22 @@ void ShortcutManager::pruneLayoutShortcuts(const std::vector<Uuid>& layoutIDs) {
         return std::ranges::find(layoutIDs, shortcut.first) == layoutIDs.end();
     });
     layoutShortcuts.set(std::move(shortcuts));
+    watch();
     persist();
 }
 
 Token ShortcutManager::pause() {
-    ++*pauses_;
-    return Token([pauses = pauses_] { --*pauses; });
+    ++pauses_;
+    watch();
+    return Token([weak = std::weak_ptr(self_)] {
+        const auto self = weak.lock();
+        if (self && --(*self)->pauses_ == 0)
+            (*self)->watch();
+    });
 }
 
 bool ShortcutManager::handle(const KeyEvent& event) {
-    if (*pauses_ > 0)
+    if (pauses_ > 0)
         return false;
     const Timestamp now = clock_.now();
     if (suppressionExpiry_ && now > *suppressionExpiry_)

@@ -23,9 +23,14 @@ public:
 
     /// Reads the settings; shortcuts that break a rule are dropped, and then the rest is written back.
     ShortcutManager(SettingsStore& settingsStore, KeyMonitors& keyMonitors, WallClock& clock);
+    ~ShortcutManager();
+    ShortcutManager(const ShortcutManager&) = delete;
+    ShortcutManager& operator=(const ShortcutManager&) = delete;
 
     Observable<std::optional<KeyCombo>> autoDetectShortcut;
     Observable<std::map<Uuid, KeyCombo>> layoutShortcuts;
+    /// Shortcuts that the desktop does not deliver; empty while none are watched.
+    Observable<std::vector<RefusedKey>> refusedShortcuts;
 
     std::function<void()> onAutoDetect;
     std::function<void(const Uuid&)> onLayoutRestore;
@@ -42,7 +47,7 @@ public:
     /// Removes the shortcuts of all layouts but these.
     void pruneLayoutShortcuts(const std::vector<Uuid>& layoutIDs);
 
-    /// No press fires while the token is held: a recorder listens.
+    /// Nothing is watched and no press fires while the token is held: a recorder listens.
     Token pause();
 
     /// One key press. True when it was a shortcut (or the press that recorded one) and is used up.
@@ -51,13 +56,17 @@ public:
 private:
     void armSuppression(std::optional<KeyCombo> combo);
     void persist();
+    /// Tells the desktop the combinations to watch now, when they are others than before.
+    void watch();
 
     SettingsStore& settingsStore_;
     KeyMonitors& keyMonitors_;
     WallClock& clock_;
-    Token globalMonitor_;
+    std::vector<KeyCombo> watched_;
+    Token refusalObserver_;
     Token localMonitor_;
-    std::shared_ptr<int> pauses_ = std::make_shared<int>(0);
+    int pauses_ = 0;
+    std::shared_ptr<ShortcutManager*> self_ = std::make_shared<ShortcutManager*>(this);
     std::optional<KeyCombo> suppressedRecordedCombo_;
     std::optional<Timestamp> suppressionExpiry_;
 };

@@ -141,10 +141,11 @@ TEST_F(AppDelegateTest, AgreesWithTheSystemOnLaunchAtLogin) {
 
 TEST_F(AppDelegateTest, WorksWhileThePermissionLasts) {
     trust.trusted = false;
+    ASSERT_TRUE(settings.save({.autoDetectShortcut = KeyCombo{15, ModifierSet::control}}));
     AppDelegate delegate{platform, interface};
     delegate.applicationDidFinishLaunching();
     const auto monitorsAndObservers = [&] {
-        return std::tuple(keys.global.isConnected(), static_cast<bool>(keys.local),
+        return std::tuple(!keys.watched.empty(), static_cast<bool>(keys.local),
                           events.observerCount(SystemEvent::didWake));
     };
     const std::tuple idle(false, false, 1u), working(true, true, 2u);
@@ -175,19 +176,19 @@ TEST_F(AppDelegateTest, RestoresByShortcut) {
         return attempt ? std::string(displayName(attempt->trigger)) : "none";
     };
 
-    keys.global.emit(KeyEvent{17, control.rawValue});
+    keys.press(KeyEvent{17, control.rawValue});
     EXPECT_EQ(lastTrigger(), "none") << "the layout is gone";
     for (const std::uint16_t key : {15, 16}) {
         listWindowAt(away);
         item.image.clear();
-        keys.global.emit(KeyEvent{key, control.rawValue});
+        keys.press(KeyEvent{key, control.rawValue});
         EXPECT_EQ(windowFrame(), home);
         EXPECT_EQ(item.image, "checkmark.circle.fill");
         EXPECT_EQ(lastTrigger(), "Shortcut");
     }
     ASSERT_TRUE(store.setDefaultLayout(work.profileID, std::nullopt));
     listWindowAt(away);
-    keys.global.emit(KeyEvent{15, control.rawValue});
+    keys.press(KeyEvent{15, control.rawValue});
     EXPECT_EQ(windowFrame(), away) << "no default layout, nothing to restore";
 }
 

@@ -182,7 +182,7 @@ TEST_F(FaultTest, ALostServerEndsTheProgramWithAMessage) {
     const auto status = program().process().waitForExit();
     ASSERT_TRUE(status) << "crashed, or went on without a screen";
     EXPECT_NE(*status, 0);
-    EXPECT_THAT(programLog(), HasSubstr("tavrin: the connection to the X server is lost"));
+    EXPECT_THAT(programLog(), HasSubstr("tavrin: the connection to the window system is lost"));
 }
 
 TEST_F(FaultTest, WithoutAnyBusItRunsOnAndSaysSo) {

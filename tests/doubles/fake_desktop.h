@@ -101,21 +101,40 @@ struct FakeKeys : KeyMonitors {
             return std::ranges::any_of(asked, [&](const auto& handler) { return (*handler)(event); });
         }
     };
-    Signal<KeyEvent> global;
+    std::vector<KeyCombo> watched;
+    std::vector<RefusedKey> refused;
+    Signal<> refusedChanged;
     LocalMonitors local;
-    Token addGlobalMonitor(std::function<void(const KeyEvent&)> handler) override {
-        return global.connect(std::move(handler));
+
+    /// In another application.
+    void press(const KeyEvent& event) {
+        // A shortcut may have others watched.
+        const auto handler = pressed;
+        if (std::ranges::any_of(watched, [&](const auto& combo) { return combo.matches(event); }))
+            handler(event);
+    }
+    void watch(std::vector<KeyCombo> combos, std::function<void(const KeyEvent&)> handler) override {
+        watched = std::move(combos);
+        pressed = std::move(handler);
+    }
+    std::vector<RefusedKey> refusedKeys() override { return refused; }
+    Token observeRefusedKeys(std::function<void()> handler) override {
+        return refusedChanged.connect(std::move(handler));
     }
     Token addLocalMonitor(LocalHandler handler) override {
         auto added = std::make_shared<LocalHandler>(std::move(handler));
         local.handlers.push_back(added);
         return Token([this, added] { std::erase(local.handlers, added); });
     }
+
+private:
+    std::function<void(const KeyEvent&)> pressed;
 };
 
 struct FakeCatalog : ApplicationCatalog {
     std::map<std::string, ApplicationIdentity> installed;
-    ApplicationIdentity identify(const ApplicationClues&) override { return {}; }
+    std::map<ApplicationClues, ApplicationIdentity> identities;
+    ApplicationIdentity identify(const ApplicationClues& clues) override { return identities[clues]; }
     ApplicationIdentity installedApplication(const std::string& bundleIdentifier) override {
         return installed[bundleIdentifier];
     }
@@ -155,8 +174,10 @@ public:
 
     std::map<ProcessID, std::shared_ptr<Element>> applications;
     std::shared_ptr<Element> system = std::make_shared<Element>();
-    std::map<AXAttribute, AXError> setResults; ///< success unless told
-    std::vector<std::pair<AXElement, AXAttribute>> sets;
+    std::map<std::int64_t, AXElement> listed; ///< by window number; the platform knows just these
+    AXFrameResult setResult;
+    std::vector<AXElement> sets;
+    int rounds = 0; ///< of setting frames
     int calls = 0;
 
     /// A window of that process, behind those it has.
@@ -196,14 +217,25 @@ public:
         const auto found = attributes.find(attribute);
         return found == attributes.end() ? std::unexpected(AXError::noValue) : found->second;
     }
-    AXError setAttribute(const AXElement& element, AXAttribute attribute, const AXValue& value) override {
-        sets.emplace_back(element, attribute);
-        const auto result = setResults.find(attribute);
-        if (result != setResults.end() && result->second != AXError::success)
-            return result->second;
-        std::const_pointer_cast<Element>(std::static_pointer_cast<const Element>(element))
-            ->attributes[attribute] = value;
-        return AXError::success;
+    std::optional<AXElement> listedWindowElement(ProcessID, std::int64_t number) override {
+        const auto found = listed.find(number);
+        return found == listed.end() ? std::nullopt : std::optional<AXElement>(found->second);
+    }
+    std::vector<AXFrameResult> setFrames(std::span<const AXFrame> frames) override {
+        ++rounds;
+        std::vector<AXFrameResult> results;
+        for (const auto& [element, frame] : frames) {
+            sets.push_back(element);
+            results.push_back(setResult);
+            auto& attributes =
+                std::const_pointer_cast<Element>(std::static_pointer_cast<const Element>(element))
+                    ->attributes;
+            if (setResult.position == AXError::success)
+                attributes[AXAttribute::position] = Point{frame.x, frame.y};
+            if (setResult.size == AXError::success)
+                attributes[AXAttribute::size] = Size{frame.width, frame.height};
+        }
+        return results;
     }
 };
 

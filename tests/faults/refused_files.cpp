@@ -10,7 +10,9 @@ namespace {
 
 class NoKeys : public KeyMonitors {
 public:
-    Token addGlobalMonitor(std::function<void(const KeyEvent&)>) override { return {}; }
+    void watch(std::vector<KeyCombo>, std::function<void(const KeyEvent&)>) override {}
+    std::vector<RefusedKey> refusedKeys() override { return {}; }
+    Token observeRefusedKeys(std::function<void()>) override { return {}; }
     Token addLocalMonitor(std::function<bool(const KeyEvent&)>) override { return {}; }
 };
 

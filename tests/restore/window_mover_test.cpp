@@ -44,7 +44,7 @@ protected:
         const auto outcome = move(target, std::move(liveTitle));
         if (const auto* failed = std::get_if<WindowMoveFailed>(&outcome))
             return failed->message;
-        return std::to_string(std::ranges::find(windows, elements.sets.at(0).first) - windows.begin());
+        return std::to_string(std::ranges::find(windows, elements.sets.at(0)) - windows.begin());
     }
 
     std::string failure(const Rect& to = target) {
@@ -54,14 +54,27 @@ protected:
     }
 };
 
-TEST_F(WindowMoverTest, SetsPositionThenSizeOnce) {
+TEST_F(WindowMoverTest, MovesTheListedWindowsTogetherWhereThePlatformKnowsThem) {
     add(live);
-    EXPECT_EQ(move(), WindowMoveOutcome(WindowMoved{}));
-    ASSERT_EQ(elements.sets.size(), 2u);
-    EXPECT_EQ(elements.sets[0].second, AXAttribute::position);
-    EXPECT_EQ(elements.sets[1].second, AXAttribute::size);
-    EXPECT_EQ(elements.attribute(windows[0], AXAttribute::position), AXValue(Point{0, 0}));
-    EXPECT_EQ(elements.attribute(windows[0], AXAttribute::size), AXValue(Size{800, 600}));
+    add(live);
+    for (std::int64_t number : {0, 1})
+        elements.listed[number] = windows[static_cast<std::size_t>(number)];
+    const auto first = testing::window(0, "app", "", live), second = testing::window(1, "app", "", live);
+    const WindowMove moves[] = {{pid, saved, second, target},
+                                {pid, saved, first, Rect{0, 0, 0, 1}},
+                                {pid, saved, first, Rect{10, 20, 300, 200}}};
+    const auto outcomes = mover.moveAll(moves);
+    ASSERT_EQ(outcomes.size(), 3u);
+    EXPECT_EQ(outcomes[0], WindowMoveOutcome(WindowMoved{}));
+    EXPECT_TRUE(std::holds_alternative<WindowMoveFailed>(outcomes[1]));
+    EXPECT_EQ(outcomes[2], WindowMoveOutcome(WindowMoved{}));
+    EXPECT_EQ(elements.sets, (std::vector{windows[1], windows[0]}));
+    EXPECT_EQ(elements.rounds, 1);
+    EXPECT_EQ(elements.attribute(windows[1], AXAttribute::position), AXValue(Point{0, 0}));
+    EXPECT_EQ(elements.attribute(windows[1], AXAttribute::size), AXValue(Size{800, 600}));
+    elements.setResult.isTiled = true;
+    EXPECT_EQ(mover.move(pid, saved, first, target),
+              WindowMoveOutcome(WindowMoved{"tiled by the window manager: on its display"}));
 }
 
 TEST_F(WindowMoverTest, RefusesUnsafeTargetsBeforeItTouchesAnything) {
@@ -87,14 +100,12 @@ TEST_F(WindowMoverTest, SaysWhyThereIsNoWindowToMove) {
     EXPECT_EQ(failure(), "AX window list empty for pid 123; result=success");
 }
 
-TEST_F(WindowMoverTest, TriesBothStepsAndReportsEachThatFailed) {
+TEST_F(WindowMoverTest, ReportsEachStepThatFailed) {
     add(live);
-    elements.setResults = {{AXAttribute::position, AXError::cannotComplete},
-                           {AXAttribute::size, AXError::invalidUIElement}};
+    elements.setResult = {.position = AXError::cannotComplete, .size = AXError::invalidUIElement};
     EXPECT_THAT(failure(), AllOf(StartsWith("AX move failed for target "),
                                  HasSubstr("; position=cannotComplete, size=invalidUIElement")));
-    EXPECT_EQ(elements.sets.size(), 2u);
-    elements.setResults.erase(AXAttribute::position);
+    elements.setResult.position = AXError::success;
     EXPECT_THAT(failure(),
                 AllOf(HasSubstr("; size=invalidUIElement"), ::testing::Not(HasSubstr("position="))));
 }

@@ -50,7 +50,7 @@ protected:
     }
     std::string pressed(const KeyEvent& event) {
         fired.clear();
-        keys.global.emit(event);
+        keys.press(event);
         return fired;
     }
 };
@@ -71,6 +71,33 @@ TEST_F(ShortcutManagerTest, FiresGlobalBeforeLayoutAndOnlyWhileStarted) {
     manager.stop();
     EXPECT_EQ(pressed(press(keyQ, control)), "");
     EXPECT_FALSE(keys.local);
+}
+
+TEST_F(ShortcutManagerTest, WatchesJustItsShortcutsAndNoneDuringARecording) {
+    auto manager = made();
+    listen(manager);
+    using Combos = std::vector<KeyCombo>;
+    const KeyCombo first{keyR, control}, second{keyQ, control};
+    EXPECT_EQ(keys.watched, Combos{});
+    keys.refused = {{first, "Another program uses this combination."}};
+    manager.setAutoDetectShortcut(first);
+    manager.setLayoutShortcut(first, work);
+    manager.setLayoutShortcut(second, play);
+    EXPECT_EQ(keys.watched, (Combos{first, second}));
+    EXPECT_EQ(manager.refusedShortcuts.value(), keys.refused);
+    keys.refused.clear();
+    keys.refusedChanged.emit();
+    EXPECT_TRUE(manager.refusedShortcuts.value().empty());
+    {
+        const Token recording = manager.pause();
+        const Token another = manager.pause();
+        EXPECT_EQ(keys.watched, Combos{});
+        manager.pruneLayoutShortcuts({work});
+        EXPECT_EQ(keys.watched, Combos{});
+    }
+    EXPECT_EQ(keys.watched, Combos{first});
+    manager.stop();
+    EXPECT_EQ(keys.watched, Combos{});
 }
 
 TEST_F(ShortcutManagerTest, SwallowsTheRecordedPressOnceAndNotForLong) {

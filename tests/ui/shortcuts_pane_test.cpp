@@ -49,7 +49,7 @@ TEST_F(ShortcutsPaneTest, RecordsWithoutFiringAnything) {
     EXPECT_TRUE(pressHere(keyQ, control | option));
     EXPECT_FALSE(recorder.recorder().isRecording());
     EXPECT_EQ(settings.load()->layoutShortcuts.at(playID.text()), (KeyCombo{keyQ, control | option}));
-    keys.global.emit(KeyEvent{keyQ, (control | option).rawValue});
+    keys.press(KeyEvent{keyQ, (control | option).rawValue});
     EXPECT_EQ(fired, "") << "the press that recorded it";
     EXPECT_TRUE(pressHere(keyQ, control | option));
     EXPECT_TRUE(pressHere(keyR, control | option));

@@ -64,15 +64,6 @@ TEST(WindowFrameTest, aPlainRequestFollowsTheGravityOfTheWindow) {
         EXPECT_EQ(placed(configureRequestRect(wanted, frame, gravity), frame, gravity), wanted) << gravity;
 }
 
-TEST(WindowFrameTest, bothSpacesBeginAtThePrimaryScreen) {
-    const PixelRect primary{1920, 100, 2560, 1440};
-    EXPECT_EQ(windowSpaceRect({1930, 130, 640, 480}, primary), (Rect{10, 30, 640, 480}));
-    EXPECT_EQ(displaySpaceRect(primary, primary), (Rect{0, 0, 2560, 1440}));
-    // A smaller screen to the left whose lower edge is 360 pixels above the primary's.
-    EXPECT_EQ(displaySpaceRect({0, 100, 1920, 1080}, primary), (Rect{-1920, 360, 1920, 1080}));
-    EXPECT_EQ(displaySpaceRect({1920, 1540, 800, 600}, primary), (Rect{0, -600, 800, 600}));
-}
-
 TEST(WindowFrameTest, pointsOutsideTheProtocolAreNoPixels) {
     EXPECT_EQ(pixels(10.5), 11);
     EXPECT_EQ(pixels(-10.4), -10);

@@ -27,4 +27,9 @@ std::string QtProgram::toolkitVersion() {
     return std::string("Qt ") + qVersion();
 }
 
+std::string QtProgram::windowProtocol() {
+    const QString name = QGuiApplication::platformName();
+    return name == QLatin1String("xcb") ? "x11" : name.toStdString();
+}
+
 } // namespace tavrin

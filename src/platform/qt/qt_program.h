@@ -25,6 +25,9 @@ public:
     /// Of the library that is used, for example "Qt 6.4.2".
     static std::string toolkitVersion();
 
+    /// The protocol by which the toolkit shows its windows, for example "x11" or "wayland".
+    static std::string windowProtocol();
+
 private:
     std::unique_ptr<QApplication> application_;
 };

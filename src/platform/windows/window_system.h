@@ -97,14 +97,6 @@ enum class WindowSystemEvent {
     connectionLost,      ///< for good: nothing works any more
 };
 
-/// A combination that the window system does not deliver.
-struct RefusedKey {
-    KeyCombo combo;
-    std::string reason; ///< a sentence for the user, for example "Another program uses this combination."
-
-    bool operator==(const RefusedKey&) const = default;
-};
-
 /// Everything that the program needs of the system that arranges windows on screens. One implementation for
 /// each such system; nothing above this interface knows which one it runs on.
 ///
@@ -127,8 +119,9 @@ public:
     virtual std::expected<WindowListing, WindowSystemObstacle> list() = 0;
 
     /// Places windows and waits, together and for at most `patience` seconds, until the clients have
-    /// answered. Maximised, fullscreen and shaded states are left first. One outcome for each placement, in
-    /// their order: windows that do not answer never hold up the others.
+    /// answered; gives up earlier when nothing at all was answered for a second. Maximised, fullscreen and
+    /// shaded states are left first. One outcome for each placement, in their order: windows that do not
+    /// answer never hold up the others.
     virtual std::vector<PlacementOutcome> place(std::span<const WindowPlacement> placements,
                                                 Seconds patience) = 0;
 

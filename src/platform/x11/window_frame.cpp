@@ -82,14 +82,9 @@ PixelRect configureRequestRect(const PixelRect& client, const FrameInsets& decor
     return request;
 }
 
-Rect windowSpaceRect(const PixelRect& rect, const PixelRect& primary) {
-    return {static_cast<double>(rect.x - primary.x), static_cast<double>(rect.y - primary.y),
-            static_cast<double>(rect.width), static_cast<double>(rect.height)};
-}
-
-Rect displaySpaceRect(const PixelRect& rect, const PixelRect& primary) {
-    return {static_cast<double>(rect.x - primary.x), static_cast<double>(primary.bottom() - rect.bottom()),
-            static_cast<double>(rect.width), static_cast<double>(rect.height)};
+Rect desktopSpaceRect(const PixelRect& rect) {
+    return {static_cast<double>(rect.x), static_cast<double>(rect.y), static_cast<double>(rect.width),
+            static_cast<double>(rect.height)};
 }
 
 std::optional<std::int32_t> pixels(double points) {

@@ -57,9 +57,8 @@ PixelRect clientRect(const PixelRect& visible, const WindowBorders& borders);
 PixelRect configureRequestRect(const PixelRect& client, const FrameInsets& decorations,
                                std::uint32_t gravity);
 
-/// The two spaces outside this layer, both with their origin at the primary screen.
-Rect windowSpaceRect(const PixelRect& rect, const PixelRect& primary);  ///< top-left origin, y down
-Rect displaySpaceRect(const PixelRect& rect, const PixelRect& primary); ///< bottom-left origin, y up
+/// In points; a point is a pixel here.
+Rect desktopSpaceRect(const PixelRect& rect);
 
 /// A coordinate in points as a whole number of pixels; absent when no window can have it.
 std::optional<std::int32_t> pixels(double points);

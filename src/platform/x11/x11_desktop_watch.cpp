@@ -6,10 +6,9 @@
 
 namespace tavrin {
 
-X11DesktopWatch::X11DesktopWatch(X11EventConnection& connection, X11ScreenList& screens,
+X11DesktopWatch::X11DesktopWatch(X11EventConnection& connection, X11Screens& screens,
                                  X11WindowManager& windowManager)
-    : connection_(connection), screens_(screens), windowManager_(windowManager),
-      scale_(screens.backingScaleFactor()),
+    : connection_(connection), screens_(screens), windowManager_(windowManager), scale_(screens.scale()),
       events_(connection.observeEvents([this](const xcb_generic_event_t& event) { handleEvent(event); })),
       batches_(connection.observeBatches([this] { reportChanges(); })) {
     const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
@@ -54,7 +53,7 @@ void X11DesktopWatch::handleEvent(const xcb_generic_event_t& event) {
 
 void X11DesktopWatch::reportChanges() {
     if (std::exchange(haveResourcesChanged_, false)) {
-        const auto scale = screens_.backingScaleFactor();
+        const auto scale = screens_.scale();
         haveScreensChanged_ |= scale != std::exchange(scale_, scale);
     }
     const bool screensChanged = std::exchange(haveScreensChanged_, false);

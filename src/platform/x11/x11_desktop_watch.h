@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/x11/x11_event_connection.h"
-#include "platform/x11/x11_screen_list.h"
+#include "platform/x11/x11_screens.h"
 #include "platform/x11/x11_window_manager.h"
 
 #include <xcb/randr.h>
@@ -13,7 +13,7 @@ namespace tavrin {
 /// Watches for changes of the screens and of the window manager.
 class X11DesktopWatch {
 public:
-    X11DesktopWatch(X11EventConnection& connection, X11ScreenList& screens, X11WindowManager& windowManager);
+    X11DesktopWatch(X11EventConnection& connection, X11Screens& screens, X11WindowManager& windowManager);
 
     /// A screen came, went, moved or changed its size, or the scale changed.
     Token observeScreens(std::function<void()> handler) {
@@ -32,7 +32,7 @@ private:
     void watchCheckWindow();
 
     X11EventConnection& connection_;
-    X11ScreenList& screens_;
+    X11Screens& screens_;
     X11WindowManager& windowManager_;
     Signal<> screensChanged_;
     Signal<> windowManagerChanged_;

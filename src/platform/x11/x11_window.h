@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/windows/window_system.h"
 #include "platform/x11/window_frame.h"
-#include "ports/application_catalog.h"
 
 #include <xcb/xcb.h>
 
@@ -10,14 +10,6 @@
 #include <string>
 
 namespace tavrin {
-
-/// What a window is for, as far as it matters here.
-enum class WindowKind {
-    standard,
-    dialog,
-    floating,       ///< a palette or torn-off tool bar
-    desktopElement, ///< wallpaper, panel, menu, notification: never listed
-};
 
 /// The states the window manager keeps for a window.
 struct WindowStates {
@@ -46,10 +38,9 @@ struct X11Window {
     bool drawsOwnShadows = false; ///< the client says how wide they are, even where it is nothing now
     WindowStates states;
     std::optional<std::uint32_t> desktop; ///< absent where there are no desktops
-    WindowKind kind = WindowKind::standard;
+    std::optional<WindowKind> kind;       ///< absent for wallpaper, panels, menus and notifications
     std::string title;
     ApplicationClues clues;
-    ApplicationIdentity identity;
 
     /// The server's own border counts like a frame where the window manager draws none.
     WindowBorders borders() const {

@@ -3,23 +3,31 @@
 #include "platform/x11/x11_property.h"
 #include "platform/x11/x11_reply.h"
 
-#include <array>
+#include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace tavrin {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto usualPatience = 1000ms;
-/// After a window manager gave no answer, until it gives one again: a layout has many windows.
-constexpr auto shortPatience = 50ms;
+/// How long a window manager may take to answer anything at all.
+constexpr auto answerPatience = 1000ms;
 /// How long a window may keep a state that it was told to leave.
 constexpr auto statePatience = 250ms;
 /// How long a client may take to draw its shadows again.
 constexpr auto shadowPatience = 250ms;
+/// How long a client may take to make itself fullscreen again.
+constexpr auto relapsePatience = 100ms;
 /// The frame may change with the state of the window; what was computed with the old one is then redone.
 constexpr int attemptLimit = 3;
-constexpr std::uint16_t fenceLimit = 1024;
+/// Some refuse a place for the old size that they grant for the new one.
+constexpr int usualAttempts = 2;
+/// So many windows share a fence: few enough to see that the window manager is at work.
+constexpr std::size_t windowsPerFence = 16;
+/// A fence is known by the size of its window.
+constexpr std::uint32_t fenceSide = 1024;
 
 constexpr std::uint32_t sourcePager = 2;
 constexpr std::uint32_t stateRemove = 0;
@@ -28,128 +36,206 @@ constexpr std::uint32_t stateRemove = 0;
 constexpr std::size_t hintCount = 18;
 constexpr std::uint32_t hasGravityFlag = 1 << 9;
 
+/// Absent for a frame that no window can have.
+std::optional<PixelRect> pixelRect(const Rect& frame) {
+    const auto x = pixels(frame.x), y = pixels(frame.y);
+    const auto width = pixels(frame.width), height = pixels(frame.height);
+    if (!x || !y || !width || !height || *width < 1 || *height < 1)
+        return std::nullopt;
+    return PixelRect{*x, *y, *width, *height};
+}
+
+PixelRect seen(const X11Window& window) {
+    return visibleRect(window.client, window.borders());
+}
+
+bool hasSamePlace(const PixelRect& a, const PixelRect& b) {
+    return a.x == b.x && a.y == b.y;
+}
+
 } // namespace
 
 X11WindowMover::X11WindowMover(X11QueryConnection& connection, X11WindowTable& table,
                                X11WindowManager& windowManager)
-    : connection_(connection), table_(table), windowManager_(windowManager), patience_(usualPatience) {
+    : connection_(connection), table_(table), windowManager_(windowManager) {
     connection_.join(*this);
 }
 
-AXError X11WindowMover::setPosition(xcb_window_t window, const Point& position) {
-    const auto x = pixels(position.x);
-    const auto y = pixels(position.y);
-    if (!x || !y)
-        return AXError::illegalArgument;
-    wish_ = Wish{window, position};
-    return place(window, {.x = *x + table_.primary().x, .y = *y + table_.primary().y});
-}
-
-AXError X11WindowMover::setSize(xcb_window_t window, const Size& size) {
-    Target target{.width = pixels(size.width), .height = pixels(size.height)};
-    if (!target.width || !target.height || *target.width < 1 || *target.height < 1)
-        return AXError::illegalArgument;
-    if (wish_ && wish_->window == window) {
-        target.x = *pixels(wish_->position.x) + table_.primary().x;
-        target.y = *pixels(wish_->position.y) + table_.primary().y;
-    }
-    wish_.reset();
-    return place(window, target);
-}
-
-PixelRect X11WindowMover::wantedClient(const X11Window& window, const Target& target) {
-    const auto borders = window.borders();
-    const auto visible = visibleRect(window.client, borders);
-    return clientRect({target.x.value_or(visible.x), target.y.value_or(visible.y),
-                       target.width.value_or(visible.width), target.height.value_or(visible.height)},
-                      borders);
-}
-
-AXError X11WindowMover::place(xcb_window_t id, const Target& target) {
-    const auto* pinned = table_.find(id);
-    if (!pinned)
-        return AXError::invalidUIElement;
-    // A maximised window that is already where it should be stays maximised.
-    if (wantedClient(*pinned, target) == pinned->client)
-        return AXError::success;
-    if (const auto error = leavePinnedStates(id); error != AXError::success)
-        return error;
-    const bool canMoveResize = windowManager_.facts().supports(connection_.atoms().netMoveresizeWindow);
-    for (int attempt = 0; attempt < attemptLimit; ++attempt) {
-        const auto* window = table_.find(id);
-        if (!window)
-            return AXError::invalidUIElement;
-        const auto borders = window->borders();
-        const auto client = wantedClient(*window, target);
-        if (client == window->client)
-            return AXError::success;
-        if (canMoveResize)
-            moveResize(*window, target, client);
-        else
-            configure(*window, target, client);
-        const bool isAnswered = awaitAnswer(id);
-        table_.markOutdated(id, WindowPart::geometry | WindowPart::decorations | WindowPart::shadows);
-        table_.refresh(Freshness::recent);
-        window = table_.find(id);
-        if (!window)
-            return AXError::invalidUIElement;
+std::vector<PlacementOutcome> X11WindowMover::place(std::span<const WindowPlacement> placements,
+                                                    Seconds patience) {
+    const auto deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(patience);
+    table_.refresh(Freshness::recent);
+    std::vector<Job> jobs;
+    jobs.reserve(placements.size());
+    for (const auto& placement : placements)
+        jobs.push_back(makeJob(placement));
+    while (!std::ranges::all_of(jobs, &Job::isOver)) {
+        request(jobs);
+        const bool isAnswered = awaitFences(deadline);
+        if (isAnswered)
+            awaitUnpinned(jobs, deadline);
+        judge(jobs);
         if (!isAnswered)
-            return client == window->client ? AXError::success : AXError::cannotComplete;
-        if (window->borders() == borders)
-            return AXError::success;
+            break;
     }
-    return AXError::success;
+    awaitRelapses(jobs, deadline);
+    std::vector<PlacementOutcome> outcomes;
+    for (const auto& job : jobs)
+        outcomes.push_back(job.outcome);
+    return outcomes;
 }
 
-AXError X11WindowMover::leavePinnedStates(xcb_window_t id) {
-    const auto* window = table_.find(id);
+X11WindowMover::Job X11WindowMover::makeJob(const WindowPlacement& placement) const {
+    Job job;
+    const auto wanted = pixelRect(placement.frame);
+    const auto* window = std::in_range<xcb_window_t>(placement.window)
+                             ? table_.find(static_cast<xcb_window_t>(placement.window))
+                             : nullptr;
+    if (!window) {
+        job.end(PlacementOutcome::gone);
+        return job;
+    }
+    if (!wanted || !window->kind) {
+        job.end(PlacementOutcome::refused);
+        return job;
+    }
+    job.id = window->id;
+    job.wanted = *wanted;
+    job.before = seen(*window);
+    job.pinnedShadows = window->shadows;
+    job.wasPinned = window->states.isPinned();
+    job.wasFullscreen = window->states.isFullscreen;
+    // A maximised window that is already where it should be stays maximised.
+    if (job.before == job.wanted)
+        job.end(PlacementOutcome::done);
+    return job;
+}
+
+void X11WindowMover::request(std::span<Job> jobs) {
+    const bool canMoveResize = windowManager_.facts().supports(connection_.atoms().netMoveresizeWindow);
+    std::size_t count = 0;
+    for (auto& job : jobs) {
+        if (job.isOver)
+            continue;
+        const auto* window = table_.find(job.id);
+        if (!window) {
+            job.end(PlacementOutcome::gone);
+            continue;
+        }
+        if (job.attempts == 0 && window->states.isPinned()) {
+            removeStates(*window);
+        } else {
+            job.borders = window->borders();
+            const auto client = clientRect(job.wanted, job.borders);
+            if (canMoveResize)
+                moveResize(*window, client);
+            else
+                configure(*window, client);
+        }
+        ++job.attempts;
+        if (++count % windowsPerFence == 0)
+            requestFence();
+    }
+    if (count % windowsPerFence != 0)
+        requestFence();
+}
+
+void X11WindowMover::judge(std::span<Job> jobs) {
+    for (const auto& job : jobs)
+        if (!job.isOver)
+            table_.markOutdated(job.id, WindowPart::geometry);
+    table_.refresh(Freshness::recent);
+    for (auto& job : jobs)
+        if (!job.isOver)
+            judge(job);
+}
+
+void X11WindowMover::judge(Job& job) {
+    const auto* window = table_.find(job.id);
     if (!window)
-        return AXError::invalidUIElement;
-    if (!window->states.isPinned())
-        return AXError::success;
-    const auto shadows = window->shadows;
-    removeStates(*window);
-    const bool isAnswered = awaitAnswer(id);
-    // Some set the state later than they answer, and some answer but keep it.
-    const auto deadline = Clock::now() + statePatience;
-    do {
-        table_.refresh(Freshness::recent);
-        window = table_.find(id);
-        if (!window)
-            return AXError::invalidUIElement;
-    } while (window->states.isPinned() && connection_.waitForEvents(deadline));
-    if (!isAnswered && window->states.isPinned())
-        return AXError::cannotComplete;
-    if (window->drawsOwnShadows && window->shadows == shadows)
-        awaitShadows(id, shadows);
-    return AXError::success;
+        return job.end(PlacementOutcome::gone);
+    const auto now = seen(*window);
+    if (now == job.wanted)
+        return job.end(PlacementOutcome::done);
+    if (window->states.isPinned())
+        return job.end(PlacementOutcome::timedOut);
+    // Leaving the states took the first attempt.
+    const int attempts = job.attempts - (job.wasPinned ? 1 : 0);
+    const bool haveBordersChanged = window->borders() != job.borders;
+    if (attempts < (haveBordersChanged ? attemptLimit : usualAttempts))
+        return;
+    const bool isAtPlace = hasSamePlace(now, job.wanted) || !hasSamePlace(now, job.before);
+    job.end(isAtPlace ? PlacementOutcome::adjusted : PlacementOutcome::timedOut);
 }
 
-void X11WindowMover::awaitShadows(xcb_window_t id, const FrameInsets& pinnedShadows) {
-    const auto deadline = Clock::now() + shadowPatience;
-    const X11Window* window = nullptr;
-    do {
-        table_.refresh(Freshness::recent);
-        window = table_.find(id);
-    } while (window && window->shadows == pinnedShadows && connection_.waitForEvents(deadline));
+void X11WindowMover::awaitUnpinned(std::span<const Job> jobs, Clock::time_point deadline) {
+    // Some window managers set the state later than they answer, and some clients then draw their shadows
+    // again; some do neither.
+    const auto isAnyPinned = [&] {
+        return std::ranges::any_of(jobs, [&](const Job& job) {
+            const auto* window = job.isOver || job.attempts != 1 ? nullptr : table_.find(job.id);
+            return window && window->states.isPinned();
+        });
+    };
+    const auto hasAnyOldShadows = [&] {
+        return std::ranges::any_of(jobs, [&](const Job& job) {
+            const bool isLeaving = job.wasPinned && job.attempts == 1 && !job.isOver;
+            const auto* window = isLeaving ? table_.find(job.id) : nullptr;
+            return window && window->drawsOwnShadows && window->shadows == job.pinnedShadows;
+        });
+    };
+    const auto await = [&](auto isWaiting, std::chrono::milliseconds patience) {
+        const auto end = std::min(deadline, Clock::now() + patience);
+        do
+            table_.refresh(Freshness::recent);
+        while (isWaiting() && Clock::now() < end && connection_.waitForEvents(end));
+    };
+    await(isAnyPinned, statePatience);
+    await(hasAnyOldShadows, shadowPatience);
 }
 
-void X11WindowMover::moveResize(const X11Window& window, const Target& target, const PixelRect& client) {
-    const auto flag = [](bool isSet, int bit) { return isSet ? 1U << bit : 0U; };
-    const auto values = flag(target.x.has_value(), 8) | flag(target.y.has_value(), 9) |
-                        flag(target.width.has_value(), 10) | flag(target.height.has_value(), 11);
+void X11WindowMover::awaitRelapses(std::span<Job> jobs, Clock::time_point deadline) {
+    const auto isSuspect = [](const Job& job) {
+        return job.wasFullscreen &&
+               (job.outcome == PlacementOutcome::done || job.outcome == PlacementOutcome::adjusted);
+    };
+    const auto end = std::min(deadline, Clock::now() + relapsePatience);
+    while (std::ranges::any_of(jobs, isSuspect) && Clock::now() < end && connection_.waitForEvents(end)) {
+        table_.refresh(Freshness::recent);
+        for (auto& job : jobs)
+            if (const auto* window = isSuspect(job) ? table_.find(job.id) : nullptr)
+                if (window->states.isPinned())
+                    job.outcome = PlacementOutcome::timedOut;
+    }
+}
+
+bool X11WindowMover::awaitFences(Clock::time_point deadline) {
+    auto progress = answeredFence_;
+    auto end = std::min(deadline, Clock::now() + answerPatience);
+    while (answeredFence_ != requestedFence_) {
+        if (Clock::now() >= end || !connection_.waitForEvents(end))
+            return false;
+        if (std::exchange(progress, answeredFence_) != answeredFence_)
+            end = std::min(deadline, Clock::now() + answerPatience);
+    }
+    return true;
+}
+
+void X11WindowMover::moveResize(const X11Window& window, const PixelRect& client) {
+    constexpr std::uint32_t position = 0x300, size = 0xc00;
+    const bool isResized = client.width != window.client.width || client.height != window.client.height;
     // The corner of the frame is asked for, not that of the client, because the frame may change with the
     // state of the window.
     const auto& decorations = window.borders().decorations;
     sendToWindowManager(window.id, connection_.atoms().netMoveresizeWindow,
-                        {XCB_GRAVITY_NORTH_WEST | values | sourcePager << 12,
+                        {XCB_GRAVITY_NORTH_WEST | position | (isResized ? size : 0) | sourcePager << 12,
                          static_cast<std::uint32_t>(client.x - decorations.left),
                          static_cast<std::uint32_t>(client.y - decorations.top),
                          static_cast<std::uint32_t>(client.width),
                          static_cast<std::uint32_t>(client.height)});
 }
 
-void X11WindowMover::configure(const X11Window& window, const Target& target, const PixelRect& client) {
+void X11WindowMover::configure(const X11Window& window, const PixelRect& client) {
     const auto hints =
         cardinals(owned(xcb_get_property_reply(connection_.get(),
                                                requestProperty(connection_.get(), window.id,
@@ -160,19 +246,13 @@ void X11WindowMover::configure(const X11Window& window, const Target& target, co
                                       ? hints[hintCount - 1]
                                       : static_cast<std::uint32_t>(XCB_GRAVITY_NORTH_WEST);
     const auto request = configureRequestRect(client, window.borders().decorations, gravity);
-    std::uint16_t mask = 0;
-    std::vector<std::uint32_t> values;
-    const auto add = [&](bool isWanted, std::uint16_t field, std::int32_t value) {
-        if (!isWanted)
-            return;
-        mask |= field;
-        values.push_back(static_cast<std::uint32_t>(value));
-    };
-    add(target.x.has_value(), XCB_CONFIG_WINDOW_X, request.x);
-    add(target.y.has_value(), XCB_CONFIG_WINDOW_Y, request.y);
-    add(target.width.has_value(), XCB_CONFIG_WINDOW_WIDTH, request.width);
-    add(target.height.has_value(), XCB_CONFIG_WINDOW_HEIGHT, request.height);
-    xcb_configure_window(connection_.get(), window.id, mask, values.data());
+    const std::array values{static_cast<std::uint32_t>(request.x), static_cast<std::uint32_t>(request.y),
+                            static_cast<std::uint32_t>(request.width),
+                            static_cast<std::uint32_t>(request.height)};
+    xcb_configure_window(connection_.get(), window.id,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                             XCB_CONFIG_WINDOW_HEIGHT,
+                         values.data());
 }
 
 void X11WindowMover::removeStates(const X11Window& window) {
@@ -188,33 +268,20 @@ void X11WindowMover::removeStates(const X11Window& window) {
         remove(atoms.netWmStateShaded, XCB_ATOM_NONE);
 }
 
-bool X11WindowMover::awaitAnswer(xcb_window_t window) {
-    const auto deadline = Clock::now() + patience_;
-    requestFence();
-    while (answeredFence_ != requestedFence_) {
-        if (!connection_.waitForEvents(deadline)) {
-            patience_ = shortPatience;
-            return false;
-        }
-        if (!table_.find(window))
-            return true;
-    }
-    patience_ = usualPatience;
-    return true;
-}
-
 void X11WindowMover::requestFence() {
     if (fenceWindow_ == XCB_WINDOW_NONE) {
         fenceWindow_ = xcb_generate_id(connection_.get());
         const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
         xcb_create_window(connection_.get(), XCB_COPY_FROM_PARENT, fenceWindow_, connection_.root(), -1, -1,
-                          fenceLimit, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                          fenceSide, fenceSide, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
                           XCB_CW_EVENT_MASK, &mask);
+        requestedFence_ = answeredFence_ = 0;
     }
-    // The width tells the answers apart, so that a late one is not taken for the next.
-    requestedFence_ = static_cast<std::uint16_t>(requestedFence_ % (fenceLimit - 1) + 1);
-    const std::uint32_t width = requestedFence_;
-    xcb_configure_window(connection_.get(), fenceWindow_, XCB_CONFIG_WINDOW_WIDTH, &width);
+    // The size tells the answers apart, so that a late one is not taken for the next.
+    requestedFence_ = (requestedFence_ + 1) % (fenceSide * fenceSide - 1);
+    const std::array size{requestedFence_ % fenceSide + 1, requestedFence_ / fenceSide + 1};
+    xcb_configure_window(connection_.get(), fenceWindow_, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                         size.data());
 }
 
 void X11WindowMover::sendToWindowManager(xcb_window_t window, xcb_atom_t type,
@@ -235,12 +302,10 @@ void X11WindowMover::handleEvent(const xcb_generic_event_t& event) {
         return;
     const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
     if (change.window == fenceWindow_)
-        answeredFence_ = change.width;
+        answeredFence_ = change.width - 1U + (change.height - 1U) * fenceSide;
 }
 
 void X11WindowMover::forget() {
-    wish_.reset();
-    patience_ = usualPatience;
     if (fenceWindow_ != XCB_WINDOW_NONE)
         xcb_destroy_window(connection_.get(), fenceWindow_);
     fenceWindow_ = XCB_WINDOW_NONE;

@@ -42,22 +42,17 @@ WindowStates windowStates(const X11Atoms& atoms, const std::vector<std::uint32_t
 }
 
 /// The types are listed in order of preference, so the first known one decides.
-WindowKind windowKind(const X11Atoms& atoms, const std::vector<std::uint32_t>& types, bool isTransient) {
+std::optional<WindowKind> windowKind(const X11Atoms& atoms, const std::vector<std::uint32_t>& types,
+                                     bool isTransient) {
+    using Meaning = std::pair<xcb_atom_t, std::optional<WindowKind>>;
     const std::array kinds = {
-        std::pair{atoms.typeNormal, WindowKind::standard},
-        std::pair{atoms.typeDialog, WindowKind::dialog},
-        std::pair{atoms.typeUtility, WindowKind::floating},
-        std::pair{atoms.typeToolbar, WindowKind::floating},
-        std::pair{atoms.typeDesktop, WindowKind::desktopElement},
-        std::pair{atoms.typeDock, WindowKind::desktopElement},
-        std::pair{atoms.typeSplash, WindowKind::desktopElement},
-        std::pair{atoms.typeNotification, WindowKind::desktopElement},
-        std::pair{atoms.typeTooltip, WindowKind::desktopElement},
-        std::pair{atoms.typeMenu, WindowKind::desktopElement},
-        std::pair{atoms.typeDropdownMenu, WindowKind::desktopElement},
-        std::pair{atoms.typePopupMenu, WindowKind::desktopElement},
-        std::pair{atoms.typeCombo, WindowKind::desktopElement},
-        std::pair{atoms.typeDnd, WindowKind::desktopElement},
+        Meaning{atoms.typeNormal, WindowKind::standard},  Meaning{atoms.typeDialog, WindowKind::dialog},
+        Meaning{atoms.typeUtility, WindowKind::floating}, Meaning{atoms.typeToolbar, WindowKind::floating},
+        Meaning{atoms.typeDesktop, std::nullopt},         Meaning{atoms.typeDock, std::nullopt},
+        Meaning{atoms.typeSplash, std::nullopt},          Meaning{atoms.typeNotification, std::nullopt},
+        Meaning{atoms.typeTooltip, std::nullopt},         Meaning{atoms.typeMenu, std::nullopt},
+        Meaning{atoms.typeDropdownMenu, std::nullopt},    Meaning{atoms.typePopupMenu, std::nullopt},
+        Meaning{atoms.typeCombo, std::nullopt},           Meaning{atoms.typeDnd, std::nullopt},
     };
     for (const auto type : types)
         for (const auto& [atom, kind] : kinds)

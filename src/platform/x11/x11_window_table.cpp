@@ -1,6 +1,5 @@
 #include "platform/x11/x11_window_table.h"
 
-#include "platform/x11/x11_monitors.h"
 #include "platform/x11/x11_property.h"
 #include "platform/x11/x11_reply.h"
 
@@ -21,8 +20,8 @@ void selectWindowEvents(xcb_connection_t* connection, xcb_window_t window, std::
 
 } // namespace
 
-X11WindowTable::X11WindowTable(X11QueryConnection& connection, ApplicationCatalog& catalog)
-    : connection_(connection), catalog_(catalog), reader_(connection.server()) {
+X11WindowTable::X11WindowTable(X11QueryConnection& connection)
+    : connection_(connection), reader_(connection.server()) {
     connection_.join(*this);
 }
 
@@ -58,10 +57,6 @@ bool X11WindowTable::isOnScreen(const X11Window& window) const {
     return window.isViewable && !window.states.isHidden && isOnDesktop;
 }
 
-Rect X11WindowTable::frame(const X11Window& window) const {
-    return windowSpaceRect(visibleRect(window.client, window.borders()), primary_);
-}
-
 void X11WindowTable::markOutdated(xcb_window_t window, WindowPart parts) {
     if (const auto found = entries_.find(window); found != entries_.end())
         markOutdated(found->second, parts);
@@ -84,13 +79,11 @@ void X11WindowTable::readRoot() {
         requestProperty(server, connection_.root(), atoms.netClientListStacking, windowLimit * 4);
     const auto desktop = requestProperty(server, connection_.root(), atoms.netCurrentDesktop, 4);
     const auto active = requestProperty(server, connection_.root(), atoms.netActiveWindow, 4);
-    const auto monitors = requestMonitors(connection_.server());
     const auto listReply = collect(list);
     hasWindowList_ = listReply && listReply->format == 32;
     takeWindowList(cardinals(listReply.get()));
     currentDesktop_ = cardinal(collect(desktop).get());
     activeWindow_ = cardinal(collect(active).get());
-    primary_ = primaryArea(collectMonitors(connection_.server(), monitors));
 }
 
 void X11WindowTable::takeWindowList(const std::vector<std::uint32_t>& bottomToTop) {
@@ -136,25 +129,14 @@ void X11WindowTable::readOutdated() {
     }
     reader_.read(tasks);
     std::set<xcb_window_t> gone;
-    for (const auto& task : tasks) {
+    for (const auto& task : tasks)
         if (task.isGone)
             gone.insert(task.window->id);
-        else if (contains(task.parts,
-                          WindowPart::windowClass | WindowPart::applicationID | WindowPart::process))
-            identify(*task.window);
-    }
     if (gone.empty())
         return;
     for (const auto id : gone)
         entries_.erase(id);
     rebuildList();
-}
-
-void X11WindowTable::identify(X11Window& window) {
-    const auto known = identities_.find(window.clues);
-    window.identity = known != identities_.end()
-                          ? known->second
-                          : identities_.emplace(window.clues, catalog_.identify(window.clues)).first->second;
 }
 
 void X11WindowTable::rebuildList() {
@@ -177,7 +159,6 @@ void X11WindowTable::handleRootProperty(xcb_atom_t property) {
 
 void X11WindowTable::handleEvent(const xcb_generic_event_t& event) {
     const auto type = event.response_type & 0x7f;
-    const auto firstRandrEvent = connection_.server().extensions().randrFirstEvent;
     switch (type) {
     case XCB_PROPERTY_NOTIFY: {
         const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
@@ -188,10 +169,8 @@ void X11WindowTable::handleEvent(const xcb_generic_event_t& event) {
         return;
     }
     case XCB_CONFIGURE_NOTIFY: {
-        const auto window = reinterpret_cast<const xcb_configure_notify_event_t&>(event).window;
-        if (window == connection_.root())
-            isRootOutdated_ = true;
-        markOutdated(window, WindowPart::geometry);
+        markOutdated(reinterpret_cast<const xcb_configure_notify_event_t&>(event).window,
+                     WindowPart::geometry);
         return;
     }
     case XCB_REPARENT_NOTIFY:
@@ -209,10 +188,7 @@ void X11WindowTable::handleEvent(const xcb_generic_event_t& event) {
             rebuildList();
         return;
     default:
-        if (connection_.server().extensions().hasMonitors &&
-            (type == firstRandrEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
-             type == firstRandrEvent + XCB_RANDR_NOTIFY))
-            isRootOutdated_ = true;
+        return;
     }
 }
 
@@ -222,7 +198,6 @@ void X11WindowTable::forget() {
     entries_.clear();
     stacking_.clear();
     windows_.clear();
-    identities_.clear();
     hasWindowList_ = false;
     isRootOutdated_ = true;
 }

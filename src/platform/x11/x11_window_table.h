@@ -13,7 +13,7 @@ namespace tavrin {
 /// the number of windows; later ones read again only what changed since.
 class X11WindowTable final : public X11Mirror {
 public:
-    X11WindowTable(X11QueryConnection& connection, ApplicationCatalog& catalog);
+    explicit X11WindowTable(X11QueryConnection& connection);
 
     /// Brings the mirror up to date. False when there is no window list (no server, no window manager).
     bool refresh(Freshness freshness);
@@ -36,12 +36,6 @@ public:
     /// The user can see the window on the current desktop.
     bool isOnScreen(const X11Window& window) const;
 
-    /// What the user sees of the window: points, top-left origin at the primary screen.
-    Rect frame(const X11Window& window) const;
-
-    /// The primary monitor on the root window.
-    const PixelRect& primary() const { return primary_; }
-
     /// Something about the window is about to change without an event.
     void markOutdated(xcb_window_t window, WindowPart parts);
 
@@ -59,23 +53,19 @@ private:
     void readRoot();
     void takeWindowList(const std::vector<std::uint32_t>& bottomToTop);
     void readOutdated();
-    void identify(X11Window& window);
     void rebuildList();
     void handleRootProperty(xcb_atom_t property);
 
     X11QueryConnection& connection_;
-    ApplicationCatalog& catalog_;
     X11WindowReader reader_;
     std::map<xcb_window_t, Entry> entries_;
     std::vector<xcb_window_t> stacking_; ///< front to back
     std::vector<const X11Window*> windows_;
-    std::map<ApplicationClues, ApplicationIdentity> identities_;
     bool hasWindowList_ = false;
     bool isRootOutdated_ = true;
     bool hasOutdated_ = false; ///< some entry is; most questions find none, so they need not look
     std::optional<std::uint32_t> currentDesktop_;
     std::optional<xcb_window_t> activeWindow_;
-    PixelRect primary_;
 };
 
 } // namespace tavrin

@@ -1,4 +1,4 @@
-#include "platform/x11/x11_screen_list.h"
+#include "platform/x11/x11_screens.h"
 
 #include "platform/x11/resource_scale.h"
 #include "platform/x11/x11_display_hardware.h"
@@ -13,24 +13,31 @@ constexpr std::size_t resourceLimit = 256 * 1024;
 
 } // namespace
 
-double X11ScreenList::backingScaleFactor() {
+double X11Screens::scale() {
     const auto cookie =
         requestProperty(server_.get(), server_.root(), XCB_ATOM_RESOURCE_MANAGER, resourceLimit);
     return resourceScale(bytes(owned(xcb_get_property_reply(server_.get(), cookie, nullptr)).get()));
 }
 
-std::vector<Screen> X11ScreenList::screens() {
+std::vector<DesktopScreen> X11Screens::screens() {
     const auto monitors = collectMonitors(server_, requestMonitors(server_));
-    const auto scale = backingScaleFactor();
+    const auto desktopScale = scale();
     const auto hardware = readDisplayHardware(server_, monitors);
     const auto workAreas = readWorkAreas(server_, windowManager_.facts(), monitors);
     const auto primary = primaryArea(monitors);
-    std::vector<Screen> screens;
-    for (std::size_t i = 0; i < monitors.size(); ++i)
-        screens.push_back({.frame = displaySpaceRect(monitors[i].area, primary),
-                           .visibleFrame = displaySpaceRect(workAreas[i], primary),
-                           .backingScaleFactor = scale,
-                           .hardware = hardware[i]});
+    std::vector<DesktopScreen> screens;
+    bool hasPrimary = false;
+    for (std::size_t i = 0; i < monitors.size(); ++i) {
+        DesktopScreen screen{.frame = desktopSpaceRect(monitors[i].area),
+                             .workArea = desktopSpaceRect(workAreas[i]),
+                             .scale = desktopScale,
+                             .isPrimary = !hasPrimary && monitors[i].area == primary,
+                             .hardware = {}};
+        hasPrimary |= screen.isPrimary;
+        if (hardware[i])
+            screen.hardware.push_back(*hardware[i]);
+        screens.push_back(std::move(screen));
+    }
     return screens;
 }
 

@@ -1,21 +1,23 @@
 #pragma once
 
+#include "platform/windows/window_system.h"
 #include "platform/x11/x11_window_manager.h"
-#include "ports/screen_list.h"
+
+#include <vector>
 
 namespace tavrin {
 
 /// The monitors with their hardware identity and what panels leave free of them. Nothing is remembered:
 /// every answer comes from the server, in a handful of round trips.
-class X11ScreenList final : public ScreenList {
+class X11Screens {
 public:
-    X11ScreenList(X11Connection& server, X11WindowManager& windowManager)
+    X11Screens(X11Connection& server, X11WindowManager& windowManager)
         : server_(server), windowManager_(windowManager) {}
 
-    std::vector<Screen> screens() override;
+    std::vector<DesktopScreen> screens();
 
     /// The scale that the desktop asks for, the same for all screens; 1 where it does not.
-    double backingScaleFactor();
+    double scale();
 
 private:
     X11Connection& server_;

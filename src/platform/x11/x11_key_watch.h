@@ -7,19 +7,19 @@
 
 #include <functional>
 #include <map>
-#include <memory>
+#include <vector>
 
 namespace tavrin {
 
-/// Sees the key presses that go to other applications, without taking them away; also while another
-/// program has grabbed the keyboard. Nothing is selected while nobody listens.
-class X11KeyMonitor {
+/// Sees the presses of chosen combinations that go to other applications, without taking them away; also
+/// while another program has grabbed the keyboard. Nothing is selected while none is chosen.
+class X11KeyWatch {
 public:
-    X11KeyMonitor(X11EventConnection& events, X11QueryConnection& query);
+    X11KeyWatch(X11EventConnection& events, X11QueryConnection& query);
 
-    /// `handler` is called for every new press (no repeats, no modifier keys) until the token is released.
-    /// An empty token when the server does not show raw keys.
-    Token addGlobalMonitor(std::function<void(const KeyEvent&)> handler);
+    /// For both see `WindowSystem`.
+    void watch(std::vector<KeyCombo> combos, std::function<void(const KeyCombo&)> pressed);
+    std::vector<RefusedKey> refusedKeys() const;
 
     /// The number in the input layer of a key, by the server's number; absent when its position is unknown.
     std::optional<std::uint32_t> keyPosition(std::uint8_t key);
@@ -34,14 +34,14 @@ private:
 
     X11EventConnection& events_;
     X11QueryConnection& query_;
-    Signal<const KeyEvent&> pressed_;
+    std::vector<KeyCombo> combos_;
+    std::function<void(const KeyCombo&)> pressed_;
     X11Keyboard keyboard_;
     HeldKeys held_;
     std::uint8_t modifiers_ = 0; ///< in force, as the last notice told
     bool isKeyboardOutdated_ = true;
     std::map<std::uint32_t, bool> isOwnClient_;
     Token eventToken_;
-    std::shared_ptr<bool> isAlive_ = std::make_shared<bool>(true);
 };
 
 } // namespace tavrin

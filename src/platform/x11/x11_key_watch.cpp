@@ -1,4 +1,4 @@
-#include "platform/x11/x11_key_monitor.h"
+#include "platform/x11/x11_key_watch.h"
 
 #include "platform/x11/x11_keyboard_protocol.h"
 #include "platform/x11/x11_reply.h"
@@ -16,6 +16,9 @@ namespace {
 constexpr std::uint16_t keyboardEvents =
     XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY | XCB_XKB_EVENT_TYPE_STATE_NOTIFY;
 
+/// Of clients that are remembered.
+constexpr std::size_t clientLimit = 256;
+
 void selectRawKeys(X11EventConnection& events, std::uint32_t mask) {
     struct {
         xcb_input_event_mask_t head;
@@ -26,23 +29,28 @@ void selectRawKeys(X11EventConnection& events, std::uint32_t mask) {
 
 } // namespace
 
-X11KeyMonitor::X11KeyMonitor(X11EventConnection& events, X11QueryConnection& query)
+X11KeyWatch::X11KeyWatch(X11EventConnection& events, X11QueryConnection& query)
     : events_(events), query_(query) {}
 
-Token X11KeyMonitor::addGlobalMonitor(std::function<void(const KeyEvent&)> handler) {
-    if (!events_.server().extensions().hasRawKeys)
-        return {};
-    if (!pressed_.isConnected())
+void X11KeyWatch::watch(std::vector<KeyCombo> combos, std::function<void(const KeyCombo&)> pressed) {
+    combos_ = std::move(combos);
+    pressed_ = std::move(pressed);
+    const bool isWanted = !combos_.empty() && events_.server().extensions().hasRawKeys;
+    if (isWanted && !eventToken_)
         start();
-    return Token(
-        [this, connection = pressed_.connect(std::move(handler)), alive = std::weak_ptr(isAlive_)]() mutable {
-            connection.release();
-            if (!alive.expired() && !pressed_.isConnected())
-                stop();
-        });
+    else if (!isWanted && eventToken_)
+        stop();
 }
 
-void X11KeyMonitor::start() {
+std::vector<RefusedKey> X11KeyWatch::refusedKeys() const {
+    std::vector<RefusedKey> refused;
+    if (!events_.server().extensions().hasRawKeys)
+        for (const auto& combo : combos_)
+            refused.push_back({combo, "This X server does not show key presses to other programs."});
+    return refused;
+}
+
+void X11KeyWatch::start() {
     eventToken_ = events_.observeEvents([this](const xcb_generic_event_t& event) { handleEvent(event); });
     selectRawKeys(events_, XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
     // Notices of the modifiers come in order with the keys, so that a press is judged by the modifiers of
@@ -62,7 +70,7 @@ void X11KeyMonitor::start() {
     isKeyboardOutdated_ = true;
 }
 
-void X11KeyMonitor::stop() {
+void X11KeyWatch::stop() {
     eventToken_.release();
     selectRawKeys(events_, 0);
     xcb_xkb_select_events_aux(events_.get(), XCB_XKB_ID_USE_CORE_KBD, keyboardEvents, keyboardEvents, 0, 0, 0,
@@ -70,7 +78,7 @@ void X11KeyMonitor::stop() {
     events_.flush();
 }
 
-void X11KeyMonitor::handleEvent(const xcb_generic_event_t& event) {
+void X11KeyWatch::handleEvent(const xcb_generic_event_t& event) {
     const auto& extensions = events_.server().extensions();
     const auto type = event.response_type & 0x7f;
     if (type == extensions.xkbFirstEvent) {
@@ -92,7 +100,11 @@ void X11KeyMonitor::handleEvent(const xcb_generic_event_t& event) {
     }
 }
 
-void X11KeyMonitor::handlePress(std::uint8_t key) {
+void X11KeyWatch::handlePress(std::uint8_t key) {
+    const auto code = keyPosition(key).and_then(virtualKeyCode);
+    // Most presses are none of ours, whatever the modifiers, and need no question.
+    if (!code || std::ranges::find(combos_, *code, &KeyCombo::keyCode) == combos_.end())
+        return;
     const auto focusCookie = xcb_get_input_focus(query_.get());
     const auto keymapCookie = xcb_query_keymap(query_.get());
     const auto focus = owned(xcb_get_input_focus_reply(query_.get(), focusCookie, nullptr));
@@ -101,27 +113,33 @@ void X11KeyMonitor::handlePress(std::uint8_t key) {
         return;
     HeldKeys::DownKeys down;
     std::ranges::copy(keymap->keys, down.begin());
-    if (!held_.press(key, down))
+    if (!held_.press(key, down) || isOwnWindow(focus->focus))
         return;
-    const auto code = keyPosition(key).and_then(virtualKeyCode);
-    if (code && !isOwnWindow(focus->focus))
-        pressed_.emit({.keyCode = *code, .modifierFlags = keyboard().modifiers.flags(modifiers_)});
+    const KeyEvent press{.keyCode = *code, .modifierFlags = keyboard().modifiers.flags(modifiers_)};
+    const auto found =
+        std::ranges::find_if(combos_, [&](const KeyCombo& combo) { return combo.matches(press); });
+    if (found == combos_.end())
+        return;
+    // The callback may have others watched.
+    const auto combo = *found;
+    if (const auto pressed = pressed_)
+        pressed(combo);
 }
 
-std::optional<std::uint32_t> X11KeyMonitor::keyPosition(std::uint8_t key) {
+std::optional<std::uint32_t> X11KeyWatch::keyPosition(std::uint8_t key) {
     return keyboard().positions.evdevCode(key);
 }
 
-const X11Keyboard& X11KeyMonitor::keyboard() {
-    // Nobody tells of another keyboard while nobody listens.
-    if (isKeyboardOutdated_ || !pressed_.isConnected())
+const X11Keyboard& X11KeyWatch::keyboard() {
+    // No keymap notifications arrive while nothing is watched, so read it again.
+    if (isKeyboardOutdated_ || !eventToken_)
         if (auto keyboard = readKeyboard(query_.server()))
             keyboard_ = std::move(*keyboard);
     isKeyboardOutdated_ = false;
     return keyboard_;
 }
 
-bool X11KeyMonitor::isOwnWindow(xcb_window_t window) {
+bool X11KeyWatch::isOwnWindow(xcb_window_t window) {
     const auto client = query_.server().clientOf(window);
     if (client == 0 || !query_.server().extensions().hasClientIDs)
         return false; // nobody has the focus, or the server itself
@@ -137,6 +155,8 @@ bool X11KeyMonitor::isOwnWindow(xcb_window_t window) {
             isOwn |= xcb_res_client_id_value_value_length(id.data) > 0 &&
                      xcb_res_client_id_value_value(id.data)[0] == static_cast<std::uint32_t>(getpid());
     // Numbers of clients are given out again, but this process keeps its connections as long as it runs.
+    if (isOwnClient_.size() >= clientLimit)
+        isOwnClient_.clear();
     return isOwnClient_[client] = isOwn;
 }
 

@@ -1,0 +1,169 @@
+#include "platform/desktop.h"
+
+#include "base/text.h"
+#include "platform/freedesktop/bus_addresses.h"
+#include "platform/freedesktop/freedesktop_application_catalog.h"
+#include "platform/freedesktop/freedesktop_link_opener.h"
+#include "platform/freedesktop/freedesktop_system_events.h"
+#include "platform/freedesktop/session_bus_instances.h"
+#include "platform/freedesktop/xdg_autostart_login_item.h"
+#include "platform/freedesktop/xdg_paths.h"
+#include "platform/posix/posix_file_system.h"
+#include "platform/posix/system_wall_clock.h"
+#include "platform/qt/qt_application_host.h"
+#include "platform/qt/qt_local_key_monitor.h"
+#include "platform/qt/qt_status_item.h"
+#include "platform/qt/qt_user_defaults.h"
+#include "platform/system_event_hub.h"
+#include "platform/windows/window_ports.h"
+#include "platform/windows/window_system_elements.h"
+#include "ports/key_monitors.h"
+#include "ports/session.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace tavrin {
+namespace {
+
+/// Presses for other applications from the window system, those for the program's own windows from Qt.
+class DesktopKeyMonitors final : public KeyMonitors {
+public:
+    DesktopKeyMonitors(WindowSystem& system, const QtApplicationHost& host) : system_(system), host_(host) {}
+
+    void watch(std::vector<KeyCombo> combos, std::function<void(const KeyEvent&)> pressed) override {
+        system_.watchKeys(std::move(combos), [this, pressed = std::move(pressed)](const KeyCombo& combo) {
+            // An open menu of this program takes the keyboard without taking the focus.
+            if (!host_.isActive())
+                pressed({.keyCode = combo.keyCode, .modifierFlags = combo.modifiers.rawValue});
+        });
+    }
+
+    std::vector<RefusedKey> refusedKeys() override { return system_.refusedKeys(); }
+
+    Token observeRefusedKeys(std::function<void()> handler) override {
+        return system_.observe(WindowSystemEvent::refusedKeysChanged, std::move(handler));
+    }
+
+    Token addLocalMonitor(std::function<bool(const KeyEvent&)> handler) override {
+        return localMonitor_.add(std::move(handler));
+    }
+
+private:
+    WindowSystem& system_;
+    const QtApplicationHost& host_;
+    QtLocalKeyMonitor localMonitor_{[this](std::uint32_t key) { return system_.keyPosition(key); }};
+};
+
+/// What the session's environment, the window system and the toolkit say about themselves.
+class SessionInformation final : public DesktopInformation {
+public:
+    explicit SessionInformation(WindowSystem& system) : system_(system) {}
+
+    DesktopFacts currentFacts() override {
+        const auto variable = [](const char* name) {
+            const char* value = std::getenv(name);
+            return value ? sanitizedUtf8(value, 128) : std::string();
+        };
+        const std::string type = variable("XDG_SESSION_TYPE");
+        return {.desktopName = variable("XDG_CURRENT_DESKTOP"),
+                .windowManagerName = system_.name(),
+                .sessionType = type.empty() ? QtProgram::windowProtocol() : type,
+                .toolkitVersion = QtProgram::toolkitVersion()};
+    }
+
+private:
+    WindowSystem& system_;
+};
+
+/// The page about the permission, beside the program as it was installed or in the installed place.
+std::filesystem::path helpPage(const std::filesystem::path& program) {
+    const auto beside = program.parent_path().parent_path() / "share/doc/tavrin/permission.html";
+    return std::filesystem::exists(beside) ? beside : std::filesystem::path(TAVRIN_HELP_PAGE);
+}
+
+class Desktop final : public OpenedPlatform {
+public:
+    Desktop(std::unique_ptr<DesktopToolkit> toolkit, std::unique_ptr<WindowSystem> system)
+        : toolkit_(std::move(toolkit)), system_(std::move(system)) {
+        observers_.push_back(
+            system_->observe(WindowSystemEvent::screensChanged, emit(SystemEvent::screenParametersChanged)));
+        observers_.push_back(
+            system_->observe(WindowSystemEvent::availabilityChanged, emit(SystemEvent::trustMayHaveChanged)));
+        observers_.push_back(system_->observe(WindowSystemEvent::connectionLost, [this] {
+            std::fprintf(stderr, "tavrin: the connection to the window system is lost\n");
+            toolkit_->program.exit(EXIT_FAILURE);
+        }));
+        observers_.push_back(host_.observeDidBecomeActive(emit(SystemEvent::didBecomeActive)));
+    }
+
+    const Platform& platform() override { return platform_; }
+    std::optional<Rect> statusItemAnchor() override { return statusItem_.anchor(); }
+    int run() override { return toolkit_->program.run(); }
+
+    void setOnActivate(std::function<void()> handler) override {
+        if (!handler)
+            return instances_.setOnActivate({});
+        instances_.setOnActivate([handler = std::move(handler)](const std::string&) { handler(); });
+    }
+
+private:
+    std::function<void()> emit(SystemEvent event) {
+        return [this, event] { events_.emit(event); };
+    }
+
+    std::unique_ptr<DesktopToolkit> toolkit_;
+    std::unique_ptr<WindowSystem> system_;
+    QtApplicationHost host_{toolkit_->program.application()};
+    SystemEventHub events_;
+    FreedesktopApplicationCatalog catalog_;
+    FreedesktopSystemEvents sessionEvents_{{}, [this](SystemEvent event) { events_.emit(event); }};
+    QtUserDefaults defaults_;
+    PosixFileSystem fileSystem_;
+    SystemWallClock clock_;
+    QtStatusItem statusItem_;
+    XdgAutostartLoginItem loginItem_{fileSystem_, host_.bundlePath()};
+    SessionBusInstances instances_{busAddresses().session, getpid()};
+    FreedesktopLinkOpener links_{helpPage(host_.bundlePath()), busAddresses().session};
+    DesktopKeyMonitors keyMonitors_{*system_, host_};
+    SessionInformation information_{*system_};
+    ListedWindows windows_{*system_, catalog_, toolkit_->scheduler};
+    WindowSystemScreens screens_{windows_};
+    WindowSystemWindowList windowList_{windows_};
+    WindowSystemApplications applications_{windows_};
+    WindowSystemElements elements_{windows_};
+    WindowSystemTrust trust_{*system_};
+    Platform platform_{.screenList = screens_,
+                       .windowList = windowList_,
+                       .runningApplications = applications_,
+                       .windowElements = elements_,
+                       .accessibilityTrust = trust_,
+                       .keyMonitors = keyMonitors_,
+                       .systemEvents = events_,
+                       .loginItem = loginItem_,
+                       .runningInstances = instances_,
+                       .userDefaults = defaults_,
+                       .fileSystem = fileSystem_,
+                       .clock = clock_,
+                       .scheduler = toolkit_->scheduler,
+                       .statusItem = statusItem_,
+                       .applicationHost = host_,
+                       .linkOpener = links_,
+                       .applicationSupportDirectory = XdgPaths{}.dataHome(),
+                       .processIdentifier = getpid(),
+                       .applicationCatalog = catalog_,
+                       .desktopInformation = information_};
+    std::vector<Token> observers_;
+};
+
+} // namespace
+
+DesktopToolkit::DesktopToolkit(int& argc, char** argv) : program(argc, argv, TAVRIN_VERSION) {}
+
+std::unique_ptr<OpenedPlatform> makeDesktop(std::unique_ptr<DesktopToolkit> toolkit,
+                                            std::unique_ptr<WindowSystem> system) {
+    return std::make_unique<Desktop>(std::move(toolkit), std::move(system));
+}
+
+} // namespace tavrin
