@@ -18,7 +18,7 @@ constexpr std::uint32_t keyOffset = 8;
 /// The text in the first `size` bytes of a file; empty when it has not that many, since touching what is
 /// not there would end the program.
 std::string mappedText(int file, std::uint32_t size) {
-    struct stat status {};
+    struct stat status{};
     if (size == 0 || size > keymapLimit || ::fstat(file, &status) != 0 ||
         status.st_size < static_cast<off_t>(size))
         return {};
