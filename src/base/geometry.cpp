@@ -4,7 +4,18 @@
 
 namespace tavrin {
 
+namespace {
+
+// std::min and std::max hide a NaN or pass it on, depending on which side it stands.
+bool holdsNaN(const Rect& rect) {
+    return std::isnan(rect.x) || std::isnan(rect.y) || std::isnan(rect.width) || std::isnan(rect.height);
+}
+
+} // namespace
+
 double overlapArea(const Rect& a, const Rect& b) {
+    if (holdsNaN(a) || holdsNaN(b))
+        return 0;
     const double width = std::min(a.maxX(), b.maxX()) - std::max(a.minX(), b.minX());
     const double height = std::min(a.maxY(), b.maxY()) - std::max(a.minY(), b.minY());
     return width > 0 && height > 0 ? width * height : 0;

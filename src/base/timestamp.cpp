@@ -49,7 +49,7 @@ std::string iso8601Text(Timestamp time) {
     using namespace std::chrono;
     const auto day = floor<days>(time);
     const year_month_day date{day};
-    const hh_mm_ss clock{floor<seconds>(time) - day};
+    const hh_mm_ss clock{time - day};
     return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z", static_cast<int>(date.year()),
                        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
                        clock.hours().count(), clock.minutes().count(), clock.seconds().count());
@@ -74,14 +74,14 @@ std::optional<Timestamp> parseIso8601(std::string_view text) {
     const auto offset = parseOffset(text);
     const year_month_day date{year{*yearValue}, month{static_cast<unsigned>(*monthValue)},
                               day{static_cast<unsigned>(*dayValue)}};
-    if (!offset || !date.ok() || *hourValue > 23 || *minuteValue > 59 || *secondValue > 59)
+    const bool endsDay = *hourValue == 24 && *minuteValue == 0 && *secondValue == 0;
+    if (!offset || !date.ok() || (*hourValue > 23 && !endsDay) || *minuteValue > 59 || *secondValue > 59)
         return std::nullopt;
     const auto time =
         sys_days{date} + hours{*hourValue} + minutes{*minuteValue} + seconds{*secondValue} - *offset;
-    // Years beyond these do not fit the clock's range of nanoseconds around 1970. It is the year in UTC that
-    // counts, because that is what is written.
+    // It is the year in UTC that counts, because that is what is written.
     const year_month_day written{floor<days>(time)};
-    if (written.year() < year{1678} || written.year() > year{2261})
+    if (written.year() < year{1} || written.year() > year{9999})
         return std::nullopt;
     return time;
 }

@@ -38,8 +38,11 @@ class WallClock {
 public:
     virtual ~WallClock() = default;
 
-    /// The date and time now; may jump when the user sets the clock.
-    virtual Timestamp now() = 0;
+    /// Now; may jump when the user sets the clock.
+    virtual std::chrono::system_clock::time_point instant() = 0;
+
+    /// Now as records hold it.
+    Timestamp now() { return std::chrono::floor<std::chrono::seconds>(instant()); }
 };
 
 /// Whether the program stands in the task bar and the application switcher.
@@ -70,7 +73,8 @@ class UserDefaults {
 public:
     virtual ~UserDefaults() = default;
 
-    /// False when values cannot be read or would not last until the next run.
+    /// False when values cannot be read, were lost (the file is empty or damaged), or would not last until
+    /// the next run.
     virtual bool isUsable() = 0;
 
     /// 0 when the key is absent or holds something else.

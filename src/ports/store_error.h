@@ -3,6 +3,7 @@
 #include "base/uuid.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <variant>
 
@@ -36,8 +37,21 @@ struct FileError {
     int code = 0; ///< the system's error number
     bool operator==(const FileError&) const = default;
 
+    /// The cause in the system's words, for example "No space left on device".
+    std::string cause() const;
+
     /// Operation, path and cause in words.
     std::string description() const;
+};
+
+/// A data file is there and cannot be read.
+struct UnreadableFile {
+    std::filesystem::path file;
+    std::variant<StoreMigrationError, FileError> why;
+    bool operator==(const UnreadableFile&) const = default;
+
+    /// Why, in words for the user, without the file.
+    std::string reason() const;
 };
 
 /// Why the profile store refuses an operation.
@@ -58,6 +72,9 @@ struct EmptyLayoutName {
 using ProfileStoreError = std::variant<ProfileNotFound, LayoutNotFound, EmptyProfileName, EmptyLayoutName>;
 
 /// Everything an operation of a store can fail with.
-using StoreError = std::variant<ProfileStoreError, StoreMigrationError, EncodeFailed, FileError>;
+using StoreError = std::variant<ProfileStoreError, UnreadableFile, EncodeFailed, FileError>;
+
+/// Why an operation failed, in words for the user, for example "Cannot read layouts.json: No such device".
+std::string description(const StoreError& error);
 
 } // namespace tavrin

@@ -14,7 +14,7 @@ AppDataResetCoordinator::Outcome AppDataResetCoordinator::applyIfNeeded() {
         return Outcome::alreadyApplied;
     for (const auto& file : {paths_.profilesFile(), paths_.layoutsFile(), paths_.settingsFile()})
         if (paths_.fileManager.exists(file))
-            static_cast<void>(paths_.fileManager.remove(file));
+            static_cast<void>(paths_.fileManager.rename(file, file.string() + ".before-reset"));
     defaults_.setInteger(resetVersionKey, targetVersion_);
     defaults_.setBoolean(noticePendingKey, true);
     return Outcome::didReset;

@@ -7,8 +7,8 @@
 
 namespace tavrin {
 
-/// Removes the program's data files once, the first time a build that demands it starts, and leaves a
-/// notice for the settings window.
+/// Starts the program's data files afresh once, the first time a build that demands it starts, and leaves a
+/// notice for the settings window. What was there is kept as NAME.before-reset, the latest of each.
 class AppDataResetCoordinator {
 public:
     static constexpr std::int64_t currentTargetVersion = 1;
@@ -20,8 +20,8 @@ public:
                             std::int64_t targetVersion = currentTargetVersion)
         : paths_(std::move(paths)), defaults_(defaults), targetVersion_(targetVersion) {}
 
-    /// To be called before anything reads the files. A file that cannot be removed stays, and the reset
-    /// counts as applied all the same. Nothing is removed where the user defaults cannot remember it.
+    /// To be called before anything reads the files. A file that cannot be renamed stays, and the reset
+    /// counts as applied all the same. Nothing happens where the user defaults cannot remember it.
     Outcome applyIfNeeded();
 
     /// A reset happened and the user has not been told yet.

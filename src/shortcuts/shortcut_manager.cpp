@@ -111,7 +111,7 @@ Token ShortcutManager::pause() {
 bool ShortcutManager::handle(const KeyEvent& event) {
     if (pauses_ > 0)
         return false;
-    const Timestamp now = clock_.now();
+    const auto now = clock_.instant();
     if (suppressionExpiry_ && now > *suppressionExpiry_)
         armSuppression(std::nullopt);
     if (suppressedRecordedCombo_ && suppressedRecordedCombo_->matches(event)) {
@@ -140,7 +140,8 @@ void ShortcutManager::armSuppression(std::optional<KeyCombo> combo) {
     suppressionExpiry_.reset();
     if (combo)
         suppressionExpiry_ =
-            clock_.now() + std::chrono::duration_cast<Timestamp::duration>(suppressionDuration);
+            clock_.instant() +
+            std::chrono::duration_cast<std::chrono::system_clock::duration>(suppressionDuration);
 }
 
 void ShortcutManager::persist() {

@@ -68,7 +68,7 @@ private:
     int pauses_ = 0;
     std::shared_ptr<ShortcutManager*> self_ = std::make_shared<ShortcutManager*>(this);
     std::optional<KeyCombo> suppressedRecordedCombo_;
-    std::optional<Timestamp> suppressionExpiry_;
+    std::optional<std::chrono::system_clock::time_point> suppressionExpiry_;
 };
 
 } // namespace tavrin

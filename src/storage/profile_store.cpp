@@ -14,11 +14,17 @@ std::unexpected<StoreError> refused(ProfileStoreError error) {
 } // namespace
 
 std::expected<std::vector<MonitorProfile>, StoreError> ProfileStore::loadProfiles() {
-    return profilesFile_.load();
+    const auto loaded = profilesFile_.load();
+    if (!loaded)
+        return std::unexpected(loaded.error());
+    return **loaded;
 }
 
 std::expected<std::vector<SavedLayout>, StoreError> ProfileStore::loadLayouts() {
-    return layoutsFile_.load();
+    const auto loaded = layoutsFile_.load();
+    if (!loaded)
+        return std::unexpected(loaded.error());
+    return **loaded;
 }
 
 std::optional<Uuid> ProfileStore::defaultLayoutID(const MonitorProfile& profile) {
@@ -35,20 +41,20 @@ std::expected<std::vector<SavedLayout>, StoreError> ProfileStore::layouts(const 
 std::expected<MonitorProfile, StoreError> ProfileStore::createProfile(std::string_view name,
                                                                       const DisplayFingerprint& fingerprint) {
     const Timestamp now = clock_.now();
-    const std::string trimmedName = trimmed(name);
-    if (trimmedName.empty())
+    const MonitorProfile profile{.id = Uuid::random(),
+                                 .name = trimmed(name),
+                                 .displayFingerprint = fingerprint,
+                                 .createdAt = now,
+                                 .updatedAt = now};
+    if (profile.name.empty())
         return refused(EmptyProfileName{});
-    auto profiles = loadProfiles();
-    if (!profiles)
-        return std::unexpected(profiles.error());
-    profiles->push_back({.id = Uuid::random(),
-                         .name = trimmedName,
-                         .displayFingerprint = fingerprint,
-                         .createdAt = now,
-                         .updatedAt = now});
-    if (const auto written = profilesFile_.save(*profiles, now); !written)
+    const auto append = [&](Profiles& profiles) -> std::expected<void, StoreError> {
+        profiles.push_back(profile);
+        return {};
+    };
+    if (const auto written = changeFiles(paths_, now, append, profilesFile_); !written)
         return std::unexpected(written.error());
-    return profiles->back();
+    return profile;
 }
 
 std::expected<void, StoreError> ProfileStore::renameProfile(const Uuid& profileID, std::string_view name) {
@@ -59,17 +65,14 @@ std::expected<void, StoreError> ProfileStore::renameProfile(const Uuid& profileI
 }
 
 std::expected<void, StoreError> ProfileStore::deleteProfile(const Uuid& profileID) {
-    const Timestamp now = clock_.now();
-    auto profiles = loadProfiles();
-    if (!profiles)
-        return std::unexpected(profiles.error());
-    auto layouts = loadLayouts();
-    if (!layouts)
-        return std::unexpected(layouts.error());
-    if (std::erase_if(*profiles, [&](const MonitorProfile& profile) { return profile.id == profileID; }) == 0)
-        return refused(ProfileNotFound{profileID});
-    std::erase_if(*layouts, [&](const SavedLayout& layout) { return layout.profileID == profileID; });
-    return write(*layouts, *profiles, now);
+    const auto remove = [&](Layouts& layouts, Profiles& profiles) -> std::expected<void, StoreError> {
+        if (std::erase_if(profiles, [&](const MonitorProfile& profile) { return profile.id == profileID; }) ==
+            0)
+            return refused(ProfileNotFound{profileID});
+        std::erase_if(layouts, [&](const SavedLayout& layout) { return layout.profileID == profileID; });
+        return {};
+    };
+    return changeFiles(paths_, clock_.now(), remove, layoutsFile_, profilesFile_);
 }
 
 std::expected<void, StoreError> ProfileStore::learnAssociation(const Uuid& profileID,
@@ -89,19 +92,16 @@ std::expected<void, StoreError> ProfileStore::learnAssociation(const Uuid& profi
 
 std::expected<void, StoreError> ProfileStore::saveLayout(const SavedLayout& layout) {
     const Timestamp now = clock_.now();
-    auto profiles = loadProfiles();
-    if (!profiles)
-        return std::unexpected(profiles.error());
-    auto layouts = loadLayouts();
-    if (!layouts)
-        return std::unexpected(layouts.error());
-    const auto profile = std::ranges::find(*profiles, layout.profileID, &MonitorProfile::id);
-    if (profile == profiles->end())
-        return refused(ProfileNotFound{layout.profileID});
-    layouts->push_back(layout);
-    profile->layoutIDs.push_back(layout.id);
-    profile->updatedAt = now;
-    return write(*layouts, *profiles, now);
+    const auto append = [&](Layouts& layouts, Profiles& profiles) -> std::expected<void, StoreError> {
+        const auto profile = std::ranges::find(profiles, layout.profileID, &MonitorProfile::id);
+        if (profile == profiles.end())
+            return refused(ProfileNotFound{layout.profileID});
+        layouts.push_back(layout);
+        profile->layoutIDs.push_back(layout.id);
+        profile->updatedAt = now;
+        return {};
+    };
+    return changeFiles(paths_, now, append, layoutsFile_, profilesFile_);
 }
 
 std::expected<void, StoreError>
@@ -123,24 +123,20 @@ std::expected<void, StoreError> ProfileStore::renameLayout(const Uuid& layoutID,
 
 std::expected<void, StoreError> ProfileStore::deleteLayout(const Uuid& layoutID) {
     const Timestamp now = clock_.now();
-    auto layouts = loadLayouts();
-    if (!layouts)
-        return std::unexpected(layouts.error());
-    const auto layout = std::ranges::find(*layouts, layoutID, &SavedLayout::id);
-    if (layout == layouts->end())
-        return refused(LayoutNotFound{layoutID});
-    auto profiles = loadProfiles();
-    if (!profiles)
-        return std::unexpected(profiles.error());
-    if (const auto profile = std::ranges::find(*profiles, layout->profileID, &MonitorProfile::id);
-        profile != profiles->end()) {
-        std::erase(profile->layoutIDs, layoutID);
-        if (profile->defaultLayoutID == layoutID)
-            profile->defaultLayoutID.reset();
-        profile->updatedAt = now;
-    }
-    layouts->erase(layout);
-    return write(*layouts, *profiles, now);
+    const auto remove = [&](Layouts& layouts, Profiles& profiles) -> std::expected<void, StoreError> {
+        if (std::erase_if(layouts, [&](const SavedLayout& layout) { return layout.id == layoutID; }) == 0)
+            return refused(LayoutNotFound{layoutID});
+        for (MonitorProfile& profile : profiles) {
+            const bool wasDefault = profile.defaultLayoutID == layoutID;
+            if (std::erase(profile.layoutIDs, layoutID) == 0 && !wasDefault)
+                continue;
+            if (wasDefault)
+                profile.defaultLayoutID.reset();
+            profile.updatedAt = now;
+        }
+        return {};
+    };
+    return changeFiles(paths_, now, remove, layoutsFile_, profilesFile_);
 }
 
 std::expected<void, StoreError> ProfileStore::setDefaultLayout(const Uuid& profileID,
@@ -149,39 +145,40 @@ std::expected<void, StoreError> ProfileStore::setDefaultLayout(const Uuid& profi
                          [&](MonitorProfile& profile, Timestamp) { profile.defaultLayoutID = layoutID; });
 }
 
+std::vector<UnreadableFile> ProfileStore::unreadableFiles() {
+    return tavrin::unreadableFiles(profilesFile_, layoutsFile_);
+}
+
+std::expected<std::vector<std::filesystem::path>, StoreError> ProfileStore::setAsideUnreadableFiles() {
+    return tavrin::setAsideUnreadableFiles(paths_, clock_.now(), profilesFile_, layoutsFile_);
+}
+
 template <class Change>
 std::expected<void, StoreError> ProfileStore::changeProfile(const Uuid& profileID, Change change) {
     const Timestamp now = clock_.now();
-    auto profiles = loadProfiles();
-    if (!profiles)
-        return std::unexpected(profiles.error());
-    const auto profile = std::ranges::find(*profiles, profileID, &MonitorProfile::id);
-    if (profile == profiles->end())
-        return refused(ProfileNotFound{profileID});
-    change(*profile, now);
-    profile->updatedAt = now;
-    return profilesFile_.save(*profiles, now);
+    const auto changeOne = [&](Profiles& profiles) -> std::expected<void, StoreError> {
+        const auto profile = std::ranges::find(profiles, profileID, &MonitorProfile::id);
+        if (profile == profiles.end())
+            return refused(ProfileNotFound{profileID});
+        change(*profile, now);
+        profile->updatedAt = now;
+        return {};
+    };
+    return changeFiles(paths_, now, changeOne, profilesFile_);
 }
 
 template <class Change>
 std::expected<void, StoreError> ProfileStore::changeLayout(const Uuid& layoutID, Change change) {
     const Timestamp now = clock_.now();
-    auto layouts = loadLayouts();
-    if (!layouts)
-        return std::unexpected(layouts.error());
-    const auto layout = std::ranges::find(*layouts, layoutID, &SavedLayout::id);
-    if (layout == layouts->end())
-        return refused(LayoutNotFound{layoutID});
-    change(*layout);
-    layout->updatedAt = now;
-    return layoutsFile_.save(*layouts, now);
-}
-
-std::expected<void, StoreError> ProfileStore::write(const Layouts& layouts, const Profiles& profiles,
-                                                    Timestamp now) {
-    if (const auto written = layoutsFile_.save(layouts, now); !written)
-        return written;
-    return profilesFile_.save(profiles, now);
+    const auto changeOne = [&](Layouts& layouts) -> std::expected<void, StoreError> {
+        const auto layout = std::ranges::find(layouts, layoutID, &SavedLayout::id);
+        if (layout == layouts.end())
+            return refused(LayoutNotFound{layoutID});
+        change(*layout);
+        layout->updatedAt = now;
+        return {};
+    };
+    return changeFiles(paths_, now, changeOne, layoutsFile_);
 }
 
 } // namespace tavrin

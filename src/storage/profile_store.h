@@ -6,14 +6,15 @@
 
 namespace tavrin {
 
-/// The owner of the profiles file and the layouts file. Every operation reads what it needs from disk and
-/// writes back at once; what it returns is what the files hold now. A file that cannot be read fails the
-/// operation before anything is written. Operations that change both files write the layouts first; there is
-/// no transaction across the two. Names are trimmed of white space and line breaks.
+/// The owner of the profiles file and the layouts file. Every operation reads what it needs and writes back
+/// at once, under a lock that other programs respect; what it returns is what the files hold now. A file that
+/// cannot be read fails the operation before anything is written. Operations that change both files write
+/// the layouts first; there is no transaction across the two. Names are trimmed of white space and line
+/// breaks.
 class ProfileStore : public ProfileProviding {
 public:
     ProfileStore(const AppSupportPaths& paths, WallClock& clock)
-        : clock_(clock), profilesFile_(paths, paths.profilesFile()),
+        : paths_(paths), clock_(clock), profilesFile_(paths, paths.profilesFile()),
           layoutsFile_(paths, paths.layoutsFile()) {}
 
     std::expected<std::vector<MonitorProfile>, StoreError> loadProfiles() override;
@@ -49,25 +50,30 @@ public:
     /// `EmptyLayoutName` for a blank name, `LayoutNotFound` for an unknown id.
     std::expected<void, StoreError> renameLayout(const Uuid& layoutID, std::string_view name);
 
-    /// Removes the layout from the layouts and from its profile, as its default too. `LayoutNotFound` for
-    /// an unknown id.
+    /// Removes every layout of that id, from the layouts and from the profiles, as their default too.
+    /// `LayoutNotFound` for an unknown id.
     std::expected<void, StoreError> deleteLayout(const Uuid& layoutID);
 
     /// An absent layout clears the default. `ProfileNotFound` for an unknown profile.
     std::expected<void, StoreError> setDefaultLayout(const Uuid& profileID, std::optional<Uuid> layoutID);
 
+    /// Those of the two files that are there and cannot be read.
+    std::vector<UnreadableFile> unreadableFiles();
+
+    /// Renames each file that cannot be read to NAME.unreadable-DATE, so that it starts fresh; the new paths.
+    std::expected<std::vector<std::filesystem::path>, StoreError> setAsideUnreadableFiles();
+
 private:
     using Profiles = std::vector<MonitorProfile>;
     using Layouts = std::vector<SavedLayout>;
 
-    /// Loads the profiles, lets `change` alter the one with that id, dates it and writes the file.
+    /// Lets `change` alter the profile with that id, dates it and writes the profiles file.
     template <class Change>
     std::expected<void, StoreError> changeProfile(const Uuid& profileID, Change change);
     template <class Change>
     std::expected<void, StoreError> changeLayout(const Uuid& layoutID, Change change);
 
-    std::expected<void, StoreError> write(const Layouts& layouts, const Profiles& profiles, Timestamp now);
-
+    AppSupportPaths paths_;
     WallClock& clock_;
     DataFile<Profiles> profilesFile_;
     DataFile<Layouts> layoutsFile_;

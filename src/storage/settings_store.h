@@ -4,21 +4,39 @@
 #include "ports/services.h"
 #include "storage/data_file.h"
 
+#include <functional>
+
 namespace tavrin {
 
-/// The owner of the settings file. Each call reads or writes the file anew; a file that cannot be read is
-/// never replaced by the defaults.
+/// The owner of the settings file. Each call reads what the file holds now.
 class SettingsStore : public SettingsProviding {
 public:
+    /// What a change does to a file with content that cannot be read (a newer version's, say).
+    enum class Unreadable {
+        setAside, ///< renames it and starts from the defaults; for what the user chose
+        refuse    ///< fails and leaves it as it is; for what the program does by itself
+    };
+
     SettingsStore(const AppSupportPaths& paths, WallClock& clock)
-        : clock_(clock), settingsFile_(paths, paths.settingsFile()) {}
+        : paths_(paths), clock_(clock), settingsFile_(paths, paths.settingsFile()) {}
 
     std::expected<AppSettings, StoreError> load() override;
 
-    /// Fails, and leaves the file as it is, when the file there cannot be read (a newer version's, say).
+    /// Loads the settings, lets `change` alter them and saves them; the settings from then on.
+    std::expected<AppSettings, StoreError> change(const std::function<void(AppSettings&)>& change,
+                                                  Unreadable unreadable = Unreadable::setAside);
+
+    /// Replaces all settings; a file with content that cannot be read is set aside first.
     std::expected<void, StoreError> save(const AppSettings& settings);
 
+    /// The file, when it is there and cannot be read.
+    std::vector<UnreadableFile> unreadableFiles() { return tavrin::unreadableFiles(settingsFile_); }
+
+    /// Renames the file to settings.json.unreadable-DATE when it cannot be read; the new path, if any.
+    std::expected<std::vector<std::filesystem::path>, StoreError> setAsideUnreadableFiles();
+
 private:
+    AppSupportPaths paths_;
     WallClock& clock_;
     DataFile<AppSettings> settingsFile_;
 };

@@ -21,6 +21,29 @@ public:
 
     bool exists(const std::filesystem::path& path) override { return files.contains(path.string()); }
 
+    /// Settled, and another for every content.
+    std::optional<FileStamp> stamp(const std::filesystem::path& path) override {
+        const auto file = files.find(path.string());
+        if (failing.contains("read") || file == files.end())
+            return std::nullopt;
+        return FileStamp{.inode = std::hash<std::string>{}(file->second), .isSettled = true};
+    }
+
+    std::expected<Token, FileError> lock(const std::filesystem::path& path) override {
+        if (failing.contains("lock"))
+            return failure("lock", path);
+        log.push_back("lock");
+        return Token([this] { log.push_back("unlock"); });
+    }
+
+    std::vector<std::string> names(const std::filesystem::path& directory) override {
+        std::vector<std::string> names;
+        for (const auto& [path, content] : files)
+            if (std::filesystem::path(path).parent_path() == directory)
+                names.push_back(std::filesystem::path(path).filename().string());
+        return names;
+    }
+
     std::expected<std::string, FileError> read(const std::filesystem::path& path) override {
         if (failing.contains("read") || !files.contains(path.string()))
             return failure("read", path);
@@ -49,7 +72,7 @@ public:
 
     std::expected<void, FileError> rename(const std::filesystem::path& from,
                                           const std::filesystem::path& to) override {
-        if (failing.contains("rename"))
+        if (failing.contains("rename") || !files.contains(from.string()))
             return failure("rename", to);
         files[to.string()] = files.at(from.string());
         files.erase(from.string());

@@ -17,8 +17,8 @@ inline Timestamp at(std::int64_t secondsSince1970) {
 /// Virtual time: a clock that stands still and a scheduler whose tasks run when a test lets time pass.
 class FakeTime : public Scheduler, public WallClock {
 public:
-    Timestamp now() override {
-        return at(1'800'000'000) + std::chrono::duration_cast<Timestamp::duration>(elapsed_);
+    std::chrono::system_clock::time_point instant() override {
+        return at(1'800'000'000) + std::chrono::duration_cast<std::chrono::system_clock::duration>(elapsed_);
     }
 
     Token after(Seconds delay, std::function<void()> task) override {

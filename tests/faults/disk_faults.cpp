@@ -12,6 +12,13 @@ public:
     FailingFileSystem(std::string_view step, bool isHalfDone) : step_(step), isHalfDone_(isHalfDone) {}
 
     bool exists(const std::filesystem::path& path) override { return files_.exists(path); }
+    std::optional<FileStamp> stamp(const std::filesystem::path& path) override { return files_.stamp(path); }
+    std::expected<Token, FileError> lock(const std::filesystem::path& path) override {
+        return isFailing("lock") ? failure(path) : files_.lock(path);
+    }
+    std::vector<std::string> names(const std::filesystem::path& directory) override {
+        return files_.names(directory);
+    }
     std::expected<std::string, FileError> read(const std::filesystem::path& path) override {
         return isFailing("read") ? failure(path) : files_.read(path);
     }
@@ -127,7 +134,7 @@ Row failingStep(const std::filesystem::path& directory, std::string_view step, b
     Row row{.fault = fmt::format("failing {}{}", step, isHalfDone ? ", the half-written file stays" : "")};
     FailingFileSystem files(step, isHalfDone);
     for (std::uint64_t mark = 1; mark <= 20 && row.problem.empty(); ++mark)
-        tryEverySave(files, directory, mark, true, row);
+        tryEverySave(files, directory, mark, step != "fsync directory", row); // then the file is there
     tryAfterwards(directory, row);
     return row;
 }

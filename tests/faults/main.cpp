@@ -24,7 +24,8 @@ int main(int argc, char** argv) {
     if (check == "read-only")
         rows.push_back(readOnlyDirectory(directory));
     if (check == "failing") {
-        for (const auto* step : {"mkdir", "readlink", "write", "fsync", "rename", "fsync directory", "read"})
+        for (const auto* step :
+             {"mkdir", "lock", "readlink", "write", "fsync", "rename", "fsync directory", "read"})
             for (const bool isHalfDone : {false, true})
                 if (!isHalfDone || step == std::string_view("write") || step == std::string_view("fsync"))
                     rows.push_back(failingStep(directory, step, isHalfDone));

@@ -14,19 +14,6 @@ std::optional<std::uint64_t> number(std::string_view text) {
     return error == std::errc{} && end == text.data() + text.size() ? std::optional(value) : std::nullopt;
 }
 
-std::string describe(const StoreError& error) {
-    if (const auto* refused = std::get_if<StoreMigrationError>(&error)) {
-        if (const auto* decoding = std::get_if<DecodeFailed>(refused))
-            return decoding->description;
-        return "written by another version";
-    }
-    if (const auto* encoding = std::get_if<EncodeFailed>(&error))
-        return encoding->description;
-    if (const auto* file = std::get_if<FileError>(&error))
-        return file->description();
-    return "refused by the store";
-}
-
 /// The number that all texts are; absent when they differ.
 std::optional<std::uint64_t> commonMark(const std::vector<std::string>& texts, std::size_t count) {
     if (texts.size() != count ||
@@ -85,7 +72,7 @@ std::optional<std::string> MarkedStore::save(DataFileKind file, std::uint64_t ma
         saved = profiles_.renameProfile(profileID_, text);
         break;
     }
-    return saved ? std::nullopt : std::optional(describe(saved.error()));
+    return saved ? std::nullopt : std::optional(description(saved.error()));
 }
 
 std::expected<Marks, std::string> MarkedStore::read(const std::filesystem::path& directory) {
@@ -95,11 +82,11 @@ std::expected<Marks, std::string> MarkedStore::read(const std::filesystem::path&
     const auto layouts = store.profiles_.loadLayouts();
     const auto settings = store.settings_.load();
     if (!profiles)
-        return std::unexpected("profiles: " + describe(profiles.error()));
+        return std::unexpected("profiles: " + description(profiles.error()));
     if (!layouts)
-        return std::unexpected("layouts: " + describe(layouts.error()));
+        return std::unexpected("layouts: " + description(layouts.error()));
     if (!settings)
-        return std::unexpected("settings: " + describe(settings.error()));
+        return std::unexpected("settings: " + description(settings.error()));
     std::vector<std::string> titles;
     for (const auto& layout : *layouts)
         for (const auto& entry : layout.entries)

@@ -1,12 +1,17 @@
 #include "platform/posix/posix_file_system.h"
+#include "platform/posix/system_wall_clock.h"
+#include "storage/settings_store.h"
 #include "temporary_directory.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace tavrin {
 namespace {
@@ -83,7 +88,7 @@ TEST_F(PosixFileSystemTest, readsOnlyRegularFilesAndNeverHangs) {
     EXPECT_EQ(error.description(), "open " + at("missing").string() + ": No such file or directory");
 }
 
-TEST_F(PosixFileSystemTest, refusesToReadBeyondItsBound) {
+TEST_F(PosixFileSystemTest, readsAndWritesNothingBeyondItsBound) {
     PosixFileSystem bounded(4);
     directory.write("fits", "1234");
     directory.write("exceeds", "12345");
@@ -91,6 +96,70 @@ TEST_F(PosixFileSystemTest, refusesToReadBeyondItsBound) {
     EXPECT_EQ(code(bounded.read(at("exceeds"))), EFBIG);
     // The kernel says 0 bytes for these, so that only the reading itself can find out.
     EXPECT_EQ(code(bounded.read("/proc/self/status")), EFBIG);
+    EXPECT_EQ(code(bounded.writeFlushed(at("new"), "12345")), EFBIG);
+    EXPECT_FALSE(fs::exists(at("new")));
+    EXPECT_TRUE(bounded.writeFlushed(at("new"), "1234"));
+}
+
+TEST_F(PosixFileSystemTest, aStampTellsOneContentFromAnother) {
+    const auto file = directory.write("file", "1234");
+    const auto fresh = files.stamp(file);
+    ASSERT_TRUE(fresh);
+    EXPECT_FALSE(fresh->isSettled) << "the next change may come in the same tick of the clock";
+    const auto longAgo = fs::last_write_time(file) - std::chrono::seconds{10};
+    fs::last_write_time(file, longAgo);
+    const auto settled = files.stamp(file);
+    EXPECT_TRUE(settled->isSettled);
+    EXPECT_EQ(files.stamp(file), settled);
+
+    directory.write("other", "4321");
+    fs::last_write_time(at("other"), longAgo);
+    fs::rename(at("other"), file);
+    EXPECT_NE(files.stamp(file), settled) << "replaced by one of the same size and date";
+    EXPECT_FALSE(files.stamp(at("missing")));
+}
+
+TEST_F(PosixFileSystemTest, aLockIsWaitedForButNotForLong) {
+    PosixFileSystem other(PosixFileSystem::defaultMaximumSize, std::chrono::milliseconds{20});
+    {
+        const auto held = files.lock(at("lock"));
+        ASSERT_TRUE(held);
+        EXPECT_EQ(code(other.lock(at("lock"))), EBUSY);
+    }
+    EXPECT_TRUE(other.lock(at("lock")));
+    EXPECT_EQ(code(other.lock(at("missing/lock"))), ENOENT);
+}
+
+/// Adds names to the settings in a process of its own.
+pid_t startWriter(const fs::path& data, const std::string& name, int count) {
+    const pid_t process = ::fork();
+    if (process != 0)
+        return process;
+    PosixFileSystem patient(PosixFileSystem::defaultMaximumSize, std::chrono::minutes{1});
+    SystemWallClock clock;
+    SettingsStore store(AppSupportPaths{patient, data}, clock);
+    bool isSaved = true;
+    for (int i = 0; i < count; ++i)
+        isSaved = isSaved && store.change([&](AppSettings& settings) {
+            settings.excludedBundleIDs.push_back(name + std::to_string(i));
+        });
+    ::_exit(isSaved ? 0 : 1);
+}
+
+TEST_F(PosixFileSystemTest, twoProgramsThatChangeOneFileLoseNothing) {
+    constexpr int count = 60;
+    const std::array writers{startWriter(at("data"), "a", count), startWriter(at("data"), "b", count)};
+    SystemWallClock clock;
+    SettingsStore store(AppSupportPaths{files, at("data")}, clock);
+    for (const pid_t writer : writers) {
+        int status = 0;
+        while (::waitpid(writer, &status, WNOHANG) == 0)
+            ASSERT_TRUE(store.load()) << "half a file";
+        EXPECT_EQ(status, 0);
+    }
+    EXPECT_EQ(store.load()->excludedBundleIDs.size(), std::size_t{2 * count});
+    EXPECT_EQ(std::distance(fs::directory_iterator(at("data")), fs::directory_iterator()), 2)
+        << "the settings and the lock";
 }
 
 TEST_F(PosixFileSystemTest, existsFollowsLinksAndReportsDoubtAsExisting) {

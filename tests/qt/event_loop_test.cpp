@@ -118,6 +118,22 @@ TEST(QtUserDefaultsTest, KeepsValuesUnderTheirDottedKeys) {
     EXPECT_FALSE(defaults.boolean("tavrin.some.version"));
     defaults.setBoolean("tavrin.some.flag", false);
     EXPECT_FALSE(QtUserDefaults(file).boolean("tavrin.some.flag"));
+    EXPECT_TRUE(QtUserDefaults(file).isUsable());
+}
+
+TEST(QtUserDefaultsTest, AFileThatLostItsValuesIsNotOneThatNeverHadAny) {
+    QTemporaryDir folder;
+    const auto file = std::filesystem::path(folder.path().toStdString()) / "defaults.ini";
+    EXPECT_TRUE(QtUserDefaults(file).isUsable()) << "no file";
+    for (const std::string& content :
+         {std::string(), std::string("\n"), std::string("[General]\n"),
+          std::string("[General]\ntavrin.some.ver"), std::string("[General]\ntavrin.some.version=\n"),
+          std::string("[General]\ntavrin.some.version=x\n"), std::string(100, '\0'),
+          std::string("\x7f"
+                      "ELF=\x01\x02\n")}) {
+        std::ofstream(file, std::ios::binary) << content;
+        EXPECT_FALSE(QtUserDefaults(file).isUsable()) << content;
+    }
 }
 
 } // namespace

@@ -47,7 +47,7 @@ TEST_F(AutoRestoreTest, TurnsABurstIntoOneRestoreAfterTheLastEvent) {
     EXPECT_EQ(restoreCount(), 1u);
     EXPECT_EQ(feedback, std::vector{complete});
     EXPECT_EQ(debugStore.lastAttempt.value(),
-              (RestoreAttemptDiagnostics{time.now() - std::chrono::milliseconds{60'010},
+              (RestoreAttemptDiagnostics{time.now() - std::chrono::seconds{60},
                                          RestoreTriggerSource::automation, "Work", work.kind, complete}));
 }
 

@@ -101,7 +101,7 @@ TEST_F(RestoreServiceTest, SendsSurplusWindowsAfterTheOthersWithoutCountingThem)
     EXPECT_EQ(restore(), expected);
     EXPECT_EQ(mover.moved, (std::vector<std::int64_t>{1, 2}));
     EXPECT_EQ(restore(nullptr), expected);
-    settings.settings = std::unexpected(StoreError(StoreMigrationError(UnsupportedVersion{2})));
+    settings.settings = std::unexpected(StoreError(UnreadableFile{}));
     EXPECT_EQ(restore(), expected) << "unreadable settings do not switch it off";
     settings.settings = AppSettings{.clusterExtraAppWindows = false};
     EXPECT_EQ(restore(), RestoreResult(1, 1, 0, {}, 0, 0));

@@ -111,17 +111,21 @@ TEST(SingleInstance, FindsTheFirstOtherCopy) {
     EXPECT_EQ(instances.activated.size(), 1u) << "it is gone by now";
 }
 
-TEST(AppDataReset, RemovesTheFilesOncePerVersion) {
+TEST(AppDataReset, MovesTheFilesAwayOncePerVersion) {
     testing::FakeFileSystem files;
     testing::FakeDefaults defaults;
     const AppSupportPaths paths{files, "/data"};
     files.files = {{"/data/profiles.json", "p"},
                    {"/data/layouts.json", "l"},
                    {"/data/settings.json", "s"},
+                   {"/data/settings.json.before-reset", "older"},
                    {"/data/notes.txt", "mine"}};
     AppDataResetCoordinator reset{paths, defaults};
     EXPECT_EQ(reset.applyIfNeeded(), AppDataResetCoordinator::Outcome::didReset);
-    EXPECT_EQ(files.files, (std::map<std::string, std::string>{{"/data/notes.txt", "mine"}}));
+    EXPECT_EQ(files.files, (std::map<std::string, std::string>{{"/data/profiles.json.before-reset", "p"},
+                                                               {"/data/layouts.json.before-reset", "l"},
+                                                               {"/data/settings.json.before-reset", "s"},
+                                                               {"/data/notes.txt", "mine"}}));
     EXPECT_TRUE(reset.consumeResetNotice());
     const int writes = defaults.writes;
     EXPECT_FALSE(reset.consumeResetNotice());
@@ -136,7 +140,7 @@ TEST(AppDataReset, RemovesTheFilesOncePerVersion) {
         EXPECT_TRUE(files.files.contains("/data/layouts.json")) << applied;
     }
     defaults.usable = true;
-    files.failing = {"remove"};
+    files.failing = {"rename"};
     EXPECT_EQ((AppDataResetCoordinator{paths, defaults, 2}.applyIfNeeded()),
               AppDataResetCoordinator::Outcome::didReset);
     EXPECT_EQ(defaults.integers[version], 2);

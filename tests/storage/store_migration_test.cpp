@@ -1,6 +1,7 @@
 #include "doubles/builders.h"
 #include "doubles/fake_time.h"
 #include "records/app_settings.h"
+#include "storage/random_records.h"
 #include "storage/store_migration.h"
 
 #include <gtest/gtest.h>
@@ -138,6 +139,36 @@ TEST(StoreMigration, WritesKeysInAlphabeticalOrderAndNoAbsentOnes) {
               std::string::npos);
     EXPECT_NE(StoreMigration{}.encode(AppSettings{}, testing::at(0))->find("excludedBundleIDs"),
               std::string::npos);
+}
+
+/// FNV-1a over all bytes: a sample of many files in one number.
+class Sample {
+public:
+    void add(std::string_view bytes) {
+        for (const char byte : bytes)
+            sum_ = (sum_ ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
+    }
+    std::uint64_t sum() const { return sum_; }
+
+private:
+    std::uint64_t sum_ = 0xcbf29ce484222325;
+};
+
+TEST(StoreMigration, WritesTheBytesThatItAlwaysWroteAndReadsThemBack) {
+    testing::RandomRecords records;
+    Sample sample;
+    const auto writeAndRead = [&]<class Payload>(const Payload& payload) {
+        const auto bytes = StoreMigration{}.encode(payload, testing::at(0));
+        ASSERT_TRUE(bytes);
+        sample.add(*bytes);
+        ASSERT_EQ(StoreMigration{}.decode<Payload>(*bytes), payload) << *bytes;
+    };
+    for (int i = 0; i < 500; ++i) {
+        writeAndRead(records.make<std::vector<SavedLayout>>());
+        writeAndRead(records.make<std::vector<MonitorProfile>>());
+        writeAndRead(records.make<AppSettings>());
+    }
+    EXPECT_EQ(sample.sum(), 2035855802763837182u);
 }
 
 } // namespace

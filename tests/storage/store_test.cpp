@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <regex>
 
 namespace tavrin {
 namespace {
@@ -56,7 +57,9 @@ TEST_F(StoreTest, ReadsNothingAsEmptyAndCreatesNothing) {
 }
 
 TEST_F(StoreTest, KeepsProfilesAndLayoutsTogether) {
+    time.pass(0.5); // files hold whole seconds
     const auto desk = newProfile(" Desk\n");
+    EXPECT_EQ(desk, stored(desk.id));
     EXPECT_EQ(desk.name, "Desk");
     EXPECT_EQ(desk.createdAt, time.now());
     const auto other = newProfile("Other");
@@ -72,9 +75,18 @@ TEST_F(StoreTest, KeepsProfilesAndLayoutsTogether) {
     ASSERT_TRUE(store.renameLayout(play.id, " Games "));
     EXPECT_EQ(store.layouts(desk.id)->back().name, "Games");
     EXPECT_EQ(store.layouts(desk.id)->back().updatedAt, time.now());
+    ASSERT_TRUE(store.replaceLayout(play.id, SavedLayoutKind::generic, {}, std::vector{SavedDisplay{"new"}}));
+    EXPECT_EQ(store.layouts(desk.id)->back().savedDisplays, std::vector{SavedDisplay{"new"}});
+    EXPECT_EQ(store.layouts(desk.id)->back().name, "Games");
+
+    const auto twin = play;
+    ASSERT_TRUE(store.saveLayout(twin));
+    ASSERT_TRUE(store.deleteLayout(play.id));
+    EXPECT_EQ(stored(desk.id).defaultLayoutID, work.id);
+    EXPECT_EQ(stored(desk.id).layoutIDs, std::vector{work.id});
+    EXPECT_EQ(store.layouts(desk.id)->size(), 1u);
     ASSERT_TRUE(store.deleteLayout(work.id));
     EXPECT_EQ(stored(desk.id).defaultLayoutID, std::nullopt);
-    EXPECT_EQ(stored(desk.id).layoutIDs, std::vector{play.id});
     ASSERT_TRUE(store.deleteProfile(desk.id));
     EXPECT_EQ(store.loadProfiles()->size(), 1u);
     EXPECT_EQ(store.loadLayouts(), std::vector{rest});
@@ -117,7 +129,7 @@ TEST_F(StoreTest, RefusesWhatIsUnknownOrBlankAndWritesNothing) {
     EXPECT_EQ(files.files, before);
 }
 
-TEST_F(StoreTest, NeverOverwritesAFileItCannotRead) {
+TEST_F(StoreTest, NeverOverwritesAFileItCannotReadAndSaysWhichAndWhy) {
     const auto desk = newProfile();
     const auto work = newLayout(desk);
     const std::string newer = R"({"schemaVersion": 2, "updatedAt": "2026-01-01T00:00:00Z", "payload": []})";
@@ -126,7 +138,12 @@ TEST_F(StoreTest, NeverOverwritesAFileItCannotRead) {
         for (const std::string& content : {newer, std::string("{"), std::string()}) {
             files.files["/data/Tavrin/" + file] = content;
             const auto before = files.files;
-            EXPECT_FALSE(store.saveLayout(work));
+            const auto saved = store.saveLayout(work);
+            ASSERT_FALSE(saved);
+            EXPECT_EQ(std::get<UnreadableFile>(saved.error()).file, "/data/Tavrin/" + file);
+            EXPECT_EQ(std::get<UnreadableFile>(saved.error()).reason().find("another version") !=
+                          std::string::npos,
+                      content == newer);
             EXPECT_FALSE(store.deleteProfile(desk.id));
             EXPECT_FALSE(store.deleteLayout(work.id));
             EXPECT_EQ(files.files, before) << file << " holding " << content;
@@ -134,35 +151,73 @@ TEST_F(StoreTest, NeverOverwritesAFileItCannotRead) {
         files.files = good;
     }
     files.files["/data/Tavrin/settings.json"] = newer;
-    EXPECT_FALSE(settingsStore.save({}));
+    EXPECT_FALSE(settingsStore.change([](AppSettings&) {}, SettingsStore::Unreadable::refuse));
     EXPECT_EQ(files.files["/data/Tavrin/settings.json"], newer);
+}
+
+TEST_F(StoreTest, SetsAsideWhatItCannotReadAndStartsFresh) {
+    newLayout(newProfile());
+    EXPECT_EQ(store.setAsideUnreadableFiles(), std::vector<std::filesystem::path>{});
+    const auto profiles = files.files["/data/Tavrin/profiles.json"];
+    for (const std::string content : {"first", "second"}) {
+        files.files["/data/Tavrin/layouts.json"] = content;
+        ASSERT_EQ(store.unreadableFiles().size(), 1u);
+        ASSERT_EQ(store.setAsideUnreadableFiles()->size(), 1u);
+        EXPECT_TRUE(store.unreadableFiles().empty());
+    }
+    EXPECT_EQ(files.files, (std::map<std::string, std::string>{
+                               {"/data/Tavrin/profiles.json", profiles},
+                               {"/data/Tavrin/layouts.json.unreadable-2027-01-15", "first"},
+                               {"/data/Tavrin/layouts.json.unreadable-2027-01-15-2", "second"}}));
+
+    files.files = {{"/data/Tavrin/settings.json", "broken"}};
+    const auto changed = settingsStore.change([](AppSettings& settings) { settings.launchAtLogin = true; });
+    EXPECT_EQ(changed, AppSettings{.launchAtLogin = true});
+    EXPECT_EQ(settingsStore.load(), changed);
+    EXPECT_EQ(files.files["/data/Tavrin/settings.json.unreadable-2027-01-15"], "broken");
 }
 
 TEST_F(StoreTest, LeavesTheOldFileWhenAnyStepOfWritingFails) {
     newProfile("Old");
     const auto before = files.files;
-    for (const char* step : {"createDirectories", "writeFlushed", "rename"}) {
+    for (const char* step : {"createDirectories", "lock", "writeFlushed", "rename"}) {
         files.failing = {step};
         const auto created = store.createProfile("New", {});
         ASSERT_FALSE(created) << step;
         EXPECT_EQ(std::get<FileError>(created.error()).operation, step);
         EXPECT_EQ(files.files, before) << step << " must leave nothing behind";
     }
-    files.failing = {"flushDirectory"};
-    EXPECT_FALSE(store.createProfile("New", {}));
     files.failing = {};
-    EXPECT_TRUE(store.loadProfiles());
+    EXPECT_EQ(store.loadProfiles()->size(), 1u);
 }
 
-TEST_F(StoreTest, WritesBesideTheFileThenRenamesThenFlushesAndLayoutsBeforeProfiles) {
+TEST_F(StoreTest, AFailureToFlushTheDirectoryDoesNotSeparateALayoutFromItsProfile) {
+    const auto desk = newProfile();
+    files.failing = {"flushDirectory"};
+    const auto work = newLayout(desk);
+    EXPECT_EQ(stored(desk.id).layoutIDs, std::vector{work.id});
+}
+
+TEST_F(StoreTest, LocksThenWritesBesideTheFileRenamesAndFlushesAndLayoutsBeforeProfiles) {
     const auto desk = newProfile();
     files.log.clear();
     files.links["/data/Tavrin/layouts.json"] = "/elsewhere/mine.json";
+    files.files["/elsewhere/.mine.json.left-by-a-crash.tmp"] = "half";
     newLayout(desk);
-    EXPECT_EQ(files.log,
-              (std::vector<std::string>{"write /elsewhere/.mine.json.tmp", "rename /elsewhere/mine.json",
-                                        "flush /elsewhere", "write /data/Tavrin/.profiles.json.tmp",
-                                        "rename /data/Tavrin/profiles.json", "flush /data/Tavrin"}));
+    newLayout(desk);
+    std::set<std::string> temporaries;
+    for (std::string& line : files.log)
+        if (line.starts_with("write")) {
+            temporaries.insert(line);
+            line = std::regex_replace(line, std::regex("[0-9A-F-]{36}"), "*");
+        }
+    EXPECT_EQ(temporaries.size(), 4u) << "every write has a name of its own";
+    EXPECT_EQ(
+        std::vector(files.log.begin(), files.log.begin() + 9),
+        (std::vector<std::string>{"lock", "remove /elsewhere/.mine.json.left-by-a-crash.tmp",
+                                  "write /elsewhere/.mine.json.*.tmp", "rename /elsewhere/mine.json",
+                                  "flush /elsewhere", "write /data/Tavrin/.profiles.json.*.tmp",
+                                  "rename /data/Tavrin/profiles.json", "flush /data/Tavrin", "unlock"}));
 }
 
 TEST_F(StoreTest, ReadsTheSameRecordsBack) {

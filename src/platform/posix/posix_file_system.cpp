@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -75,6 +77,21 @@ bool PosixFileSystem::exists(const fs::path& path) {
     return ::stat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
+std::optional<FileStamp> PosixFileSystem::stamp(const fs::path& path) {
+    using namespace std::chrono;
+    // Clocks of file systems tick in steps of up to two seconds.
+    constexpr seconds coarsestStep{2};
+    struct stat status {};
+    if (holdsZero(path) || ::stat(path.c_str(), &status) != 0)
+        return std::nullopt;
+    const auto modified = seconds{status.st_mtim.tv_sec} + nanoseconds{status.st_mtim.tv_nsec};
+    return FileStamp{.device = status.st_dev,
+                     .inode = status.st_ino,
+                     .size = status.st_size,
+                     .modified = modified.count(),
+                     .isSettled = modified + coarsestStep < system_clock::now().time_since_epoch()};
+}
+
 std::expected<std::string, FileError> PosixFileSystem::read(const fs::path& path) {
     // Without O_NONBLOCK opening a FIFO would wait for a writer.
     const FileDescriptor file(openFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY));
@@ -87,7 +104,7 @@ std::expected<std::string, FileError> PosixFileSystem::read(const fs::path& path
         return failure("read", path, EISDIR);
     if (!S_ISREG(status.st_mode))
         return failure("read a file that is not regular", path, EINVAL);
-    if (status.st_size > 0 && static_cast<std::uintmax_t>(status.st_size) > maximumReadSize_)
+    if (status.st_size > 0 && static_cast<std::uintmax_t>(status.st_size) > maximumSize_)
         return failure("read", path, EFBIG);
 
     std::string bytes;
@@ -100,7 +117,7 @@ std::expected<std::string, FileError> PosixFileSystem::read(const fs::path& path
         if (count == 0)
             return bytes;
         // The file may have grown since its size was asked.
-        if (bytes.size() + static_cast<std::size_t>(count) > maximumReadSize_)
+        if (bytes.size() + static_cast<std::size_t>(count) > maximumSize_)
             return failure("read", path, EFBIG);
         bytes.append(buffer.data(), static_cast<std::size_t>(count));
     }
@@ -156,7 +173,36 @@ std::expected<fs::path, FileError> PosixFileSystem::resolveLink(const fs::path& 
     return failure("resolve", path, ELOOP);
 }
 
+std::expected<Token, FileError> PosixFileSystem::lock(const fs::path& path) {
+    using Clock = std::chrono::steady_clock;
+    constexpr int pause = 5; // milliseconds
+    FileDescriptor file(openFile(path, O_RDWR | O_CREAT | O_NOFOLLOW, S_IRUSR | S_IWUSR));
+    if (!file.isOpen())
+        return failure("lock", path, errno);
+    const auto end = Clock::now() + lockPatience_;
+    while (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno == ENOLCK || errno == ENOTSUP || errno == ENOSYS)
+            return Token{};
+        if (errno != EWOULDBLOCK && errno != EINTR)
+            return failure("lock", path, errno);
+        if (Clock::now() >= end)
+            return failure("lock", path, EBUSY);
+        ::poll(nullptr, 0, pause); // nothing tells when a lock becomes free
+    }
+    return Token([held = std::move(file)]() mutable { held.close(); });
+}
+
+std::vector<std::string> PosixFileSystem::names(const fs::path& directory) {
+    std::vector<std::string> names;
+    std::error_code error;
+    for (fs::directory_iterator entry(directory, error), end; !error && entry != end; entry.increment(error))
+        names.push_back(entry->path().filename().string());
+    return names;
+}
+
 std::expected<void, FileError> PosixFileSystem::writeFlushed(const fs::path& path, std::string_view bytes) {
+    if (bytes.size() > maximumSize_)
+        return failure("write", path, EFBIG);
     FileDescriptor file(createReplacing(path));
     if (!file.isOpen())
         return failure("create", path, errno);

@@ -2,6 +2,7 @@
 
 #include "ports/file_system.h"
 
+#include <chrono>
 #include <cstddef>
 
 namespace tavrin {
@@ -11,14 +12,18 @@ namespace tavrin {
 /// following read reports the cause instead of the file being taken for missing.
 class PosixFileSystem final : public FileSystem {
 public:
-    /// Larger than any file this program writes, small enough to hold in memory.
-    static constexpr std::size_t defaultMaximumReadSize = std::size_t{64} * 1024 * 1024;
+    /// Larger than any sensible data file, small enough to hold in memory.
+    static constexpr std::size_t defaultMaximumSize = std::size_t{64} * 1024 * 1024;
 
-    /// `maximumReadSize` in bytes; reading a larger file fails with EFBIG.
-    explicit PosixFileSystem(std::size_t maximumReadSize = defaultMaximumReadSize)
-        : maximumReadSize_(maximumReadSize) {}
+    /// `maximumSize` in bytes; reading or writing a larger file fails with EFBIG. `lockPatience`: how long
+    /// `lock` waits for another process.
+    explicit PosixFileSystem(std::size_t maximumSize = defaultMaximumSize,
+                             std::chrono::milliseconds lockPatience = std::chrono::seconds{1})
+        : maximumSize_(maximumSize), lockPatience_(lockPatience) {}
 
     bool exists(const std::filesystem::path& path) override;
+
+    std::optional<FileStamp> stamp(const std::filesystem::path& path) override;
 
     /// EISDIR for a directory, EINVAL for any other file that is not regular. Never waits for a writer.
     std::expected<std::string, FileError> read(const std::filesystem::path& path) override;
@@ -29,6 +34,11 @@ public:
     /// Follows links at the end of `path`, also when the last of them leads to nothing. ELOOP for links
     /// that go in circles.
     std::expected<std::filesystem::path, FileError> resolveLink(const std::filesystem::path& path) override;
+
+    /// EBUSY when another process kept the lock. The lock ends with the process, however that ends.
+    std::expected<Token, FileError> lock(const std::filesystem::path& path) override;
+
+    std::vector<std::string> names(const std::filesystem::path& directory) override;
 
     /// Never writes through a link or into an existing file: both are replaced.
     std::expected<void, FileError> writeFlushed(const std::filesystem::path& path,
@@ -44,7 +54,8 @@ public:
     std::expected<void, FileError> remove(const std::filesystem::path& path) override;
 
 private:
-    std::size_t maximumReadSize_;
+    std::size_t maximumSize_;
+    std::chrono::milliseconds lockPatience_;
 };
 
 } // namespace tavrin

@@ -2,8 +2,8 @@
 
 namespace tavrin {
 
-Timestamp SystemWallClock::now() {
-    return Timestamp::clock::now();
+std::chrono::system_clock::time_point SystemWallClock::instant() {
+    return std::chrono::system_clock::now();
 }
 
 } // namespace tavrin

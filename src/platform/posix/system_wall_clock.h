@@ -7,7 +7,7 @@ namespace tavrin {
 /// The computer's clock.
 class SystemWallClock final : public WallClock {
 public:
-    Timestamp now() override;
+    std::chrono::system_clock::time_point instant() override;
 };
 
 } // namespace tavrin

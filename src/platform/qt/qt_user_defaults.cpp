@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 namespace tavrin {
 
 QtUserDefaults::QtUserDefaults(const std::filesystem::path& file)
@@ -15,7 +17,19 @@ std::filesystem::path QtUserDefaults::defaultFile() {
 
 bool QtUserDefaults::isUsable() {
     settings_.sync();
-    return settings_.status() == QSettings::NoError && settings_.isWritable();
+    if (settings_.status() != QSettings::NoError || !settings_.isWritable())
+        return false;
+    // A file that is there has been written by this class. One that lost its values, or part of them, must
+    // not look like one that never had any.
+    const auto keys = settings_.allKeys();
+    const auto isWhole = [this](const QString& key) {
+        const auto value = settings_.value(key).toString();
+        bool isNumber = false;
+        value.toLongLong(&isNumber);
+        return isNumber || value == QLatin1String("true") || value == QLatin1String("false");
+    };
+    return !QFile::exists(settings_.fileName()) ||
+           (!keys.isEmpty() && std::all_of(keys.begin(), keys.end(), isWhole));
 }
 
 std::int64_t QtUserDefaults::integer(const std::string& key) {
