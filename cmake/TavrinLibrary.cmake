@@ -25,7 +25,7 @@ endif()
 # The libraries outside that a row of the table may name. "system" needs none.
 set(TAVRIN_LIBRARY_fmt fmt::fmt)
 set(TAVRIN_LIBRARY_icu ICU::uc ICU::i18n)
-set(TAVRIN_LIBRARY_json nlohmann_json::nlohmann_json)
+set(TAVRIN_LIBRARY_json simdjson::simdjson)
 set(TAVRIN_LIBRARY_qt-dbus Qt6::DBus)
 set(TAVRIN_LIBRARY_qt-gui Qt6::Widgets Qt6::Svg)
 set(TAVRIN_LIBRARY_uuid PkgConfig::UUID)

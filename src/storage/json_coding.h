@@ -4,26 +4,76 @@
 #include "base/timestamp.h"
 #include "base/uuid.h"
 #include "records/key_combo.h"
-#include "storage/json_errors.h"
 
-#include <nlohmann/json.hpp>
-
+#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
+#include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 /// Reading and writing records as JSON, driven by the one description of its fields that each record
-/// gives (base/record_fields.h). Reading is strict: a value of another kind, a number out of range or a
-/// missing required key is refused; unknown keys are ignored. Only storage/store_migration.h uses this, and
-/// turns the exceptions below into typed errors.
+/// gives (base/record_fields.h). Reading is strict: a value of another kind, a number out of range, a key
+/// that is missing or stands there twice is refused; unknown keys are ignored. Only storage/store_migration.h
+/// uses this, and turns the exceptions below into typed errors.
 namespace tavrin::json {
 
-using Json = nlohmann::json;
+/// Where in the file a value stands.
+struct Path {
+    const Path* parent = nullptr;
+    std::string_view key;
+    std::size_t index = 0;
+
+    std::string text() const;
+};
+
+struct DecodingError : std::runtime_error {
+    DecodingError(const Path& path, std::string_view problem);
+};
+
+struct EncodingError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// A value of a parsed document; lives as long as that.
+struct Value;
+
+/// Calls `read` with the document in `bytes`; throws `DecodingError`, also when more follows it.
+void parse(std::string_view bytes, const std::function<void(const Value&)>& read);
+
+/// Builds a document: indented by two blanks, a value to a line.
+class Writer {
+public:
+    void beginObject() { begin('{'); }
+    void key(std::string_view key);
+    void endObject() { end('}'); }
+    void beginList() { begin('['); }
+    void item(); ///< announces the next value of the list
+    void endList() { end(']'); }
+
+    /// A value written out, such as a number.
+    void raw(std::string_view text) { text_ += text; }
+    void text(std::string_view text);
+
+    std::string take() { return std::move(text_) + "\n"; }
+
+private:
+    void begin(char bracket);
+    void end(char bracket);
+    void newLine();
+
+    std::string text_;
+    std::size_t depth_ = 0;
+    bool isEmpty_ = true; ///< nothing stands in the innermost object or list yet
+};
 
 template <class T>
 concept Record = requires { T::fields(); };
@@ -31,151 +81,172 @@ concept Record = requires { T::fields(); };
 template <class T>
 concept TextEnum = std::is_enum_v<T> && requires(T value) { enumTexts(value); };
 
-template <class T>
-inline constexpr bool isOptional = false;
-template <class T>
-inline constexpr bool isOptional<std::optional<T>> = true;
+void read(const Value& json, bool& value, const Path& path);
+void read(const Value& json, double& value, const Path& path);
+void read(const Value& json, std::int64_t& value, const Path& path);
+void read(const Value& json, std::uint64_t& value, const Path& path);
+void read(const Value& json, std::uint16_t& value, const Path& path);
+void read(const Value& json, std::string& value, const Path& path);
+void read(const Value& json, Uuid& value, const Path& path);
+void read(const Value& json, Timestamp& value, const Path& path);
+void read(const Value& json, ModifierSet& value, const Path& path);
 
-void read(const Json& json, bool& value, const Path& path);
-void read(const Json& json, double& value, const Path& path);
-void read(const Json& json, std::int64_t& value, const Path& path);
-void read(const Json& json, std::uint64_t& value, const Path& path);
-void read(const Json& json, std::uint16_t& value, const Path& path);
-void read(const Json& json, std::string& value, const Path& path);
-void read(const Json& json, Uuid& value, const Path& path);
-void read(const Json& json, Timestamp& value, const Path& path);
-void read(const Json& json, ModifierSet& value, const Path& path);
+void write(Writer& writer, bool value);
+void write(Writer& writer, double value);
+void write(Writer& writer, std::int64_t value);
+void write(Writer& writer, std::uint64_t value);
+void write(Writer& writer, std::uint16_t value);
+void write(Writer& writer, const std::string& value);
+void write(Writer& writer, const Uuid& value);
+void write(Writer& writer, Timestamp value);
+void write(Writer& writer, ModifierSet value);
 
-Json write(bool value);
-Json write(double value);
-Json write(std::int64_t value);
-Json write(std::uint64_t value);
-Json write(std::uint16_t value);
-Json write(const std::string& value);
-Json write(const Uuid& value);
-Json write(Timestamp value);
-Json write(ModifierSet value);
+// What the templates below are made of.
+bool isNull(const Value& json);
+std::string_view readText(const Value& json, const Path& path);
+void readItems(const Value& json, const Path& path, const std::function<void(std::size_t)>& reserve,
+               const std::function<void(const Value&, const Path&)>& read);
+void readMembers(const Value& json, const Path& path,
+                 const std::function<void(std::string_view, const Value&, const Path&)>& read);
+
+/// How one field of a record is read and written.
+struct FieldCode {
+    std::string_view key;
+    bool isRequired;
+    void (*read)(const Value& json, void* record, const Path& path);
+    void (*write)(Writer& writer, std::string_view key, const void* record); ///< nothing for an absent value
+};
+void readRecord(const Value& json, void* record, std::span<const FieldCode> fields, const Path& path);
+void writeRecord(Writer& writer, const void* record, std::span<const FieldCode> fields);
 
 // Declared ahead, because records hold lists of records and so on.
 template <TextEnum Enum>
-void read(const Json& json, Enum& value, const Path& path);
+void read(const Value& json, Enum& value, const Path& path);
 template <class T>
-void read(const Json& json, std::vector<T>& values, const Path& path);
+void read(const Value& json, std::vector<T>& values, const Path& path);
 template <class T>
-void read(const Json& json, std::map<std::string, T>& values, const Path& path);
+void read(const Value& json, std::map<std::string, T>& values, const Path& path);
 template <Record T>
-void read(const Json& json, T& record, const Path& path);
+void read(const Value& json, T& record, const Path& path);
 template <TextEnum Enum>
-Json write(Enum value);
+void write(Writer& writer, Enum value);
 template <class T>
-Json write(const std::vector<T>& values);
+void write(Writer& writer, const std::vector<T>& values);
 template <class T>
-Json write(const std::map<std::string, T>& values);
+void write(Writer& writer, const std::map<std::string, T>& values);
 template <Record T>
-Json write(const T& record);
+void write(Writer& writer, const T& record);
 
 template <TextEnum Enum>
-void read(const Json& json, Enum& value, const Path& path) {
-    std::string text;
-    read(json, text, path);
+void read(const Value& json, Enum& value, const Path& path) {
+    const std::string_view text = readText(json, path);
     for (const auto& [candidate, name] : enumTexts(Enum{})) {
         if (text == name) {
             value = candidate;
             return;
         }
     }
-    throw DecodingError(path, "unknown value \"" + text + "\"");
+    throw DecodingError(path, "unknown value \"" + std::string(text) + "\"");
 }
 
 template <class T>
-void read(const Json& json, std::vector<T>& values, const Path& path) {
-    if (!json.is_array())
-        throw DecodingError(path, "expected a list");
-    values.resize(json.size());
-    for (std::size_t i = 0; i < json.size(); ++i)
-        read(json[i], values[i], Path{&path, {}, i});
-}
-
-template <class T>
-void read(const Json& json, std::map<std::string, T>& values, const Path& path) {
-    if (!json.is_object())
-        throw DecodingError(path, "expected an object");
+void read(const Value& json, std::vector<T>& values, const Path& path) {
     values.clear();
-    for (const auto& [key, value] : json.items())
-        read(value, values[key], Path{&path, key});
+    readItems(
+        json, path, [&](std::size_t count) { values.reserve(count); },
+        [&](const Value& item, const Path& itemPath) { read(item, values.emplace_back(), itemPath); });
 }
 
-template <Record T>
-void read(const Json& json, T& record, const Path& path) {
-    if (!json.is_object())
-        throw DecodingError(path, "expected an object");
-    const auto readField = [&]<class Value>(const Field<T, Value>& field) {
-        const auto found = json.find(field.key);
-        const bool missing = found == json.end();
-        const bool absent = missing || found->is_null();
-        Value& member = record.*field.member;
-        const Path fieldPath{&path, field.key};
-        if constexpr (isOptional<Value>) {
-            if (absent)
-                member.reset();
-            else
-                read(*found, member.emplace(), fieldPath);
-        } else if (field.presence == Presence::defaulted) {
-            if (!absent)
-                read(*found, member, fieldPath);
-        } else if (missing) {
-            throw DecodingError(fieldPath, "the key is missing");
+template <class T>
+void read(const Value& json, std::map<std::string, T>& values, const Path& path) {
+    values.clear();
+    readMembers(json, path, [&](std::string_view key, const Value& member, const Path& memberPath) {
+        const auto [entry, isNew] = values.try_emplace(std::string(key));
+        if (!isNew)
+            throw DecodingError(memberPath, "the key stands there twice");
+        read(member, entry->second, memberPath);
+    });
+}
+
+template <Record T, std::size_t index>
+constexpr FieldCode fieldCode() {
+    constexpr auto field = std::get<index>(T::fields());
+    using Member = std::remove_cvref_t<decltype(std::declval<T&>().*field.member)>;
+    constexpr bool isOptional = requires(Member member) {
+        member.emplace();
+        member.reset();
+    };
+    const auto readField = [](const Value& json, void* record, const Path& path) {
+        constexpr auto own = std::get<index>(T::fields());
+        auto& member = static_cast<T*>(record)->*own.member;
+        if constexpr (isOptional) {
+            if (!isNull(json))
+                read(json, member.emplace(), path);
         } else {
-            read(*found, member, fieldPath);
+            if (own.presence != Presence::defaulted || !isNull(json))
+                read(json, member, path);
         }
     };
-    std::apply([&](const auto&... fields) { (readField(fields), ...); }, T::fields());
+    const auto writeField = [](Writer& writer, std::string_view key, const void* record) {
+        constexpr auto own = std::get<index>(T::fields());
+        const auto& member = static_cast<const T*>(record)->*own.member;
+        if constexpr (isOptional) {
+            if (!member)
+                return;
+            writer.key(key);
+            write(writer, *member);
+        } else {
+            writer.key(key);
+            write(writer, member);
+        }
+    };
+    return {field.key, !isOptional && field.presence == Presence::required, readField, writeField};
+}
+
+/// The fields of a record by key, the order in which they are written.
+template <Record T>
+inline constexpr auto fieldCodes = []<std::size_t... indices>(std::index_sequence<indices...>) {
+    std::array codes{fieldCode<T, indices>()...};
+    std::ranges::sort(codes, {}, &FieldCode::key);
+    return codes;
+}(std::make_index_sequence<std::tuple_size_v<decltype(T::fields())>>());
+
+template <Record T>
+void read(const Value& json, T& record, const Path& path) {
+    readRecord(json, &record, fieldCodes<T>, path);
 }
 
 template <TextEnum Enum>
-Json write(Enum value) {
+void write(Writer& writer, Enum value) {
     for (const auto& [candidate, name] : enumTexts(Enum{}))
         if (candidate == value)
-            return name;
+            return writer.text(name);
     throw EncodingError("a value without a text");
 }
 
 template <class T>
-Json write(const std::vector<T>& values) {
-    Json json = Json::array();
-    for (const auto& value : values)
-        json.push_back(write(value));
-    return json;
+void write(Writer& writer, const std::vector<T>& values) {
+    writer.beginList();
+    for (const auto& value : values) {
+        writer.item();
+        write(writer, value);
+    }
+    writer.endList();
 }
 
 template <class T>
-Json write(const std::map<std::string, T>& values) {
-    Json json = Json::object();
-    for (const auto& [key, value] : values)
-        json[key] = write(value);
-    return json;
+void write(Writer& writer, const std::map<std::string, T>& values) {
+    writer.beginObject();
+    for (const auto& [key, value] : values) {
+        writer.key(key);
+        write(writer, value);
+    }
+    writer.endObject();
 }
 
 template <Record T>
-Json write(const T& record) {
-    Json json = Json::object();
-    const auto writeField = [&]<class Value>(const Field<T, Value>& field) {
-        const Value& member = record.*field.member;
-        if constexpr (isOptional<Value>) {
-            if (member)
-                json[field.key] = write(*member);
-        } else {
-            json[field.key] = write(member);
-        }
-    };
-    std::apply([&](const auto&... fields) { (writeField(fields), ...); }, T::fields());
-    return json;
+void write(Writer& writer, const T& record) {
+    writeRecord(writer, &record, fieldCodes<T>);
 }
-
-/// The document in `bytes`; throws `DecodingError`.
-Json parse(std::string_view bytes);
-
-/// Indented, with the keys of every object in alphabetical order; throws `EncodingError`.
-std::string print(const Json& json);
 
 } // namespace tavrin::json

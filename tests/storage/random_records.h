@@ -114,7 +114,7 @@ private:
         }
     }
     template <class T>
-    requires requires { T::fields(); }
+        requires requires { T::fields(); }
     void fill(T& record) {
         std::apply([&](const auto&... fields) { (fill(record.*fields.member), ...); }, T::fields());
     }

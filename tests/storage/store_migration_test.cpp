@@ -33,19 +33,38 @@ TEST(StoreMigration, RefusesOtherVersionsAndWhatIsNoEnvelope) {
         ASSERT_FALSE(decoded);
         EXPECT_EQ(decoded.error(), StoreMigrationError(UnsupportedVersion{found}));
     }
-    EXPECT_TRUE(StoreMigration{}.decode<Layouts>(envelope("[]")));
+    for (const std::string& bytes : {envelope("[]"), "\xef\xbb\xbf" + envelope("[]"),
+                                     envelope("[]").insert(1, R"("later": [{"a": 1}], )")})
+        EXPECT_TRUE(StoreMigration{}.decode<Layouts>(bytes)) << bytes;
     for (const std::string& bytes :
-         {std::string(""), std::string("[]"), std::string("null"), std::string("{}"), envelope("[]", "1.5"),
-          envelope("[]", "1.0"), envelope("[]", "true"), envelope("[]", "\"1\""),
-          envelope("[]", "99999999999999999999"), envelope("{}"), envelope("null"),
-          envelope("[]", "1", "yesterday"), envelope("[1]", "2"), envelope("[]") + "x",
-          std::string("{\"payload\": [], \"schemaVersion\": 1}"), "\xef\xbb" + envelope("[]"),
-          std::string(100'000, '[')})
+         {std::string(""),
+          std::string("[]"),
+          std::string("null"),
+          std::string("{}"),
+          envelope("[]", "1.5"),
+          envelope("[]", "1.0"),
+          envelope("[]", "true"),
+          envelope("[]", "\"1\""),
+          envelope("[]", "99999999999999999999"),
+          envelope("{}"),
+          envelope("null"),
+          envelope("[]", "1", "yesterday"),
+          envelope("[1]", "2"),
+          envelope("[]") + "x",
+          std::string("{\"payload\": [], \"schemaVersion\": 1}"),
+          "\xef\xbb" + envelope("[]"),
+          envelope("[]") + std::string("\0x", 2),
+          std::string(100'000, '['),
+          envelope("[]").insert(1, R"("later": )" + std::string(2000, '[') + std::string(2000, ']') + ", "),
+          envelope("[]").insert(1, R"("schemaVersion": 1, )"),
+          envelope("[]").insert(1, R"("later": [nul], )"),
+          envelope("[]").insert(1, "\"later\": \"\xff\", ")})
         EXPECT_TRUE(isRefused<Layouts>(bytes)) << bytes.substr(0, 100);
 }
 
 TEST(StoreMigration, SaysWhereAFileIsBroken) {
-    const auto decoded = decode<std::vector<SavedDisplay>>(R"([{"displayIdentifier": "a"}])");
+    const auto decoded =
+        decode<std::vector<SavedDisplay>>(R"([{"displayIdentifier": "a", "isInternal": true}])");
     ASSERT_FALSE(decoded);
     EXPECT_EQ(std::get<DecodeFailed>(decoded.error()).description,
               "payload[0].visibleFrame: the key is missing");

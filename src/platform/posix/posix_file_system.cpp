@@ -81,7 +81,7 @@ std::optional<FileStamp> PosixFileSystem::stamp(const fs::path& path) {
     using namespace std::chrono;
     // Clocks of file systems tick in steps of up to two seconds.
     constexpr seconds coarsestStep{2};
-    struct stat status {};
+    struct stat status{};
     if (holdsZero(path) || ::stat(path.c_str(), &status) != 0)
         return std::nullopt;
     const auto modified = seconds{status.st_mtim.tv_sec} + nanoseconds{status.st_mtim.tv_nsec};
