@@ -6,9 +6,12 @@
 #include <unicode/locid.h>
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
+#include <unicode/ucnv.h>
 #include <unicode/unistr.h>
 #include <unicode/utf8.h>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 
 namespace tavrin {
@@ -35,6 +38,39 @@ bool isAscii(std::string_view text) {
 uint32_t caseFoldingOptions() {
     const std::string_view language = icu::Locale::getDefault().getLanguage();
     return language == "tr" || language == "az" ? U_FOLD_CASE_EXCLUDE_SPECIAL_I : U_FOLD_CASE_DEFAULT;
+}
+
+/// The character set that an escape sequence of COMPOUND_TEXT selects for the bytes of one half.
+struct CompoundCharset {
+    std::string_view escape;
+    const char* converter; ///< reads bytes with the eighth bit set
+    bool isRightHalf = true;
+};
+
+// The sets of two bytes are the same in both halves, and the converters know them in the right one.
+constexpr CompoundCharset compoundCharsets[] = {
+    {"-A", "ISO-8859-1"},     {"-B", "ISO-8859-2"},     {"-C", "ISO-8859-3"},   {"-D", "ISO-8859-4"},
+    {"-F", "ISO-8859-7"},     {"-G", "ISO-8859-6"},     {"-H", "ISO-8859-8"},   {"-L", "ISO-8859-5"},
+    {"-M", "ISO-8859-9"},     {"-T", "TIS-620"},        {"-b", "ISO-8859-15"},  {")I", "Shift_JIS"},
+    {"$)A", "GB2312"},        {"$)B", "EUC-JP"},        {"$)C", "EUC-KR"},      {"$(A", "GB2312", false},
+    {"$(B", "EUC-JP", false}, {"$(C", "EUC-KR", false}, {"(B", nullptr, false}, {"(J", nullptr, false},
+};
+
+/// Converts bytes of one character set. Unknown sets, and what they do not hold, become U+FFFD.
+icu::UnicodeString converted(const std::string& bytes, const char* charset) {
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<UConverter, decltype(&ucnv_close)> converter(ucnv_open(charset, &status),
+                                                                       ucnv_close);
+    if (U_SUCCESS(status)) {
+        icu::UnicodeString text(bytes.data(), static_cast<int32_t>(bytes.size()), converter.get(), status);
+        if (U_SUCCESS(status))
+            return text;
+    }
+    return icu::UnicodeString(char16_t{0xFFFD});
+}
+
+bool isRightHalf(char c) {
+    return static_cast<unsigned char>(c) >= 0x80;
 }
 
 } // namespace
@@ -104,6 +140,52 @@ std::size_t characterCount(std::string_view text) {
     while (iterator->next() != icu::BreakIterator::DONE)
         ++count;
     return count;
+}
+
+std::string utf8FromCompoundText(std::string_view bytes) {
+    constexpr char escape = 0x1b;
+    constexpr std::string_view utf8Begin = "%G", utf8End = "\x1b%@";
+    icu::UnicodeString text;
+    const char* left = nullptr; // ASCII
+    const char* right = "ISO-8859-1";
+    while (!bytes.empty()) {
+        if (bytes.front() != escape) {
+            const bool isRight = isRightHalf(bytes.front());
+            std::size_t size = 1;
+            while (size < bytes.size() && bytes[size] != escape && isRightHalf(bytes[size]) == isRight)
+                ++size;
+            std::string run(bytes.substr(0, size));
+            bytes.remove_prefix(size);
+            const char* charset = isRight ? right : left;
+            if (charset && !isRight)
+                for (char& c : run)
+                    if (c > ' ')
+                        c = static_cast<char>(c | 0x80);
+            text += charset ? converted(run, charset) : decoded(run);
+            continue;
+        }
+        bytes.remove_prefix(1);
+        if (bytes.starts_with(utf8Begin)) {
+            bytes.remove_prefix(utf8Begin.size());
+            const auto piece = bytes.substr(0, bytes.find(utf8End));
+            text += decoded(piece);
+            bytes.remove_prefix(std::min(piece.size() + utf8End.size(), bytes.size()));
+            continue;
+        }
+        const auto* const charset = std::ranges::find_if(
+            compoundCharsets, [&](const CompoundCharset& known) { return bytes.starts_with(known.escape); });
+        if (charset != std::end(compoundCharsets)) {
+            (charset->isRightHalf ? right : left) = charset->converter;
+            bytes.remove_prefix(charset->escape.size());
+            continue;
+        }
+        // Another sequence: intermediate bytes and a final one.
+        text += char16_t{0xFFFD};
+        while (!bytes.empty() && bytes.front() >= ' ' && bytes.front() <= '/')
+            bytes.remove_prefix(1);
+        bytes.remove_prefix(std::min<std::size_t>(1, bytes.size()));
+    }
+    return encoded(text);
 }
 
 std::string sanitizedUtf8(std::string_view bytes, std::size_t maximumBytes) {

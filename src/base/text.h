@@ -19,6 +19,10 @@ std::string lowercased(std::string_view text);
 /// The number of characters as a person counts them (grapheme clusters).
 std::size_t characterCount(std::string_view text);
 
+/// Text of the X11 encoding COMPOUND_TEXT, which switches between the older national character sets; what
+/// cannot be read becomes U+FFFD. The result may be some times longer.
+std::string utf8FromCompoundText(std::string_view bytes);
+
 /// Text from outside made safe to keep: every byte that is not valid UTF-8 becomes U+FFFD, and what lies
 /// beyond `maximumBytes` is cut off between two code points.
 std::string sanitizedUtf8(std::string_view bytes, std::size_t maximumBytes);

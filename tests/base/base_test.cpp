@@ -37,6 +37,22 @@ TEST(Text, MakesForeignTextSafe) {
     EXPECT_EQ(sanitizedUtf8(std::string(10'000'000, '\xff'), 9).size(), 9u);
 }
 
+TEST(Text, ReadsTheOlderEncodingOfTitles) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"plain \xe9t\xe9", "plain été"},
+        {"\x1b-BL\xb6"
+         "d\xbc \x1b-L\xbf\xe0\x1b-A\xe9",
+         "Lśdź Прé"},
+        {"a\x1b$)B\xc6\xfc\xcb\xdc\x1b$(BF|K\\\x1b(B z", "a日本日本 z"},
+        {"\x1b$(C0!\x1b(B\x1b%G\xc3\xa9\xe2\x82\xac\x1b%@\xe9", "가é€é"},
+        {"\x1b$(0bad", "\uFFFDbad"},
+        {"\x1b%Gcut\xff", "cut\uFFFD"},
+        {"\x1b", "\uFFFD"},
+    };
+    for (const auto& [bytes, text] : cases)
+        EXPECT_EQ(utf8FromCompoundText(bytes), text);
+}
+
 TEST(Uuid, IsReadInEitherCaseAndWrittenInUpperCase) {
     const auto uuid = Uuid::parse("0f9a2b3c-4d5e-6f70-8192-a3b4c5d6e7f8");
     ASSERT_TRUE(uuid);

@@ -15,6 +15,7 @@ struct Entry {
 
 constexpr std::array entries = {
     Entry{"UTF8_STRING", &X11Atoms::utf8String},
+    Entry{"COMPOUND_TEXT", &X11Atoms::compoundText},
     Entry{"EDID", &X11Atoms::edid},
     Entry{"ConnectorType", &X11Atoms::connectorType},
     Entry{"Panel", &X11Atoms::panel},

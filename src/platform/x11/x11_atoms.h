@@ -9,6 +9,7 @@ namespace tavrin {
 /// The names this layer uses, as the server numbers them.
 struct X11Atoms {
     xcb_atom_t utf8String = 0;
+    xcb_atom_t compoundText = 0;
     xcb_atom_t edid = 0;
     xcb_atom_t connectorType = 0;
     xcb_atom_t panel = 0;

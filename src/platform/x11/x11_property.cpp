@@ -62,6 +62,15 @@ std::vector<std::string> texts(const xcb_get_property_reply_t* reply, std::size_
     return result;
 }
 
+std::optional<std::string> legacyText(const xcb_get_property_reply_t* reply, std::size_t maximumBytes,
+                                      xcb_atom_t compoundText) {
+    if (!reply || reply->type != compoundText)
+        return text(reply, maximumBytes);
+    const auto whole = bytes(reply);
+    auto title = sanitizedUtf8(utf8FromCompoundText(whole.substr(0, whole.find('\0'))), maximumBytes);
+    return title.empty() ? std::nullopt : std::optional(std::move(title));
+}
+
 std::optional<std::string> text(const xcb_get_property_reply_t* reply, std::size_t maximumBytes) {
     auto all = texts(reply, maximumBytes);
     return all.empty() || all.front().empty() ? std::nullopt : std::optional(std::move(all.front()));

@@ -34,4 +34,8 @@ std::vector<std::string> texts(const xcb_get_property_reply_t* reply, std::size_
 /// The first of these texts; absent when it is empty.
 std::optional<std::string> text(const xcb_get_property_reply_t* reply, std::size_t maximumBytes);
 
+/// The same for a property that may be of the type `compoundText` (the server's number for it) too.
+std::optional<std::string> legacyText(const xcb_get_property_reply_t* reply, std::size_t maximumBytes,
+                                      xcb_atom_t compoundText);
+
 } // namespace tavrin

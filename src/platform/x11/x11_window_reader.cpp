@@ -163,7 +163,8 @@ void X11WindowReader::collect(const Requests& requests, Task& task) const {
     }
     if (wants(WindowPart::title)) {
         const auto name = text(property(requests.name).get(), titleLimit);
-        const auto legacyName = text(property(requests.legacyName).get(), titleLimit);
+        const auto legacyName =
+            legacyText(property(requests.legacyName).get(), titleLimit, atoms.compoundText);
         window.title = name ? *name : legacyName.value_or("");
     }
     if (wants(WindowPart::windowClass)) {
