@@ -3,6 +3,7 @@
 #include "base/fatal.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <cmath>
@@ -30,12 +31,19 @@ DisplaySnapshot snapshot(const Screen& screen, const DisplayFrame& whole) {
                             .scaleBucket = scaleBucket(screen.backingScaleFactor),
                             .pixelSizeBucket = "unknown",
                             .visibleFrame = screen.visibleFrame};
-    if (const auto& hardware = screen.hardware) {
-        display.stableID =
-            fmt::format("{}-{}-{}", hardware->vendorNumber, hardware->modelNumber, hardware->serialNumber);
-        display.pixelSizeBucket = fmt::format("{}x{}", hardware->pixelsWide, hardware->pixelsHigh);
-        display.isInternal = hardware->isBuiltin;
-    }
+    if (screen.hardware.empty())
+        return display;
+    // A mirror image, or one screen of several panels, is known by all of them, in whatever order they are
+    // told.
+    std::vector<std::string> identities;
+    for (const DisplayHardware& hardware : screen.hardware)
+        identities.push_back(
+            fmt::format("{}-{}-{}", hardware.vendorNumber, hardware.modelNumber, hardware.serialNumber));
+    std::ranges::sort(identities);
+    display.stableID = fmt::format("{}", fmt::join(identities, "+"));
+    const DisplayHardware& first = screen.hardware.front();
+    display.pixelSizeBucket = fmt::format("{}x{}", first.pixelsWide, first.pixelsHigh);
+    display.isInternal = std::ranges::any_of(screen.hardware, &DisplayHardware::isBuiltin);
     return display;
 }
 

@@ -3,7 +3,6 @@
 #include "records/displays.h"
 
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 namespace tavrin {
@@ -14,7 +13,7 @@ struct DisplayHardware {
     std::uint32_t modelNumber = 0;
     std::uint32_t serialNumber = 0; ///< 0 when the display reports none
     bool isBuiltin = false;
-    std::uint32_t pixelsWide = 0;
+    std::uint32_t pixelsWide = 0; ///< of the whole screen where several outputs show it
     std::uint32_t pixelsHigh = 0;
 
     bool operator==(const DisplayHardware&) const = default;
@@ -25,7 +24,7 @@ struct Screen {
     DisplayFrame frame;        ///< points, bottom-left origin at the primary screen
     DisplayFrame visibleFrame; ///< the part of `frame` that panels and docks leave free
     double backingScaleFactor = 1;
-    std::optional<DisplayHardware> hardware; ///< absent for a screen without a display number
+    std::vector<DisplayHardware> hardware; ///< of every output that shows this area; empty without an output
 
     bool operator==(const Screen&) const = default;
 };

@@ -15,7 +15,7 @@ namespace {
 struct FakeScreens : ScreenList {
     std::vector<Screen> screens() override {
         const Rect frame{0, 0, 1920, 1080};
-        return {{frame, frame, 1, DisplayHardware{1, 2, 3, false, 1920, 1080}}};
+        return {{frame, frame, 1, {{1, 2, 3, false, 1920, 1080}}}};
     }
 };
 

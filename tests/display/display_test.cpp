@@ -14,8 +14,9 @@ struct FixedScreens : ScreenList {
     std::vector<Screen> screens() override { return list; }
 };
 
-Screen screen(Rect frame, std::optional<DisplayHardware> hardware, double scale = 1) {
-    return {.frame = frame, .visibleFrame = frame, .backingScaleFactor = scale, .hardware = hardware};
+Screen screen(Rect frame, std::vector<DisplayHardware> hardware, double scale = 1) {
+    return {
+        .frame = frame, .visibleFrame = frame, .backingScaleFactor = scale, .hardware = std::move(hardware)};
 }
 
 std::vector<std::string> keys(const DisplaySnapshotCollection& displays) {
@@ -30,8 +31,8 @@ TEST(DisplaySnapshotProvider, DescribesEachScreenWithinTheWhole) {
     DisplaySnapshotProvider provider{screens};
     EXPECT_TRUE(provider.currentSnapshot().displays.empty());
 
-    screens.list = {screen({0, 0, 3024, 1964}, DisplayHardware{1234, 5678, 0, true, 3024, 1964}, 2.0),
-                    screen({3024, 0, 4536, 1964}, DisplayHardware{4321, 8765, 7, false, 5120, 2880}, 1.5)};
+    screens.list = {screen({0, 0, 3024, 1964}, {{1234, 5678, 0, true, 3024, 1964}}, 2.0),
+                    screen({3024, 0, 4536, 1964}, {{4321, 8765, 7, false, 5120, 2880}}, 1.5)};
     screens.list[0].visibleFrame = {0, 40, 3024, 1924};
     const auto snapshot = provider.currentSnapshot();
     EXPECT_EQ(keys(snapshot), (std::vector<std::string>{"external:0.400:0.000:0.600:1.000:2:5120x2880",
@@ -46,9 +47,20 @@ TEST(DisplaySnapshotProvider, DescribesEachScreenWithinTheWhole) {
     EXPECT_EQ(defaultProfileName(snapshot), "2-Display Setup");
 }
 
+TEST(DisplaySnapshotProvider, KnowsAScreenOfSeveralOutputsByAllOfThem) {
+    FixedScreens screens;
+    const DisplayHardware panel{9, 1, 0, true, 1920, 1080}, projector{10, 2, 3, false, 1920, 1080};
+    for (const auto& order : {std::vector{panel, projector}, std::vector{projector, panel}}) {
+        screens.list = {screen({0, 0, 1920, 1080}, order)};
+        const auto display = DisplaySnapshotProvider{screens}.currentSnapshot().displays.at(0);
+        EXPECT_EQ(display.stableID, "10-2-3+9-1-0");
+        EXPECT_EQ(display.arrangementKey(), "internal:0.000:0.000:1.000:1.000:1:1920x1080");
+    }
+}
+
 TEST(DisplaySnapshotProvider, CopesWithScreensWithoutHardwareOrSize) {
     FixedScreens screens;
-    screens.list = {screen({0, 0, 0, 0}, std::nullopt)};
+    screens.list = {screen({0, 0, 0, 0}, {})};
     const auto snapshot = DisplaySnapshotProvider{screens}.currentSnapshot();
     EXPECT_EQ(keys(snapshot), std::vector<std::string>{"external:0.000:0.000:1.000:1.000:1:unknown"});
     EXPECT_EQ(snapshot.displays[0].id(), snapshot.displays[0].arrangementKey());
@@ -59,9 +71,9 @@ TEST(DisplaySnapshotProvider, CopesWithScreensWithoutHardwareOrSize) {
 
 TEST(DisplaySnapshotProvider, PlacesDisplaysOnAllSidesOfThePrimary) {
     FixedScreens screens;
-    const DisplayHardware panel{1, 1, 1, true, 900, 600}, monitor{2, 2, 2, false, 900, 600};
+    const std::vector<DisplayHardware> panel{{1, 1, 1, true, 900, 600}}, monitor{{2, 2, 2, false, 900, 600}};
     screens.list = {screen({0, 0, 900, 600}, panel), screen({0, 600, 900, 600}, monitor),
-                    screen({-900, 0, 900, 600}, std::nullopt)};
+                    screen({-900, 0, 900, 600}, {})};
     EXPECT_EQ(keys(DisplaySnapshotProvider{screens}.currentSnapshot()),
               (std::vector<std::string>{"external:0.000:0.000:0.500:0.500:1:unknown",
                                         "external:0.500:0.500:0.500:0.500:1:900x600",
@@ -75,7 +87,7 @@ TEST(DisplaySnapshotProvider, PlacesDisplaysOnAllSidesOfThePrimary) {
 
 TEST(DisplaySnapshotProvider, GivesTheSameFingerprintInAnyOrderOfScreens) {
     FixedScreens screens;
-    const DisplayHardware twin{1, 2, 0, false, 1920, 1080};
+    const std::vector<DisplayHardware> twin{{1, 2, 0, false, 1920, 1080}};
     screens.list = {screen({1920, 0, 1920, 1080}, twin), screen({0, 0, 1920, 1080}, twin)};
     const auto one = DisplaySnapshotProvider{screens}.currentSnapshot();
     std::swap(screens.list[0], screens.list[1]);

@@ -57,8 +57,8 @@ TEST_F(WindowSystemTest, BothSpacesBeginAtThePrimaryScreen) {
     ASSERT_EQ(found.size(), 2u);
     EXPECT_EQ(found[0].frame, (DisplayFrame{-800, 580, 800, 600}));
     EXPECT_EQ(found[0].visibleFrame, (DisplayFrame{-800, 580, 800, 570}));
-    EXPECT_EQ(found[0].hardware, system.screenList[0].hardware.front());
-    EXPECT_EQ(found[1], (Screen{{0, 0, 1920, 1080}, {0, 40, 1920, 1040}, 2, std::nullopt}));
+    EXPECT_EQ(found[0].hardware, system.screenList[0].hardware);
+    EXPECT_EQ(found[1], (Screen{{0, 0, 1920, 1080}, {0, 40, 1920, 1040}, 2, {}}));
     const auto shown = list.onScreenWindows();
     ASSERT_TRUE(shown && shown->size() == 1u) << "hidden windows are not on screen";
     EXPECT_EQ(shown->front().bounds->x, 100);

@@ -72,11 +72,10 @@ std::vector<Screen> WindowSystemScreens::screens() {
     const auto primary = windows_.primaryFrame();
     std::vector<Screen> screens;
     for (const auto& screen : windows_.screens())
-        screens.push_back(
-            {.frame = displayFrame(screen.frame, primary),
-             .visibleFrame = displayFrame(screen.workArea, primary),
-             .backingScaleFactor = screen.scale,
-             .hardware = screen.hardware.empty() ? std::nullopt : std::optional(screen.hardware.front())});
+        screens.push_back({.frame = displayFrame(screen.frame, primary),
+                           .visibleFrame = displayFrame(screen.workArea, primary),
+                           .backingScaleFactor = screen.scale,
+                           .hardware = screen.hardware});
     return screens;
 }
 

@@ -131,37 +131,28 @@ Outputs readOutputs(X11Connection& server, std::span<const X11Monitor> monitors)
     return outputs;
 }
 
-/// The output that stands for a monitor of several: the first one that says what it is.
-const OutputFacts& representative(const X11Monitor& monitor, const Outputs& outputs) {
-    for (const auto output : monitor.outputs)
-        if (outputs.at(output).identity)
-            return outputs.at(output);
-    return outputs.at(monitor.outputs.front());
-}
-
 } // namespace
 
-std::vector<std::optional<DisplayHardware>> readDisplayHardware(X11Connection& server,
-                                                                std::span<const X11Monitor> monitors) {
+std::vector<std::vector<DisplayHardware>> readDisplayHardware(X11Connection& server,
+                                                              std::span<const X11Monitor> monitors) {
     const auto outputs = readOutputs(server, monitors);
-    std::vector<std::optional<DisplayHardware>> hardware;
+    std::vector<std::vector<DisplayHardware>> hardware;
     for (const auto& monitor : monitors) {
-        if (monitor.outputs.empty()) {
-            hardware.push_back(std::nullopt);
-            continue;
+        const PixelSize area{static_cast<std::uint32_t>(monitor.area.width),
+                             static_cast<std::uint32_t>(monitor.area.height)};
+        auto& ofMonitor = hardware.emplace_back();
+        for (const auto number : monitor.outputs) {
+            const auto& output = outputs.at(number);
+            const auto identity =
+                output.identity.value_or(EdidIdentity{.product = connectorNumber(output.connector)});
+            const auto pixels = monitor.outputs.size() == 1 ? output.pixels.value_or(area) : area;
+            ofMonitor.push_back({.vendorNumber = identity.manufacturer,
+                                 .modelNumber = identity.product,
+                                 .serialNumber = identity.serial,
+                                 .isBuiltin = output.isPanel || isBuiltinConnector(output.connector),
+                                 .pixelsWide = pixels.width,
+                                 .pixelsHigh = pixels.height});
         }
-        const auto& output = representative(monitor, outputs);
-        const auto identity =
-            output.identity.value_or(EdidIdentity{.product = connectorNumber(output.connector)});
-        const auto pixels = output.pixels.value_or(PixelSize{
-            static_cast<std::uint32_t>(monitor.area.width), static_cast<std::uint32_t>(monitor.area.height)});
-        hardware.push_back(
-            DisplayHardware{.vendorNumber = identity.manufacturer,
-                            .modelNumber = identity.product,
-                            .serialNumber = identity.serial,
-                            .isBuiltin = output.isPanel || isBuiltinConnector(output.connector),
-                            .pixelsWide = pixels.width,
-                            .pixelsHigh = pixels.height});
     }
     return hardware;
 }

@@ -25,9 +25,12 @@ std::vector<X11Monitor> collectMonitors(X11Connection& server, const MonitorsReq
          xcb_randr_monitor_info_next(&info)) {
         const auto* outputs = xcb_randr_monitor_info_outputs(info.data);
         const auto count = xcb_randr_monitor_info_outputs_length(info.data);
-        monitors.push_back({.area = {info.data->x, info.data->y, info.data->width, info.data->height},
-                            .isPrimary = info.data->primary != 0,
-                            .outputs = {outputs, outputs + count}});
+        const PixelRect area{info.data->x, info.data->y, info.data->width, info.data->height};
+        auto mirror = std::ranges::find(monitors, area, &X11Monitor::area);
+        if (mirror == monitors.end())
+            mirror = monitors.insert(mirror, {.area = area, .isPrimary = false, .outputs = {}});
+        mirror->isPrimary |= info.data->primary != 0;
+        mirror->outputs.insert(mirror->outputs.end(), outputs, outputs + count);
     }
     return monitors;
 }

@@ -14,7 +14,7 @@ namespace tavrin {
 struct X11Monitor {
     PixelRect area;
     bool isPrimary = false;
-    std::vector<xcb_randr_output_t> outputs; ///< empty for a monitor made by hand without one
+    std::vector<xcb_randr_output_t> outputs; ///< all that show it; empty for one made by hand without any
 };
 
 /// The two halves of a round trip. Without RandR monitors the whole root window counts as one.
@@ -24,7 +24,7 @@ struct MonitorsRequest {
 };
 MonitorsRequest requestMonitors(X11Connection& server);
 
-/// In the server's order; empty when no monitor is on.
+/// In the server's order, those that show the same area together as one; empty when no monitor is on.
 std::vector<X11Monitor> collectMonitors(X11Connection& server, const MonitorsRequest& request);
 
 /// The monitor at whose corner both coordinate spaces begin: the one marked as primary, else the one at the

@@ -32,10 +32,8 @@ std::vector<DesktopScreen> X11Screens::screens() {
                              .workArea = desktopSpaceRect(workAreas[i]),
                              .scale = desktopScale,
                              .isPrimary = !hasPrimary && monitors[i].area == primary,
-                             .hardware = {}};
+                             .hardware = hardware[i]};
         hasPrimary |= screen.isPrimary;
-        if (hardware[i])
-            screen.hardware.push_back(*hardware[i]);
         screens.push_back(std::move(screen));
     }
     return screens;
