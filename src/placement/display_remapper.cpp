@@ -11,7 +11,7 @@ double area(const Rect& rect) {
     return rect.width * rect.height;
 }
 
-/// How well a display of now can stand in for a saved one; minus infinity when either has no area.
+/// How well a current display can stand in for a saved one; minus infinity when either has no area.
 double similarity(const Rect& saved, const Rect& current) {
     const double savedArea = area(saved);
     const double currentArea = area(current);
@@ -30,52 +30,75 @@ const DisplayPlacementInput& largest(const std::vector<DisplayPlacementInput>& d
     return *best;
 }
 
-} // namespace
-
-DisplayRemapping DisplayRemapper::remap(const std::vector<SavedDisplay>& savedDisplays,
-                                        const std::vector<DisplayPlacementInput>& currentDisplays) const {
-    if (currentDisplays.empty())
-        return {};
-    DisplayRemapping remapping{.fallbackTarget = largest(currentDisplays)};
-    if (savedDisplays.empty())
-        return remapping;
-
-    std::vector<DisplayPlacementInput> pool = currentDisplays;
-    std::vector<SavedDisplay> unmatched;
-    for (const SavedDisplay& saved : savedDisplays) {
-        const auto found = std::ranges::find_if(pool, [&](const DisplayPlacementInput& display) {
-            return display.isCalled(saved.displayIdentifier);
-        });
-        if (found == pool.end()) {
-            unmatched.push_back(saved);
-            continue;
-        }
-        remapping.perSaved[saved.displayIdentifier] = *found;
-        pool.erase(found);
-    }
-    remapping.isExact = unmatched.empty();
-
-    while (!unmatched.empty() && !pool.empty()) {
-        // The first pair stands for "every score is minus infinity".
-        auto bestSaved = unmatched.begin();
-        auto bestDisplay = pool.begin();
+/// Pairs saved with current displays as long as there is a pair that `admits` allows, the most similar pair
+/// first; of equally similar ones the earliest.
+template <class Admits>
+void pairMostSimilar(std::vector<RemappedDisplay*>& unmatched, std::vector<DisplayPlacementInput>& pool,
+                     Admits admits) {
+    while (true) {
+        auto bestSaved = unmatched.end();
+        auto bestDisplay = pool.end();
         double bestScore = -std::numeric_limits<double>::infinity();
         for (auto saved = unmatched.begin(); saved != unmatched.end(); ++saved) {
             for (auto display = pool.begin(); display != pool.end(); ++display) {
-                const double score = similarity(saved->visibleFrame, display->visibleFrame);
-                if (score > bestScore) {
+                if (!admits((*saved)->saved, *display))
+                    continue;
+                const double score = similarity((*saved)->saved.visibleFrame, display->visibleFrame);
+                if (score > bestScore || bestSaved == unmatched.end()) {
                     bestSaved = saved;
                     bestDisplay = display;
                     bestScore = score;
                 }
             }
         }
-        remapping.perSaved[bestSaved->displayIdentifier] = *bestDisplay;
+        if (bestSaved == unmatched.end())
+            return;
+        (*bestSaved)->target = *bestDisplay;
         unmatched.erase(bestSaved);
         pool.erase(bestDisplay);
     }
-    for (const SavedDisplay& saved : unmatched)
-        remapping.perSaved[saved.displayIdentifier] = remapping.fallbackTarget;
+}
+
+} // namespace
+
+const RemappedDisplay* DisplayRemapping::displayOf(const SavedLayoutEntry& entry) const {
+    const RemappedDisplay* nearest = nullptr;
+    double shortest = 0;
+    for (const RemappedDisplay& display : perSaved) {
+        if (display.saved.displayIdentifier != entry.displayIdentifier)
+            continue;
+        const double distance =
+            entry.normalizedFrame
+                ? frameDistance(frameFromFractions(*entry.normalizedFrame, display.saved.visibleFrame),
+                                entry.frame)
+                : 0;
+        if (!nearest || distance < shortest) {
+            nearest = &display;
+            shortest = distance;
+        }
+    }
+    return nearest;
+}
+
+DisplayRemapping DisplayRemapper::remap(const std::vector<SavedDisplay>& savedDisplays,
+                                        const std::vector<DisplayPlacementInput>& currentDisplays) const {
+    if (currentDisplays.empty())
+        return {};
+    DisplayRemapping remapping{.perSaved = {}, .fallbackTarget = largest(currentDisplays)};
+    if (savedDisplays.empty())
+        return remapping;
+    for (const SavedDisplay& saved : savedDisplays)
+        remapping.perSaved.push_back({saved, remapping.fallbackTarget});
+
+    std::vector<DisplayPlacementInput> pool = currentDisplays;
+    std::vector<RemappedDisplay*> unmatched;
+    for (RemappedDisplay& display : remapping.perSaved)
+        unmatched.push_back(&display);
+    pairMostSimilar(unmatched, pool, [](const SavedDisplay& saved, const DisplayPlacementInput& display) {
+        return display.isCalled(saved.displayIdentifier);
+    });
+    remapping.isExact = unmatched.empty();
+    pairMostSimilar(unmatched, pool, [](const auto&, const auto&) { return true; });
     return remapping;
 }
 

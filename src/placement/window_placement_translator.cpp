@@ -1,18 +1,19 @@
 #include "placement/window_placement_translator.h"
 
-#include "placement/window_placement_normalizer.h"
-
 #include <algorithm>
 
 namespace tavrin {
 namespace {
 
-const DisplayPlacementInput& targetDisplay(const SavedLayoutEntry& entry, const DisplayRemapping& remapping) {
-    if (entry.displayIdentifier)
-        if (const auto found = remapping.perSaved.find(*entry.displayIdentifier);
-            found != remapping.perSaved.end())
-            return found->second;
-    return remapping.fallbackTarget;
+/// Windows and visible frames are kept in different spaces, so the limits below would shift windows near an
+/// edge even where nothing has changed. A frame edited by hand no longer agrees with its fractions; then
+/// these count.
+bool isUnchanged(const RemappedDisplay& display, const SavedLayoutEntry& entry) {
+    constexpr double roundingError = 0.01;
+    return display.target.isCalled(display.saved.displayIdentifier) &&
+           display.target.visibleFrame == display.saved.visibleFrame &&
+           frameDistance(frameFromFractions(*entry.normalizedFrame, display.saved.visibleFrame),
+                         entry.frame) < roundingError;
 }
 
 } // namespace
@@ -21,7 +22,10 @@ Rect WindowPlacementTranslator::targetFrame(const SavedLayoutEntry& entry,
                                             const DisplayRemapping& remapping) const {
     if (!entry.normalizedFrame)
         return entry.frame;
-    const Rect& visible = targetDisplay(entry, remapping).visibleFrame;
+    const RemappedDisplay* display = remapping.displayOf(entry);
+    if (display && isUnchanged(*display, entry))
+        return entry.frame;
+    const Rect& visible = (display ? display->target : remapping.fallbackTarget).visibleFrame;
     if (!(visible.width > 0 && visible.height > 0))
         return entry.frame;
     const Rect wanted = frameFromFractions(*entry.normalizedFrame, visible);

@@ -1,44 +1,110 @@
 #include "restore/restore_matcher.h"
 
 #include "base/text.h"
-#include "placement/window_placement_normalizer.h"
 #include "placement/window_placement_translator.h"
+
+#include <queue>
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 
 namespace tavrin {
 namespace {
 
-/// A possible pairing; positions count in the lists the candidates were made from. Lower scores are better.
-struct Candidate {
-    std::size_t entry = 0;
-    std::size_t window = 0;
-    double score = 0;
-};
-
+/// Positions count in the lists that were paired.
 struct Assignment {
     std::size_t entry = 0;
     std::size_t window = 0;
 };
 
-/// Takes the best candidates first; whatever is taken once is not taken again. Ties keep their order.
-std::vector<Assignment> assign(std::vector<Candidate> candidates, std::size_t entryCount,
-                               std::size_t windowCount) {
-    std::ranges::stable_sort(candidates, {}, &Candidate::score);
-    std::vector<bool> entryTaken(entryCount);
-    std::vector<bool> windowTaken(windowCount);
+/// The windows that one entry would take, best first. Only a few are kept, so that memory grows with the
+/// number of entries and windows, not with that of pairs.
+class Choices {
+public:
+    struct Choice {
+        double score = 0;
+        std::size_t window = 0;
+    };
+
+    /// Looks at all free windows, in their order. `score(window)` is absent for one that cannot be taken.
+    template <class Score>
+    void look(const std::vector<bool>& isTaken, Score score) {
+        best_.clear();
+        next_ = 0;
+        isComplete_ = true;
+        for (std::size_t window = 0; window < isTaken.size(); ++window) {
+            if (isTaken[window])
+                continue;
+            const std::optional<double> value = score(window);
+            if (!value)
+                continue;
+            if (best_.size() == limit) {
+                isComplete_ = false;
+                if (*value >= best_.back().score)
+                    continue;
+                best_.pop_back();
+            }
+            best_.insert(std::ranges::upper_bound(best_, *value, {}, &Choice::score), {*value, window});
+        }
+    }
+
+    /// The best that is free of those last seen; null when there is none.
+    const Choice* best(const std::vector<bool>& isTaken) {
+        while (next_ < best_.size() && isTaken[best_[next_].window])
+            ++next_;
+        return next_ < best_.size() ? &best_[next_] : nullptr;
+    }
+
+    /// There was none besides those last seen.
+    bool isComplete() const { return isComplete_; }
+
+private:
+    static constexpr std::size_t limit = 16;
+
+    std::vector<Choice> best_;
+    std::size_t next_ = 0;
+    bool isComplete_ = false;
+};
+
+/// Takes the pair with the lowest `score(entry, window)` first, of equal ones the earliest entry and then the
+/// earliest window; whatever is taken once is not taken again. The result is in that order. A pair without a
+/// score is never taken.
+template <class Score>
+std::vector<Assignment> assign(std::size_t entryCount, std::size_t windowCount, Score score) {
+    std::vector<Choices> choices(entryCount);
+    std::vector<bool> isTaken(windowCount);
+    using Offer = std::pair<double, std::size_t>; // the score of an entry's best window, and the entry
+    std::priority_queue<Offer, std::vector<Offer>, std::greater<>> offers;
+    const auto offer = [&](std::size_t entry) {
+        const auto* best = choices[entry].best(isTaken);
+        if (!best && !choices[entry].isComplete()) {
+            choices[entry].look(isTaken, [&](std::size_t window) { return score(entry, window); });
+            best = choices[entry].best(isTaken);
+        }
+        if (best)
+            offers.emplace(best->score, entry);
+    };
+    for (std::size_t entry = 0; entry < entryCount; ++entry)
+        offer(entry);
+
     std::vector<Assignment> assignments;
-    for (const Candidate& candidate : candidates) {
-        if (entryTaken[candidate.entry] || windowTaken[candidate.window])
+    while (!offers.empty()) {
+        const auto [offered, entry] = offers.top();
+        offers.pop();
+        const auto* best = choices[entry].best(isTaken);
+        // Its window may be gone meanwhile; then it waits for its turn with the next one.
+        if (!best || best->score != offered) {
+            offer(entry);
             continue;
-        entryTaken[candidate.entry] = true;
-        windowTaken[candidate.window] = true;
-        assignments.push_back({candidate.entry, candidate.window});
+        }
+        isTaken[best->window] = true;
+        assignments.push_back({entry, best->window});
     }
     return assignments;
 }
@@ -69,29 +135,26 @@ double centreDistance(const Rect& a, const Rect& b) {
 
 std::vector<Assignment> assignByDistance(const std::vector<SavedLayoutEntry>& entries,
                                          const std::vector<WindowInfo>& windows, double threshold) {
-    std::vector<Candidate> candidates;
-    for (std::size_t i = 0; i < entries.size(); ++i)
-        for (std::size_t j = 0; j < windows.size(); ++j)
-            if (const double distance = centreDistance(entries[i].frame, windows[j].frame);
-                distance <= threshold)
-                candidates.push_back({i, j, distance});
-    return assign(std::move(candidates), entries.size(), windows.size());
+    return assign(entries.size(), windows.size(), [&](std::size_t i, std::size_t j) -> std::optional<double> {
+        const double distance = centreDistance(entries[i].frame, windows[j].frame);
+        return distance <= threshold ? std::optional(distance) : std::nullopt;
+    });
 }
 
 std::int64_t slot(const SavedLayoutEntry& entry) {
     return entry.slotIndex.value_or(0);
 }
 
-double titleTerm(const std::string& foldedSavedTitle, const std::string& foldedTitle) {
-    if (foldedSavedTitle.empty())
-        return 0;
-    return foldedSavedTitle == foldedTitle ? -10000.0 : 500.0;
-}
+/// Gives equal texts equal numbers, because each is compared with very many.
+class TextNumbers {
+public:
+    int of(const std::string& text) {
+        return numbers_.try_emplace(text, static_cast<int>(numbers_.size())).first->second;
+    }
 
-double applicationNameTerm(const SavedLayoutEntry& entry, const WindowInfo& window) {
-    const bool differs = entry.appName && !entry.appName->empty() && *entry.appName != window.appName;
-    return differs ? 100.0 : 0.0;
-}
+private:
+    std::map<std::string, int> numbers_;
+};
 
 /// Pairs the windows of one application; both lists are sorted into slot order on the way. The result is
 /// in the order of the entries.
@@ -101,64 +164,47 @@ std::vector<Assignment> assignByScore(ApplicationGroup& group) {
     // Saved slots count front to back, open windows by window number: the stacking order changes with
     // every click, the numbers do not.
     std::ranges::stable_sort(windows, {}, &WindowInfo::id);
-    std::vector<std::string> titles;
-    for (const WindowInfo& window : windows)
-        titles.push_back(foldedTitle(window.title));
-
-    std::vector<Candidate> candidates;
-    candidates.reserve(entries.size() * windows.size());
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        const SavedLayoutEntry& entry = entries[i];
-        const std::string savedTitle = foldedTitle(entry.windowTitle.value_or(""));
-        for (std::size_t j = 0; j < windows.size(); ++j) {
-            const double slotDifference = static_cast<double>(slot(entry)) - static_cast<double>(j);
-            const double score = frameDistance(entry.frame, windows[j].frame) +
-                                 titleTerm(savedTitle, titles[j]) + applicationNameTerm(entry, windows[j]) +
-                                 25.0 * std::abs(slotDifference);
-            candidates.push_back({i, j, std::isnan(score) ? std::numeric_limits<double>::infinity() : score});
-        }
+    struct Texts {
+        std::optional<int> title;
+        std::optional<int> appName;
+    };
+    TextNumbers titles, names;
+    std::vector<Texts> ofEntries, ofWindows;
+    for (const SavedLayoutEntry& entry : entries) {
+        const std::string title = foldedTitle(entry.windowTitle.value_or(""));
+        const std::string name = entry.appName.value_or("");
+        ofEntries.push_back({title.empty() ? std::nullopt : std::optional(titles.of(title)),
+                             name.empty() ? std::nullopt : std::optional(names.of(name))});
     }
-    auto assignments = assign(std::move(candidates), entries.size(), windows.size());
+    for (const WindowInfo& window : windows)
+        ofWindows.push_back({titles.of(foldedTitle(window.title)), names.of(window.appName)});
+
+    auto assignments =
+        assign(entries.size(), windows.size(), [&](std::size_t i, std::size_t j) -> std::optional<double> {
+            const Texts& saved = ofEntries[i];
+            const double titleTerm = !saved.title ? 0 : saved.title == ofWindows[j].title ? -10000.0 : 500.0;
+            const double nameTerm = saved.appName && saved.appName != ofWindows[j].appName ? 100.0 : 0.0;
+            const double slotDifference = static_cast<double>(slot(entries[i])) - static_cast<double>(j);
+            const double score = frameDistance(entries[i].frame, windows[j].frame) + titleTerm + nameTerm +
+                                 25.0 * std::abs(slotDifference);
+            return std::isnan(score) ? std::numeric_limits<double>::infinity() : score;
+        });
     std::ranges::sort(assignments, {}, &Assignment::entry);
     return assignments;
 }
 
-/// Where the windows of one layout go on the displays of now.
+/// Where the windows of one layout go on the current displays.
 class TargetFrames {
 public:
     TargetFrames(const SavedLayout& layout, const std::vector<DisplaySnapshot>& displays)
-        : savedDisplays_(layout.savedDisplays.value_or(std::vector<SavedDisplay>{})),
-          currentDisplays_(placementInputs({displays})),
-          remapping_(DisplayRemapper{}.remap(savedDisplays_, currentDisplays_)) {}
+        : remapping_(DisplayRemapper{}.remap(layout.savedDisplays.value_or(std::vector<SavedDisplay>{}),
+                                             placementInputs({displays}))) {}
 
-    /// On a display that is as it was, exactly the saved frame; elsewhere the translated one. Windows and
-    /// visible frames are kept in different spaces, so the limits of the translation would shift windows
-    /// near an edge even where nothing has changed.
     Rect of(const SavedLayoutEntry& entry) const {
-        return stoodOnUnchangedDisplay(entry) ? entry.frame
-                                              : WindowPlacementTranslator{}.targetFrame(entry, remapping_);
+        return WindowPlacementTranslator{}.targetFrame(entry, remapping_);
     }
 
 private:
-    bool stoodOnUnchangedDisplay(const SavedLayoutEntry& entry) const {
-        return std::ranges::any_of(savedDisplays_, [&](const SavedDisplay& saved) {
-            return stoodOn(saved, entry) && std::ranges::any_of(currentDisplays_, [&](const auto& current) {
-                       return current.isCalled(saved.displayIdentifier) &&
-                              current.visibleFrame == saved.visibleFrame;
-                   });
-        });
-    }
-
-    /// Twins without a serial number share an identifier, so the place decides too.
-    static bool stoodOn(const SavedDisplay& saved, const SavedLayoutEntry& entry) {
-        constexpr double roundingError = 0.01;
-        return entry.displayIdentifier == saved.displayIdentifier && entry.normalizedFrame &&
-               frameDistance(frameFromFractions(*entry.normalizedFrame, saved.visibleFrame), entry.frame) <
-                   roundingError;
-    }
-
-    std::vector<SavedDisplay> savedDisplays_;
-    std::vector<DisplayPlacementInput> currentDisplays_;
     DisplayRemapping remapping_;
 };
 

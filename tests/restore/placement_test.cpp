@@ -2,17 +2,27 @@
 #include "placement/window_placement_normalizer.h"
 #include "placement/window_placement_translator.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <rapidcheck.h>
 
 namespace tavrin {
 namespace {
+
+using ::testing::ElementsAre;
 
 DisplayPlacementInput place(std::string id, Rect visible) {
     return {id, "key-" + id, visible};
 }
 SavedDisplay saved(std::string id, Rect visible) {
     return {std::move(id), visible, false};
+}
+
+/// The current display that takes the windows of each saved one, in their order.
+std::vector<std::string> targets(const DisplayRemapping& remapping) {
+    std::vector<std::string> ids;
+    for (const auto& display : remapping.perSaved)
+        ids.push_back(*display.target.stableID);
+    return ids;
 }
 
 std::string displayOf(const Rect& window, const std::vector<DisplayPlacementInput>& displays) {
@@ -45,16 +55,14 @@ TEST(DisplayRemapper, PairsByIdentityThenBySimilarityThenByTheLargest) {
 
     const auto exact = remapper.remap({saved("A", big), saved("key-C", small)}, {A, C});
     EXPECT_TRUE(exact.isExact);
-    EXPECT_EQ(exact.perSaved.at("key-C"), C) << "the arrangement key identifies too";
+    EXPECT_THAT(targets(exact), ElementsAre("A", "C")) << "the arrangement key identifies too";
 
     const auto similar = remapper.remap({saved("A", big), saved("B", small)}, {A, C});
     EXPECT_FALSE(similar.isExact);
-    EXPECT_EQ(similar.perSaved.at("B"), C);
+    EXPECT_THAT(targets(similar), ElementsAre("A", "C"));
 
-    const auto fewer = remapper.remap({saved("A", big), saved("B", small), saved("X", small)}, {C});
-    EXPECT_EQ(fewer.perSaved.at("B"), C);
-    EXPECT_EQ(fewer.perSaved.at("A"), C);
-    EXPECT_EQ(fewer.perSaved.size(), 3u);
+    EXPECT_THAT(targets(remapper.remap({saved("A", big), saved("B", small), saved("X", small)}, {C})),
+                ElementsAre("C", "C", "C"));
 
     EXPECT_EQ(remapper.remap({saved("A", big)}, {}), DisplayRemapping{});
     EXPECT_EQ(remapper.remap({}, {C, A}), (DisplayRemapping{.fallbackTarget = A}));
@@ -64,22 +72,59 @@ TEST(DisplayRemapper, PairsByIdentityThenBySimilarityThenByTheLargest) {
 TEST(DisplayRemapper, PrefersTheNearerAmongEqualsAndPairsEvenWithoutAreas) {
     const DisplayRemapper remapper;
     const auto near = place("near", {100, 0, 1000, 1000}), far = place("far", {5000, 0, 1000, 1000});
-    EXPECT_EQ(remapper.remap({saved("gone", {0, 0, 1000, 1000})}, {far, near}).perSaved.at("gone"), near);
+    EXPECT_THAT(targets(remapper.remap({saved("gone", {0, 0, 1000, 1000})}, {far, near})),
+                ElementsAre("near"));
     // The best pair goes first, wherever it stands in the list.
-    const auto both = remapper.remap(
-        {saved("left", {4000, 0, 1000, 1000}), saved("right", {5000, 0, 1000, 1000})}, {far, near});
-    EXPECT_EQ(both.perSaved.at("right"), far);
-    EXPECT_EQ(both.perSaved.at("left"), near);
-    const auto flat = remapper.remap({saved("flat", {0, 0, 0, 0})}, {far, near});
-    EXPECT_EQ(flat.perSaved.at("flat"), far);
+    EXPECT_THAT(
+        targets(remapper.remap({saved("left", {4000, 0, 1000, 1000}), saved("right", {5000, 0, 1000, 1000})},
+                               {far, near})),
+        ElementsAre("near", "far"));
+    EXPECT_THAT(targets(remapper.remap({saved("flat", {0, 0, 0, 0})}, {far, near})), ElementsAre("far"));
+}
+
+// A tenth of the saved display's side counts as much as a hundredth of its area.
+TEST(DisplayRemapper, WeighsDistanceAgainstArea) {
+    const auto chosen = [](double distance, double area) {
+        return targets(DisplayRemapper{}.remap({saved("gone", {0, 0, 1000, 1000})},
+                                               {place("far", {0, distance, 1000, 1000}),
+                                                place("smaller", {0, 0, 1000, 1000 * area})}))
+            .at(0);
+    };
+    EXPECT_EQ(chosen(990, 0.9), "far");
+    EXPECT_EQ(chosen(1010, 0.9), "smaller");
+    EXPECT_EQ(chosen(1010, 1 / 0.9), "smaller") << "too large is as bad as too small";
+    EXPECT_EQ(chosen(990, 1 / 0.9), "far");
+}
+
+TEST(DisplayRemapper, TellsDisplaysOfOneIdentityApartByTheirPlace) {
+    const auto left = saved("twin", {0, 0, 1920, 1080}), right = saved("twin", {1920, 0, 1920, 1080});
+    const auto twin = [](Rect visible) { return place("twin", visible); };
+    const auto placesOf = [](const DisplayRemapping& remapping) {
+        std::vector<double> places;
+        for (const auto& display : remapping.perSaved)
+            places.push_back(display.target.visibleFrame.x);
+        return places;
+    };
+    const DisplayRemapper remapper;
+    for (const Rect& changed : {Rect{0, 0, 1920, 1080}, Rect{0, 0, 1920, 1040}, Rect{0, 0, 1280, 720}}) {
+        const auto remapping =
+            remapper.remap({left, right}, {twin({changed.width, 0, 1920, 1080}), twin(changed)});
+        EXPECT_TRUE(remapping.isExact);
+        EXPECT_THAT(placesOf(remapping), ElementsAre(0, changed.width));
+    }
+    EXPECT_THAT(placesOf(remapper.remap({left, right},
+                                        {twin({1920, 0, 1920, 1080}), place("big", {0, 0, 3000, 2000})})),
+                ElementsAre(0, 1920))
+        << "the one that stayed is the right one";
 }
 
 Rect target(Rect normalized, Rect visible, std::optional<std::string> display = "A") {
     auto entry = testing::entry("app", "t", {1, 2, 3, 4});
     entry.normalizedFrame = normalized;
     entry.displayIdentifier = std::move(display);
-    return WindowPlacementTranslator{}.targetFrame(
-        entry, {.perSaved = {{"A", place("A", visible)}}, .fallbackTarget = place("F", {0, 0, 1000, 1000})});
+    return WindowPlacementTranslator{}.targetFrame(entry,
+                                                   {.perSaved = {{saved("A", {}), place("A", visible)}},
+                                                    .fallbackTarget = place("F", {0, 0, 1000, 1000})});
 }
 
 TEST(WindowPlacementTranslator, KeepsWindowsInsideTheirDisplayAndWithinLimits) {
@@ -93,6 +138,22 @@ TEST(WindowPlacementTranslator, KeepsWindowsInsideTheirDisplayAndWithinLimits) {
     const auto legacy = testing::entry("app", "t", {-5000, 2, 30000, 4});
     EXPECT_EQ(WindowPlacementTranslator{}.targetFrame(legacy, {.fallbackTarget = place("F", {0, 0, 9, 9})}),
               legacy.frame);
+}
+
+TEST(WindowPlacementTranslator, KeepsTheFrameOnAnUnchangedDisplayAsLongAsItAgreesWithItsFractions) {
+    const Rect visible{0, 40, 1000, 1000};
+    auto saved = testing::entry("app", "t", {900, 1000, 300, 100});
+    saved.displayIdentifier = "A";
+    const auto target = [&](double offset, Rect now) {
+        saved.normalizedFrame = Rect{0.9 + offset / 1000, 0.96, 0.3, 0.1};
+        return WindowPlacementTranslator{}.targetFrame(
+            saved, {.perSaved = {{{"A", visible, false}, place("A", now)}}, .fallbackTarget = {}});
+    };
+    EXPECT_EQ(target(0, visible), saved.frame);
+    EXPECT_EQ(target(0.009, visible), saved.frame);
+    EXPECT_EQ(target(0.011, visible), (Rect{700, 890, 300, 150}));
+    EXPECT_EQ(target(0, {0, 40, 1000, 1001}).width, 300) << "another display, however little it differs";
+    EXPECT_NE(target(0, {0, 40, 1000, 1001}), saved.frame);
 }
 
 TEST(WindowPlacementTranslator, TargetFramesLieInsideTheirDisplay) {

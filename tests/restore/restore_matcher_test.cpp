@@ -6,6 +6,8 @@
 #include <rapidcheck.h>
 
 #include <algorithm>
+#include <cmath>
+#include <random>
 #include <set>
 
 namespace tavrin {
@@ -129,6 +131,16 @@ Rect targetFrame(const Rect& frame, const std::vector<DisplaySnapshot>& savedOn,
     return RestoreMatcher{}.pairs(saved, {window(1, "a", "t", {7, 7, 7, 7})}, now).at(0).translatedFrame;
 }
 
+TEST(RestoreMatcher, KeepsWindowsOnTheirOwnOneOfTwoEqualDisplays) {
+    const auto left = testing::display("1-2-0", {0, 0, 1920, 1080}, {0, 0, 0.5, 1});
+    const auto right = testing::display("1-2-0", {1920, 0, 1920, 1080}, {0.5, 0, 0.5, 1});
+    auto shorter = left;
+    shorter.visibleFrame.height = 1000; // a panel appeared
+    EXPECT_EQ(targetFrame({100, 108, 800, 540}, {left, right}, {shorter, right}), (Rect{100, 100, 800, 500}));
+    EXPECT_EQ(targetFrame({2020, 108, 800, 540}, {left, right}, {shorter, right}),
+              (Rect{2020, 108, 800, 540}));
+}
+
 TEST(RestoreMatcher, PutsWindowsBackExactlyWhereTheirDisplayIsUnchanged) {
     const auto left = testing::display("1-2-0", {0, 40, 1920, 1040}, {0, 0, 0.5, 1});
     const auto right = testing::display("1-2-0", {1920, -120, 1600, 1200}, {0.5, 0, 0.5, 1}); // a twin
@@ -141,6 +153,75 @@ TEST(RestoreMatcher, PutsWindowsBackExactlyWhereTheirDisplayIsUnchanged) {
     const auto moved = targetFrame({2000, 100, 800, 600}, {left, right}, {left});
     EXPECT_LE(moved.maxX(), 1920) << "the twin that is gone does not count as the one that stayed";
     EXPECT_LE(targetFrame({100, 10, 1800, 1000}, {left}, {other}).maxX(), 1000);
+}
+
+// The rule as it is told: all pairs, best first, each entry and each window once.
+std::vector<std::pair<std::size_t, std::int64_t>> literalPairing(const SavedLayout& saved,
+                                                                 std::vector<WindowInfo> windows) {
+    auto entries = saved.entries;
+    const bool isGeneric = saved.kind == SavedLayoutKind::generic;
+    if (!isGeneric)
+        std::ranges::stable_sort(windows, {}, &WindowInfo::id);
+    struct Pair {
+        std::size_t entry, window;
+        double score;
+    };
+    std::vector<Pair> all;
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        for (std::size_t j = 0; j < windows.size(); ++j) {
+            const Rect &a = entries[i].frame, &b = windows[j].frame;
+            if (isGeneric) {
+                const double distance = std::hypot(a.x + a.width / 2 - b.x - b.width / 2,
+                                                   a.y + a.height / 2 - b.y - b.height / 2);
+                if (distance <= 500)
+                    all.push_back({i, j, distance});
+                continue;
+            }
+            all.push_back({i, j,
+                           frameDistance(a, b) + (entries[i].windowTitle == windows[j].title ? -10000 : 500) +
+                               (entries[i].appName == windows[j].appName ? 0 : 100) +
+                               25 * std::abs(double(*entries[i].slotIndex) - double(j))});
+        }
+    std::ranges::stable_sort(all, {}, &Pair::score);
+    std::vector<std::pair<std::size_t, std::int64_t>> taken;
+    for (const Pair& pair : all)
+        if (std::ranges::none_of(taken, [&](const auto& other) {
+                return other.first == pair.entry || other.second == windows[pair.window].id;
+            }))
+            taken.emplace_back(pair.entry, windows[pair.window].id);
+    if (!isGeneric)
+        std::ranges::sort(taken);
+    return taken;
+}
+
+TEST(RestoreMatcher, PairsLikeTheLiteralRule) {
+    std::mt19937 random(1);
+    const auto below = [&](unsigned limit) { return static_cast<int>(random() % limit); };
+    for (int round = 0; round < 5000; ++round) {
+        // Few values, so that there are many ties; now and then more windows than an entry remembers.
+        const unsigned size = round % 10 == 0 ? 60 : 12;
+        const auto frame = [&] {
+            return Rect{below(5) * 110.0, below(5) * 110.0, 200.0 + below(2) * 50, 200};
+        };
+        const auto title = [&] { return std::string(1, static_cast<char>('a' + below(4))); };
+        std::vector<SavedLayoutEntry> entries;
+        for (int i = 0, count = below(size); i < count; ++i) {
+            entries.push_back(entry("app", title(), frame(), i / 2));
+            if (below(4) == 0)
+                entries.back().appName = "renamed";
+        }
+        std::vector<WindowInfo> windows;
+        for (int i = 0, count = below(size); i < count; ++i)
+            windows.push_back(window((i * 37) % 101, "app", title(), frame()));
+        const auto saved =
+            layout("any", entries, round % 2 == 0 ? SavedLayoutKind::generic : SavedLayoutKind::appSpecific);
+        std::vector<std::pair<std::size_t, std::int64_t>> paired;
+        for (const auto& pair : RestoreMatcher{}.pairs(saved, windows, oneDisplay)) {
+            const auto position = std::ranges::find(saved.entries, pair.savedEntry.id, &SavedLayoutEntry::id);
+            paired.emplace_back(position - saved.entries.begin(), pair.windowInfo.id);
+        }
+        ASSERT_EQ(paired, literalPairing(saved, windows)) << round;
+    }
 }
 
 TEST(RestoreMatcher, NeverPairsAWindowOrAnEntryTwice) {
