@@ -154,10 +154,7 @@ TEST_F(FaultTest, AnotherWindowManagerTakesOverDuringUse) {
     ASSERT_TRUE(program().saveLayout("Work"));
     desktop().stopWindowManager();
     ASSERT_TRUE(waitUntil([&] { return program().menu().find("Accessibility") != std::string::npos; }));
-    qputenv("TAVRIN_TEST_WM", "xfwm4");
-    const bool isStarted = desktop().startWindowManager();
-    qunsetenv("TAVRIN_TEST_WM");
-    ASSERT_TRUE(isStarted && windows().waitUntilManaged(window));
+    ASSERT_TRUE(desktop().startWindowManager("xfwm4") && windows().waitUntilManaged(window));
     ASSERT_TRUE(waitUntil([&] { return program().offers("Work"); }));
     ASSERT_TRUE(windows().place(window, {50, 60, 300, 250}));
     ASSERT_TRUE(program().restoreLayout("Work"));
@@ -210,6 +207,32 @@ TEST_F(FaultTest, ASessionBusThatEndsDoesNotEndTheProgram) {
     ASSERT_EQ(::kill(static_cast<pid_t>(daemon), SIGKILL), 0);
     EXPECT_FALSE(waitUntil([&] { return !program().process().isRunning(); }, std::chrono::milliseconds(2000)))
         << programLog();
+}
+
+// Whatever a window does while nobody asks and while the program is at work, little of it is read, and none
+// kept.
+TEST_F(FaultTest, AFloodOfChangesCostsNeitherTimeNorMemory) {
+    startAll();
+    const auto flooding = desktop().startClient();
+    const auto loud = flooding->open({.applicationClass = "Loud", .title = "loud"});
+    const auto window = open("editor", {300, 200, 500, 400});
+    ASSERT_TRUE(loud && program().saveLayout("Work"));
+    ASSERT_TRUE(windows().place(window, {50, 60, 300, 250}));
+    desktop().hangWindowManager();
+    const auto flood = [&] { flooding->startFlood(*loud, "_NET_WM_NAME", 300'000); };
+    ASSERT_TRUE(program().offers("Work"));
+    const auto before = program().usage();
+    for (int round = 0; round < 3; ++round) {
+        flood();
+        ASSERT_TRUE(flooding->endFlood());
+    }
+    flood();
+    ASSERT_TRUE(program().offers("Work"));
+    EXPECT_TRUE(program().restoreLayout("Work")) << "no outcome shows";
+    ASSERT_TRUE(flooding->endFlood());
+    const auto after = program().usage();
+    EXPECT_LT(after.peakKilobytes - before.peakKilobytes, 16 * 1024);
+    EXPECT_LT(after.seconds - before.seconds, 2.0);
 }
 
 TEST_F(FaultTest, AStormOfDisplayChangesGivesOneSequence) {

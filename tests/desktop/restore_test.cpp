@@ -1,5 +1,6 @@
 #include "desktop_test.h"
 
+#include <QJsonArray>
 #include <gmock/gmock.h>
 
 namespace tavrin::desktop {
@@ -107,6 +108,41 @@ TEST_F(RestoreTest, WindowsWithOneTitleFillAllTheirPlaces) {
         ASSERT_TRUE(windows().place(all[index], {900.0 - 200.0 * double(index), 500, 450, 350}));
     ASSERT_TRUE(program().restoreLayout("Three"));
     EXPECT_THAT(seenAll(all), UnorderedElementsAreArray(saved));
+}
+
+TEST_F(RestoreTest, OnlyWhatIsSeenIsSaved) {
+    beginWith(oneDisplay);
+    const auto seenOne = open({.applicationClass = "Editor", .title = "seen"}, {100, 100, 600, 500});
+    const auto minimised = open({.applicationClass = "Files", .title = "minimised"}, {200, 200, 600, 500});
+    const auto shaded = open({.applicationClass = "Mail", .title = "shaded"}, {300, 300, 600, 500});
+    const auto elsewhere = open({.applicationClass = "Map", .title = "elsewhere"}, {400, 300, 600, 500});
+    ASSERT_TRUE(windows().sendToDesktop(elsewhere, 1));
+    windows().minimise(minimised);
+    windows().shade(shaded);
+    ASSERT_TRUE(waitUntil([&] {
+        return windows().hasState(minimised, "_NET_WM_STATE_HIDDEN") &&
+               windows().hasState(shaded, "_NET_WM_STATE_SHADED");
+    }));
+    ASSERT_TRUE(program().saveLayout("Work"));
+    const auto entries = program().payload("layouts.json")[0]["entries"].toArray();
+    ASSERT_EQ(entries.size(), 1);
+    EXPECT_EQ(entries[0]["windowTitle"].toString().toStdString(), windows().title(seenOne));
+}
+
+TEST_F(RestoreTest, WindowsOnEveryMonitorAreSavedWhereEachHasADesktopOfItsOwn) {
+    begin({.displays = twoDisplays, .windowManager = "i3"});
+    ASSERT_TRUE(program().start());
+    const auto left = open({.applicationClass = "Editor", .title = "left"}, {100, 100, 600, 500});
+    const auto right = open({.applicationClass = "Mail", .title = "right"}, {2100, 100, 900, 700});
+    open({.applicationClass = "Map", .title = "hidden"}, {300, 300, 600, 500});
+    const auto away = desktop().startProgram("i3-msg", {"[title=\"hidden\"] move container to workspace 9"});
+    ASSERT_TRUE(away && away->waitForExit() == 0);
+    const auto saved = seenAll({left, right});
+    ASSERT_TRUE(program().saveLayout("Work"));
+    EXPECT_EQ(program().payload("layouts.json")[0]["entries"].toArray().size(), 2);
+    ASSERT_TRUE(windows().place(left, {50, 400, 500, 400}) && windows().place(right, {2500, 300, 600, 500}));
+    ASSERT_TRUE(program().restoreLayout("Work"));
+    EXPECT_EQ(seenAll({left, right}), saved);
 }
 
 TEST_F(RestoreTest, AMaximisedWindowGoesBackToItsFrame) {

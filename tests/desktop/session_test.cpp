@@ -3,6 +3,7 @@
 #include "support/desktop/login_manager.h"
 #include "support/desktop/mouse.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 #include <gmock/gmock.h>
 
@@ -123,6 +124,7 @@ TEST_F(SessionTest, TheMenuTellsTheStateItemByItem) {
                                     foot);
 
     desktop().stopWindowManager();
+    ASSERT_TRUE(waitUntil([&] { return shownMenu().starts_with("Accessibility"); }));
     EXPECT_EQ(program().menu(), "Accessibility access is required\n"
                                 "* Open Accessibility Settings [,]\n"
                                 "* Recheck Permission [r]\n" +
@@ -141,8 +143,61 @@ TEST_F(SessionTest, PermissionFollowsTheWindowManager) {
     ASSERT_TRUE(desktop().startWindowManager());
     EXPECT_TRUE(waitUntil([&] { return shownMenu().starts_with("Current Display Setup"); }));
 
+    // Another program writes that the root window is the window manager, and the truth is told again.
+    const auto announced = desktop().x().cardinals(desktop().x().root(), "_NET_SUPPORTING_WM_CHECK");
+    for (const auto window : {desktop().x().root(), announced.at(0)})
+        desktop().x().setCardinals(desktop().x().root(), "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW,
+                                   {window});
+    EXPECT_THAT(program().menu(), StartsWith("Current Display Setup"));
     desktop().stopWindowManager();
-    EXPECT_THAT(program().menu(), StartsWith("Accessibility access is required")) << "looked at on opening";
+    EXPECT_TRUE(waitUntil([&] { return shownMenu().starts_with("Accessibility access is required"); }));
+    ASSERT_TRUE(desktop().startWindowManager());
+    EXPECT_TRUE(waitUntil([&] { return shownMenu().starts_with("Current Display Setup"); }));
+}
+
+// The variables of another session may have come along (nested servers, remote desktops, user services).
+TEST_F(SessionTest, TheServerSaysWhetherItIsABridgeNotTheEnvironment) {
+    begin({});
+    desktop().setVariable("XDG_SESSION_TYPE", "wayland");
+    desktop().setVariable("WAYLAND_DISPLAY", "wayland-elsewhere");
+    ASSERT_TRUE(program().start());
+    EXPECT_THAT(program().menu(), StartsWith("Current Display Setup"));
+}
+
+TEST_F(SessionTest, ARestartedWindowManagerDoesNotLoseThePendingRestore) {
+    begin({.displays = {firstDisplay, secondDisplay}});
+    ASSERT_TRUE(program().start());
+    const Rect saved{2300, 200, 700, 600};
+    saveAndStray("Desk", saved);
+    ASSERT_TRUE(outputs().unplug(1) && outputs().plug(1, secondDisplay, secondMonitor));
+    desktop().stopWindowManager();
+    ASSERT_TRUE(desktop().startWindowManager() && windows().waitUntilManaged(window()));
+    EXPECT_TRUE(program().waitForFeedback());
+    EXPECT_EQ(seen(window()), saved);
+}
+
+// A mirror image is one screen, and so are two panels that are used as one.
+TEST_F(SessionTest, ScreensOfSeveralOutputsCountOnce) {
+    begin({.displays = {firstDisplay, firstDisplay}});
+    ASSERT_TRUE(program().start());
+    ASSERT_TRUE(client().open({.title = "one"}));
+    ASSERT_TRUE(program().saveLayout("Mirrored"));
+    ASSERT_TRUE(outputs().plug(1, {1920, 0, 1920, 1080}, secondMonitor));
+    ASSERT_TRUE(waitUntil([&] { return !program().offers("Mirrored"); }));
+    const auto wall = QString::fromStdString(outputs().name(0) + "," + outputs().name(1));
+    const auto xrandr = desktop().startProgram("xrandr", {"--setmonitor", "wall", "auto", wall});
+    ASSERT_TRUE(xrandr && xrandr->waitForExit() == 0);
+    ASSERT_TRUE(program().saveLayout("Wall"));
+    const auto profiles = program().payload("profiles.json");
+    ASSERT_EQ(profiles.toArray().size(), 2);
+    const auto fingerprint = [&](int profile) { return profiles[profile]["displayFingerprint"]; };
+    for (const int profile : {0, 1}) {
+        EXPECT_EQ(profiles[profile]["name"].toString(), "External Display");
+        EXPECT_EQ(fingerprint(profile)["displayCount"].toInt(), 1);
+        EXPECT_EQ(fingerprint(profile)["stableDisplayIDs"], fingerprint(0)["stableDisplayIDs"]);
+        EXPECT_THAT(fingerprint(profile)["stableDisplayIDs"][0].toString().toStdString(), HasSubstr("+"));
+    }
+    EXPECT_THAT(fingerprint(1)["arrangementSignature"].toString().toStdString(), HasSubstr(":3840x1080"));
 }
 
 TEST_F(SessionTest, APluggedDisplayBringsItsLayoutBackOnceForAWholeBurst) {

@@ -1,4 +1,4 @@
-#include "platform/x11/window_frame.h"
+#include "platform/x11/x11_window.h"
 #include "x11/pixel_rect_printer.h"
 
 #include <gtest/gtest.h>
@@ -30,6 +30,15 @@ RC_GTEST_PROP(WindowFrameTest, whatIsReadIsWhatIsWritten, ()) {
 TEST(WindowFrameTest, aWindowKeepsAtLeastOnePixel) {
     const WindowBorders borders{.decorations = {.left = 5, .right = 5, .top = 20, .bottom = 5}};
     EXPECT_EQ(clientRect({0, 0, 8, 10}, borders), (PixelRect{5, 20, 1, 1}));
+}
+
+TEST(WindowFrameTest, shadowsThatLeaveNothingOfTheWindowDoNotCount) {
+    X11Window window{.client = {100, 100, 400, 300}, .shadows = {200, 199, 100, 199}};
+    EXPECT_EQ(visibleRect(window.client, window.borders()), (PixelRect{300, 200, 1, 1}));
+    for (const FrameInsets& shadows : {FrameInsets{200, 200, 0, 0}, FrameInsets{0, 0, 300, 0}}) {
+        window.shadows = shadows;
+        EXPECT_EQ(visibleRect(window.client, window.borders()), window.client);
+    }
 }
 
 TEST(WindowFrameTest, onlyFourPossibleValuesAreAFrame) {

@@ -8,6 +8,7 @@
 #include <xcb/res.h>
 #include <xcb/xinput.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <string_view>
 
@@ -33,16 +34,17 @@ std::string connectionProblem(int error) {
 bool hasBridgeOutputs(xcb_connection_t* connection, xcb_window_t root) {
     const auto resources = owned(xcb_randr_get_screen_resources_current_reply(
         connection, xcb_randr_get_screen_resources_current(connection, root), nullptr));
-    if (!resources || resources->num_outputs == 0)
+    if (!resources)
         return false;
-    const auto output = xcb_randr_get_screen_resources_current_outputs(resources.get())[0];
-    const auto info = owned(xcb_randr_get_output_info_reply(
-        connection, xcb_randr_get_output_info(connection, output, resources->config_timestamp), nullptr));
-    if (!info)
-        return false;
-    const std::string_view name(reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info.get())),
-                                static_cast<std::size_t>(xcb_randr_get_output_info_name_length(info.get())));
-    return name.starts_with("XWAYLAND");
+    const auto* outputs = xcb_randr_get_screen_resources_current_outputs(resources.get());
+    return std::any_of(outputs, outputs + resources->num_outputs, [&](xcb_randr_output_t output) {
+        const auto info = owned(xcb_randr_get_output_info_reply(
+            connection, xcb_randr_get_output_info(connection, output, resources->config_timestamp), nullptr));
+        return info &&
+               std::string_view(reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info.get())),
+                                info->name_len)
+                   .starts_with("XWAYLAND");
+    });
 }
 
 } // namespace
@@ -68,6 +70,12 @@ X11Connection::open(const std::string& displayName) {
     if (!atoms)
         return std::unexpected("the X server closed the connection");
     result->atoms_ = *atoms;
+    const auto compositor = fmt::format("_NET_WM_CM_S{}", screenNumber);
+    const auto selection = owned(xcb_intern_atom_reply(
+        connection,
+        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(compositor.size()), compositor.data()),
+        nullptr));
+    result->compositorSelection_ = selection ? selection->atom : xcb_atom_t{XCB_ATOM_NONE};
     result->readExtensions();
     if (result->isBroken())
         return std::unexpected("the X server closed the connection");

@@ -37,6 +37,8 @@ public:
     xcb_window_t root() const { return screen_->root; }
     const X11Atoms& atoms() const { return atoms_; }
     const X11Extensions& extensions() const { return extensions_; }
+    /// What the compositing manager of this screen owns.
+    xcb_atom_t compositorSelection() const { return compositorSelection_; }
     int fileDescriptor() const { return xcb_get_file_descriptor(connection_); }
 
     /// The server is gone; every further request answers nothing.
@@ -54,6 +56,7 @@ private:
     xcb_screen_t* screen_;
     X11Atoms atoms_;
     X11Extensions extensions_;
+    xcb_atom_t compositorSelection_ = XCB_ATOM_NONE;
 };
 
 } // namespace tavrin

@@ -60,10 +60,18 @@ void X11DesktopWatch::reportChanges() {
     const bool windowManagerChanged = std::exchange(hasWindowManagerChanged_, false);
     if (windowManagerChanged) {
         watchCheckWindow();
+        awaitReturn();
         windowManagerChanged_.emit();
     }
     if (screensChanged)
         screensChanged_.emit();
+}
+
+void X11DesktopWatch::awaitReturn() {
+    absence_.release();
+    if (windowManager_.isControllable(Freshness::now) && windowManager_.isAbsent())
+        absence_ = connection_.scheduler().after(X11WindowManager::absenceLimit,
+                                                 [this] { windowManagerChanged_.emit(); });
 }
 
 void X11DesktopWatch::watchCheckWindow() {

@@ -20,7 +20,7 @@ public:
         return screensChanged_.connect(std::move(handler));
     }
 
-    /// A window manager started, ended or was replaced.
+    /// A window manager started, was replaced, or has been missing for a while.
     Token observeWindowManager(std::function<void()> handler) {
         return windowManagerChanged_.connect(std::move(handler));
     }
@@ -30,6 +30,7 @@ private:
     void handleEvent(const xcb_generic_event_t& event);
     void reportChanges();
     void watchCheckWindow();
+    void awaitReturn();
 
     X11EventConnection& connection_;
     X11Screens& screens_;
@@ -41,6 +42,7 @@ private:
     bool haveScreensChanged_ = false;
     bool haveResourcesChanged_ = false;
     bool hasWindowManagerChanged_ = false;
+    Token absence_;
     Token events_;
     Token batches_;
 };

@@ -4,6 +4,7 @@
 #include "platform/x11/x11_connection.h"
 #include "ports/runtime.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -20,13 +21,14 @@ public:
     xcb_connection_t* get() const { return connection_->get(); }
     const X11Atoms& atoms() const { return connection_->atoms(); }
     xcb_window_t root() const { return connection_->root(); }
+    Scheduler& scheduler() { return scheduler_; }
 
     /// Every event, in order. Its type may carry the bit of a sent event.
     Token observeEvents(std::function<void(const xcb_generic_event_t&)> handler) {
         return events_.connect(std::move(handler));
     }
 
-    /// After all events that arrived together.
+    /// After all events that arrived together; in a flood that does not end, every half second.
     Token observeBatches(std::function<void()> handler) { return batches_.connect(std::move(handler)); }
 
     /// Once, when the server is gone.
@@ -37,7 +39,9 @@ public:
     void flush();
 
 private:
+    using Clock = std::chrono::steady_clock;
     void dispatch();
+    void dispatchSoon();
 
     std::unique_ptr<X11Connection> connection_;
     Scheduler& scheduler_;
@@ -46,6 +50,8 @@ private:
     Signal<> loss_;
     Token watch_;
     Token pendingDispatch_;
+    bool isBatchOpen_ = false; ///< events came since the last batch was reported
+    Clock::time_point lastBatch_;
     std::shared_ptr<bool> isAlive_ = std::make_shared<bool>(true);
 };
 

@@ -13,7 +13,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto recentAge = 2ms;
-constexpr Seconds idleTime{5};
+/// A flood of events goes on as long as they are read; whoever waits must get its turn.
+constexpr int eventsAtOnce = 4096;
 
 void selectRootEvents(X11Connection& server, std::uint32_t coreMask, std::uint16_t randrMask) {
     xcb_change_window_attributes(server.get(), server.root(), XCB_CW_EVENT_MASK, &coreMask);
@@ -28,7 +29,7 @@ X11QueryConnection::X11QueryConnection(std::unique_ptr<X11Connection> connection
 
 bool X11QueryConnection::bringUpToDate(Freshness freshness) {
     beginUse();
-    if (freshness == Freshness::now || lastUse_ - lastRoundTrip_ > recentAge) {
+    if (freshness == Freshness::now || Clock::now() - lastRoundTrip_ > recentAge) {
         // Any reply will do: the server has sent all earlier events before it.
         const auto reply = owned(xcb_get_input_focus_reply(get(), xcb_get_input_focus(get()), nullptr));
         lastRoundTrip_ = Clock::now();
@@ -40,7 +41,7 @@ bool X11QueryConnection::bringUpToDate(Freshness freshness) {
 
 bool X11QueryConnection::waitForEvents(Clock::time_point deadline) {
     xcb_flush(get());
-    while (!dispatchEvents(xcb_poll_for_event)) {
+    while (!dispatchEvents(xcb_poll_for_event) || Clock::now() >= deadline) {
         if (connection_->isBroken())
             return false;
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
@@ -54,7 +55,10 @@ bool X11QueryConnection::waitForEvents(Clock::time_point deadline) {
 
 bool X11QueryConnection::dispatchEvents(EventSource next) {
     bool hadEvents = false;
-    while (const auto event = owned(next(get()))) {
+    for (int count = 0; count < eventsAtOnce; ++count) {
+        const auto event = owned(next(get()));
+        if (!event)
+            break;
         if (event->response_type == 0)
             continue; // the error of a request about a window that vanished
         hadEvents = true;
@@ -65,7 +69,6 @@ bool X11QueryConnection::dispatchEvents(EventSource next) {
 }
 
 void X11QueryConnection::beginUse() {
-    lastUse_ = Clock::now();
     if (isInUse_)
         return;
     isInUse_ = true;
@@ -73,23 +76,17 @@ void X11QueryConnection::beginUse() {
     selectRootEvents(*connection_, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY,
                      XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                          XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
-    idleTimer_ = scheduler_.after(idleTime, [this] { endUseWhenIdle(); });
+    endOfTurn_ = scheduler_.after(Seconds{0}, [this] { endUse(); });
 }
 
-void X11QueryConnection::endUseWhenIdle() {
-    const Seconds idle = Clock::now() - lastUse_;
-    if (idle < idleTime) {
-        // One timer for the whole time of use is cheaper than a new one at every question.
-        idleTimer_ = scheduler_.after(idleTime - idle, [this] { endUseWhenIdle(); });
-        return;
-    }
+void X11QueryConnection::endUse() {
     isInUse_ = false;
     selectRootEvents(*connection_, XCB_EVENT_MASK_NO_EVENT, 0);
     for (auto* mirror : mirrors_)
         mirror->forget();
     // What the server sent before it read this is read away now; nothing follows.
     const auto reply = owned(xcb_get_input_focus_reply(get(), xcb_get_input_focus(get()), nullptr));
-    while (const auto event = owned(xcb_poll_for_event(get()))) {
+    while (const auto event = owned(xcb_poll_for_queued_event(get()))) {
     }
 }
 

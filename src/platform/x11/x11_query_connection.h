@@ -24,12 +24,13 @@ public:
     /// An event arrived (its type may carry the bit of a sent event).
     virtual void handleEvent(const xcb_generic_event_t& event) = 0;
 
-    /// Nobody asked for some time: unselect what was selected and forget everything.
+    /// The turn of the event loop is over: unselect what was selected and forget everything.
     virtual void forget() = 0;
 };
 
-/// The connection for questions. It is used synchronously and never watched: events are selected only while
-/// questions come in, and read together with the answers, so an idle program is never woken by them.
+/// The connection for questions. It is used synchronously and never watched: events are selected from the
+/// first question to the end of that turn of the event loop, and read together with the answers. So an idle
+/// program is neither woken by them, nor do they pile up while nobody reads.
 class X11QueryConnection {
 public:
     using Clock = std::chrono::steady_clock;
@@ -44,27 +45,27 @@ public:
     /// Mirrors are told of every event, in order of joining; they must outlive this object's use.
     void join(X11Mirror& mirror) { mirrors_.push_back(&mirror); }
 
-    /// Has the mirrors told of everything that happened, as far as `freshness` demands. Between the first
-    /// call and some idle seconds after the last one, changes of the root window and of the screens are
-    /// selected. False when the server is gone.
+    /// Has the mirrors told of everything that happened, as far as `freshness` demands. From the first call
+    /// to the end of the turn, changes of the root window and of the screens are selected. False when the
+    /// server is gone.
     bool bringUpToDate(Freshness freshness);
 
-    /// Waits until at least one event came and was passed on; false at `deadline` or without a server.
+    /// Waits until at least one event came and was passed on; false after `deadline`, however many events
+    /// there still are, and without a server.
     bool waitForEvents(Clock::time_point deadline);
 
 private:
     using EventSource = xcb_generic_event_t* (*)(xcb_connection_t*);
     bool dispatchEvents(EventSource next);
     void beginUse();
-    void endUseWhenIdle();
+    void endUse();
 
     std::unique_ptr<X11Connection> connection_;
     Scheduler& scheduler_;
     std::vector<X11Mirror*> mirrors_;
     bool isInUse_ = false;
-    Clock::time_point lastUse_;
     Clock::time_point lastRoundTrip_;
-    Token idleTimer_;
+    Token endOfTurn_;
 };
 
 } // namespace tavrin

@@ -42,11 +42,15 @@ struct X11Window {
     std::string title;
     ApplicationClues clues;
 
-    /// The server's own border counts like a frame where the window manager draws none.
+    /// The server's own border counts like a frame where the window manager draws none. Shadows that would
+    /// leave nothing of the window do not count.
     WindowBorders borders() const {
+        const bool isPossible =
+            shadows.left + shadows.right < client.width && shadows.top + shadows.bottom < client.height;
+        const auto inner = isPossible ? shadows : FrameInsets{};
         if (borderWidth > 0 && decorations == FrameInsets{})
-            return {{borderWidth, borderWidth, borderWidth, borderWidth}, shadows};
-        return {decorations, shadows};
+            return {{borderWidth, borderWidth, borderWidth, borderWidth}, inner};
+        return {decorations, inner};
     }
 };
 

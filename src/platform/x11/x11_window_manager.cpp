@@ -24,10 +24,21 @@ const WindowManagerFacts& X11WindowManager::facts(Freshness freshness) {
 }
 
 bool X11WindowManager::isControllable(Freshness freshness) {
-    if (isWaylandSession_ || connection_.server().extensions().isWaylandBridge)
+    if (connection_.server().extensions().isWaylandBridge)
         return false;
     const auto& known = facts(freshness);
-    return known.isRunning && known.supports(connection_.atoms().netClientListStacking);
+    if (known.isRunning && known.supports(connection_.atoms().netClientListStacking)) {
+        wasControllable_ = true;
+        absentSince_.reset();
+        return true;
+    }
+    const auto now = X11QueryConnection::Clock::now();
+    if (wasControllable_ && !absentSince_)
+        absentSince_ = now;
+    wasControllable_ &= !connection_.server().isBroken() && now - *absentSince_ < absenceLimit;
+    if (!wasControllable_)
+        absentSince_.reset();
+    return wasControllable_;
 }
 
 xcb_window_t X11WindowManager::checkWindow() {
@@ -49,7 +60,11 @@ void X11WindowManager::read() {
     const auto supportedCookie = request(connection_.root(), atoms.netSupported, supportedLimit);
     const auto check = cardinal(collect(checkCookie).get());
     const auto supported = cardinals(collect(supportedCookie).get());
+    // Any program can write the property. The root window is nobody's, and selecting events on it here would
+    // end those that are selected already.
     checkWindow_ = check.value_or(XCB_WINDOW_NONE);
+    if (checkWindow_ == connection_.root())
+        checkWindow_ = XCB_WINDOW_NONE;
     if (checkWindow_ == XCB_WINDOW_NONE)
         return;
 

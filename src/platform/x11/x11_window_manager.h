@@ -2,6 +2,7 @@
 
 #include "platform/x11/x11_query_connection.h"
 
+#include <optional>
 #include <set>
 #include <string>
 
@@ -24,14 +25,18 @@ public:
     /// The facts now; those of no window manager when there is none or the server does not answer.
     const WindowManagerFacts& facts(Freshness freshness = Freshness::recent);
 
+    /// A window manager that was there this short a time ago still counts as running: restarting one or
+    /// replacing it by another takes a moment.
+    static constexpr Seconds absenceLimit{3};
+
     /// It lists its windows and moves them on request, and shows all of them to this program.
     bool isControllable(Freshness freshness = Freshness::recent);
 
+    /// It is controllable only because it was so until a moment ago.
+    bool isAbsent() const { return absentSince_.has_value(); }
+
     /// The window by which it announces itself; none while none runs.
     xcb_window_t checkWindow();
-
-    /// The session runs under a Wayland compositor, whose own windows are out of reach.
-    void setWaylandSession() { isWaylandSession_ = true; }
 
     void handleEvent(const xcb_generic_event_t& event) override;
     void forget() override;
@@ -43,7 +48,8 @@ private:
     WindowManagerFacts facts_;
     xcb_window_t checkWindow_ = XCB_WINDOW_NONE;
     bool isKnown_ = false;
-    bool isWaylandSession_ = false;
+    bool wasControllable_ = false;
+    std::optional<X11QueryConnection::Clock::time_point> absentSince_;
 };
 
 } // namespace tavrin

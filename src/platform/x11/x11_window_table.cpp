@@ -14,6 +14,9 @@ constexpr std::size_t windowLimit = 4096;
 
 constexpr std::uint32_t allDesktops = 0xFFFFFFFF;
 
+/// A window that sends more events in one turn is no longer listened to but read again at every question.
+constexpr int eventLimit = 512;
+
 void selectWindowEvents(xcb_connection_t* connection, xcb_window_t window, std::uint32_t mask) {
     xcb_change_window_attributes(connection, window, XCB_CW_EVENT_MASK, &mask);
 }
@@ -34,6 +37,10 @@ bool X11WindowTable::refresh(Freshness freshness) {
     }
     if (isRootOutdated_)
         readRoot();
+    if (hasLoud_)
+        for (auto& [id, entry] : entries_)
+            if (entry.eventCount > eventLimit)
+                markOutdated(entry, WindowPart::all);
     readOutdated();
     return hasWindowList_;
 }
@@ -52,9 +59,10 @@ const X11Window* X11WindowTable::find(xcb_window_t window) const {
 }
 
 bool X11WindowTable::isOnScreen(const X11Window& window) const {
-    const bool isOnDesktop = !window.desktop || !currentDesktop_ || *window.desktop == *currentDesktop_ ||
+    const bool isOnDesktop = !window.desktop || !shownDesktop_ || *window.desktop == *shownDesktop_ ||
                              *window.desktop == allDesktops;
-    return window.isViewable && !window.states.isHidden && isOnDesktop;
+    // Some window managers keep a shaded window's contents mapped, some do not; some call it hidden.
+    return window.isViewable && !window.states.isHidden && !window.states.isShaded && isOnDesktop;
 }
 
 void X11WindowTable::markOutdated(xcb_window_t window, WindowPart parts) {
@@ -79,10 +87,19 @@ void X11WindowTable::readRoot() {
         requestProperty(server, connection_.root(), atoms.netClientListStacking, windowLimit * 4);
     const auto desktop = requestProperty(server, connection_.root(), atoms.netCurrentDesktop, 4);
     const auto active = requestProperty(server, connection_.root(), atoms.netActiveWindow, 4);
+    const auto announced = requestProperty(server, connection_.root(), atoms.netSupportingWmCheck, 4);
+    const auto compositor = xcb_get_selection_owner(server, connection_.server().compositorSelection());
     const auto listReply = collect(list);
     hasWindowList_ = listReply && listReply->format == 32;
     takeWindowList(cardinals(listReply.get()));
-    currentDesktop_ = cardinal(collect(desktop).get());
+    shownDesktop_ = cardinal(collect(desktop).get());
+    // Only a window manager that composites by itself keeps the windows of other desktops mapped (for their
+    // thumbnails). Under the others, mapped is shown, and each monitor may show a desktop of its own.
+    const auto windowManager = cardinal(collect(announced).get()).value_or(XCB_WINDOW_NONE);
+    const auto owner = owned(xcb_get_selection_owner_reply(server, compositor, nullptr));
+    const auto clientOf = [this](xcb_window_t window) { return connection_.server().clientOf(window); };
+    if (!owner || owner->owner == XCB_WINDOW_NONE || clientOf(owner->owner) != clientOf(windowManager))
+        shownDesktop_.reset();
     activeWindow_ = cardinal(collect(active).get());
 }
 
@@ -157,31 +174,46 @@ void X11WindowTable::handleRootProperty(xcb_atom_t property) {
     }
 }
 
+/// The entry of a window that sent an event; null when it is not listed.
+X11WindowTable::Entry* X11WindowTable::senderOf(xcb_window_t window) {
+    const auto found = entries_.find(window);
+    if (found == entries_.end())
+        return nullptr;
+    if (++found->second.eventCount == eventLimit + 1) {
+        selectWindowEvents(connection_.get(), window, XCB_EVENT_MASK_NO_EVENT);
+        hasLoud_ = true;
+    }
+    return &found->second;
+}
+
 void X11WindowTable::handleEvent(const xcb_generic_event_t& event) {
     const auto type = event.response_type & 0x7f;
+    const auto changed = [this](xcb_window_t window, WindowPart parts) {
+        if (auto* entry = senderOf(window))
+            markOutdated(*entry, parts);
+    };
     switch (type) {
     case XCB_PROPERTY_NOTIFY: {
         const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
         if (change.window == connection_.root())
             handleRootProperty(change.atom);
         else
-            markOutdated(change.window, reader_.partOf(change.atom));
+            changed(change.window, reader_.partOf(change.atom));
         return;
     }
     case XCB_CONFIGURE_NOTIFY: {
-        markOutdated(reinterpret_cast<const xcb_configure_notify_event_t&>(event).window,
-                     WindowPart::geometry);
+        changed(reinterpret_cast<const xcb_configure_notify_event_t&>(event).window, WindowPart::geometry);
         return;
     }
     case XCB_REPARENT_NOTIFY:
-        markOutdated(reinterpret_cast<const xcb_reparent_notify_event_t&>(event).window,
-                     WindowPart::geometry | WindowPart::visibility);
+        changed(reinterpret_cast<const xcb_reparent_notify_event_t&>(event).window,
+                WindowPart::geometry | WindowPart::visibility);
         return;
     case XCB_MAP_NOTIFY:
-        markOutdated(reinterpret_cast<const xcb_map_notify_event_t&>(event).window, WindowPart::visibility);
+        changed(reinterpret_cast<const xcb_map_notify_event_t&>(event).window, WindowPart::visibility);
         return;
     case XCB_UNMAP_NOTIFY:
-        markOutdated(reinterpret_cast<const xcb_unmap_notify_event_t&>(event).window, WindowPart::visibility);
+        changed(reinterpret_cast<const xcb_unmap_notify_event_t&>(event).window, WindowPart::visibility);
         return;
     case XCB_DESTROY_NOTIFY:
         if (entries_.erase(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window) > 0)
@@ -200,6 +232,7 @@ void X11WindowTable::forget() {
     windows_.clear();
     hasWindowList_ = false;
     isRootOutdated_ = true;
+    hasLoud_ = false;
 }
 
 } // namespace tavrin

@@ -9,8 +9,8 @@
 
 namespace tavrin {
 
-/// The mirror of the client windows. The first question reads everything in a few round trips, whatever
-/// the number of windows; later ones read again only what changed since.
+/// The mirror of the client windows. The first question of a turn reads everything in a few round trips,
+/// whatever the number of windows; later ones read again only what changed since.
 class X11WindowTable final : public X11Mirror {
 public:
     explicit X11WindowTable(X11QueryConnection& connection);
@@ -33,7 +33,8 @@ public:
     /// The active window, if there is one and it is listed.
     const X11Window* activeWindow() const { return activeWindow_ ? find(*activeWindow_) : nullptr; }
 
-    /// The user can see the window on the current desktop.
+    /// The user can see the window's contents on some screen now: it is neither minimised nor shaded nor on a
+    /// desktop that is not shown.
     bool isOnScreen(const X11Window& window) const;
 
     /// Something about the window is about to change without an event.
@@ -46,6 +47,7 @@ private:
     struct Entry {
         X11Window window;
         WindowPart outdated = WindowPart::none;
+        int eventCount = 0;
         bool isListed = false;
     };
 
@@ -55,6 +57,7 @@ private:
     void readOutdated();
     void rebuildList();
     void handleRootProperty(xcb_atom_t property);
+    Entry* senderOf(xcb_window_t window);
 
     X11QueryConnection& connection_;
     X11WindowReader reader_;
@@ -63,8 +66,9 @@ private:
     std::vector<const X11Window*> windows_;
     bool hasWindowList_ = false;
     bool isRootOutdated_ = true;
+    bool hasLoud_ = false;     ///< some window sent more events than are listened to
     bool hasOutdated_ = false; ///< some entry is; most questions find none, so they need not look
-    std::optional<std::uint32_t> currentDesktop_;
+    std::optional<std::uint32_t> shownDesktop_; ///< absent where windows of other desktops are unmapped
     std::optional<xcb_window_t> activeWindow_;
 };
 

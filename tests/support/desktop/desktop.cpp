@@ -50,7 +50,7 @@ Desktop::Desktop(const Options& options) {
     outputs_->makePrimary(0);
 
     if (options.hasWindowManager)
-        require(startWindowManager(), "window manager", logs_);
+        require(startWindowManager(options.windowManager), "window manager", logs_);
     tray_ = std::make_unique<Tray>(sessionBus_.connection());
     if (options.hasTray)
         require(tray_->appear(), "tray", logs_);
@@ -81,11 +81,22 @@ void Desktop::prepareEnvironment() {
     environment_.insert("NO_AT_BRIDGE", "1"); // GTK would look for a bus that is not here
 }
 
-bool Desktop::startWindowManager() {
-    auto command = QProcess::splitCommand(qEnvironmentVariable("TAVRIN_TEST_WM", "openbox"));
+bool Desktop::startWindowManager(const QString& wanted) {
+    auto command =
+        QProcess::splitCommand(wanted.isEmpty() ? qEnvironmentVariable("TAVRIN_TEST_WM", "openbox") : wanted);
     const QString program = command.takeFirst();
     if (program == "xfwm4")
         command.append("--compositor=off");
+    if (program == "i3") {
+        // Without a configuration it would ask for one.
+        QFile configuration(scratch_.filePath("i3"));
+        if (!configuration.open(QIODevice::WriteOnly) ||
+            configuration.write("# i3 config file (v4)\n"
+                                "font fixed\n"
+                                "for_window [all] floating enable, border none\n") < 0)
+            return false;
+        command.append({"-c", configuration.fileName()});
+    }
     windowManager_ = startProgram(program, command);
     if (!windowManager_)
         return false;

@@ -10,6 +10,7 @@
 
 #include <QTemporaryDir>
 
+#include <csignal>
 #include <memory>
 
 namespace tavrin::desktop {
@@ -22,6 +23,7 @@ public:
         std::string name = "desktop"; ///< names the log folder
         std::vector<Rect> displays{{0, 0, 1920, 1080}};
         bool hasWindowManager = true;
+        QString windowManager; ///< with its arguments; empty for the one that is tested with
         bool hasTray = true;
     };
 
@@ -40,13 +42,17 @@ public:
 
     /// What a program started on this desktop gets.
     const QProcessEnvironment& environment() const { return environment_; }
+    void setVariable(const QString& name, const QString& value) { environment_.insert(name, value); }
     QString home() const { return scratch_.filePath("home"); }
     /// The folder of this desktop's logs; it stays when the desktop goes.
     const QString& logs() const { return logs_; }
     QString log(const QString& name) const { return logs_ + "/" + name + ".log"; }
 
-    bool startWindowManager();
+    /// The one that is tested with unless `command` names another.
+    bool startWindowManager(const QString& command = {});
     void stopWindowManager();
+    /// It stops answering.
+    void hangWindowManager() { windowManager_->sendSignal(SIGSTOP); }
 
     /// A test application, started and ready.
     std::unique_ptr<TestClient> startClient();

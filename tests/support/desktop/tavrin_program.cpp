@@ -10,6 +10,8 @@
 #include <QJsonObject>
 #include <QSaveFile>
 
+#include <unistd.h>
+
 namespace tavrin::desktop {
 
 namespace {
@@ -43,6 +45,18 @@ bool TavrinProgram::waitUntilRegistered() {
     auto bus = desktop_.sessionBus().connection();
     QDBusServiceWatcher arrival(name, bus); // wakes the waiting
     return waitUntil([&] { return bus.interface()->isServiceRegistered(name).value(); });
+}
+
+TavrinProgram::Usage TavrinProgram::usage() const {
+    const auto read = [&](const char* name) {
+        QFile file(QString("/proc/%1/%2").arg(process_->pid()).arg(name));
+        return file.open(QIODevice::ReadOnly) ? QString(file.readAll()) : QString();
+    };
+    const auto peak = read("status").section("VmHWM:", 1).section("kB", 0, 0).trimmed();
+    // After the name in brackets; the times of user and system are the 14th and 15th value of all.
+    const auto values = read("stat").section(") ", -1).split(' ');
+    const auto ticks = values.value(11).toDouble() + values.value(12).toDouble();
+    return {peak.toLong(), ticks / static_cast<double>(::sysconf(_SC_CLK_TCK))};
 }
 
 std::string TavrinProgram::menu() {

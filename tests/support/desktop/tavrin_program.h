@@ -19,6 +19,13 @@ public:
     bool waitUntilRegistered();
     Process& process() { return *process_; }
 
+    /// What it has used of the machine since its start.
+    struct Usage {
+        long peakKilobytes = 0; ///< the most memory at any time
+        double seconds = 0;     ///< of a processor
+    };
+    Usage usage() const;
+
     /// The whole menu as `describe` writes it; empty when the program does not answer.
     std::string menu();
     /// Whether the menu offers this layout, for the present display setup, to be restored.

@@ -47,6 +47,11 @@ bool TestClient::destroy(xcb_window_t window) {
     return ask(fmt::format("destroy\t{}", window)) == "done";
 }
 
+void TestClient::startFlood(xcb_window_t window, const std::string& property, int count) {
+    windows_.ignore(window);
+    process_.writeLine(fmt::format("flood\t{}\t{}\t{}", window, property, count));
+}
+
 bool TestClient::vanishOnMove(const std::vector<xcb_window_t>& windows) {
     return ask(fmt::format("vanish-on-move\t{}", fmt::join(windows, "\t"))) == "done";
 }

@@ -32,6 +32,10 @@ public:
     std::optional<xcb_window_t> open(const WindowRequest& request);
     bool retitle(xcb_window_t window, const std::string& title);
     bool destroy(xcb_window_t window);
+    /// Changes a property of the window so many times, as fast as the server takes it. Ends with `endFlood`;
+    /// until then nothing else can be asked.
+    void startFlood(xcb_window_t window, const std::string& property, int count);
+    bool endFlood() { return process_.readLine() == "done"; }
     /// From now on the first move of one of these windows makes all the others disappear.
     bool vanishOnMove(const std::vector<xcb_window_t>& windows);
 

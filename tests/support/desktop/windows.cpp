@@ -216,6 +216,27 @@ void Windows::activate(xcb_window_t window) {
     x_.askWindowManager(window, "_NET_ACTIVE_WINDOW", {sourceIsPager, XCB_CURRENT_TIME, 0, 0, 0});
 }
 
+void Windows::minimise(xcb_window_t window) {
+    constexpr std::uint32_t iconicState = 3;
+    x_.askWindowManager(window, "WM_CHANGE_STATE", {iconicState, 0, 0, 0, 0});
+}
+
+void Windows::shade(xcb_window_t window) {
+    x_.askWindowManager(window, "_NET_WM_STATE", {1, x_.atom("_NET_WM_STATE_SHADED"), 0, sourceIsPager, 0});
+}
+
+bool Windows::sendToDesktop(xcb_window_t window, std::uint32_t desktop) {
+    follow(window);
+    x_.askWindowManager(x_.root(), "_NET_NUMBER_OF_DESKTOPS", {desktop + 1, 0, 0, 0, 0});
+    x_.askWindowManager(window, "_NET_WM_DESKTOP", {desktop, sourceIsPager, 0, 0, 0});
+    return waitUntil([&] { return x_.cardinals(window, "_NET_WM_DESKTOP") == std::vector{desktop}; });
+}
+
+void Windows::ignore(xcb_window_t window) {
+    followed_.insert(window);
+    x_.ignore(window);
+}
+
 std::uint32_t Windows::processWithKeyboard() {
     auto* c = x_.raw();
     const Reply<xcb_get_input_focus_reply_t> focus{

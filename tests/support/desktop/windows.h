@@ -32,6 +32,14 @@ public:
     bool maximise(xcb_window_t window);
     bool unmaximise(xcb_window_t window);
     void activate(xcb_window_t window);
+    void minimise(xcb_window_t window);
+    void shade(xcb_window_t window);
+    /// Waits until the window manager says that the window is on that desktop, counted from 0.
+    bool sendToDesktop(xcb_window_t window, std::uint32_t desktop);
+    bool hasState(xcb_window_t window, const std::string& state); ///< by its whole name, "_NET_WM_STATE_…"
+
+    /// From now on the window's changes wake nobody here.
+    void ignore(xcb_window_t window);
 
     /// The process of the window that gets the keys now; 0 when none says so.
     std::uint32_t processWithKeyboard();
@@ -46,7 +54,6 @@ public:
 private:
     std::optional<Rect> clientArea(xcb_window_t window);
     bool isViewable(xcb_window_t window);
-    bool hasState(xcb_window_t window, const std::string& state);
     bool changeMaximised(xcb_window_t window, bool isWanted);
     void follow(xcb_window_t window);
 

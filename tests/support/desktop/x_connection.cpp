@@ -120,6 +120,18 @@ void XConnection::watch(xcb_window_t window) {
     xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &mask);
 }
 
+void XConnection::setCardinals(xcb_window_t window, const std::string& property, xcb_atom_t type,
+                               const std::vector<std::uint32_t>& values) {
+    xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(property), type, 32,
+                        static_cast<std::uint32_t>(values.size()), values.data());
+    sync();
+}
+
+void XConnection::ignore(xcb_window_t window) {
+    const std::uint32_t mask = XCB_EVENT_MASK_NO_EVENT;
+    xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &mask);
+}
+
 void XConnection::sync() {
     Reply<xcb_get_input_focus_reply_t> reply{
         xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr)};

@@ -46,11 +46,14 @@ public:
     /// The 32-bit items of a property; empty when the window or the property is gone.
     std::vector<std::uint32_t> cardinals(xcb_window_t window, const std::string& property);
     std::string text(xcb_window_t window, const std::string& property);
+    void setCardinals(xcb_window_t window, const std::string& property, xcb_atom_t type,
+                      const std::vector<std::uint32_t>& values);
     /// Asks the window manager: a client message about `window` to the root window.
     void askWindowManager(xcb_window_t window, const std::string& message, std::array<std::uint32_t, 5> data);
 
     /// Wakes the harness when this window's properties or geometry change.
     void watch(xcb_window_t window);
+    void ignore(xcb_window_t window);
     /// Returns once the server has handled everything asked so far; its events are then in.
     void sync();
 

@@ -7,6 +7,7 @@
 //                              l,r,t,b), increment (w,h), pid, application
 //   retitle WINDOW TITLE
 //   destroy WINDOW
+//   flood WINDOW PROPERTY N    changes a text property N times, as fast as the server takes it
 //   vanish-on-move WINDOW...   at the first move of one of these windows, all the others are destroyed
 #include <xcb/xcb.h>
 #include <xcb/xcb_icccm.h>
@@ -80,6 +81,10 @@ private:
             setTitle(windowOf(words[1]), words[2]);
         } else if (words[0] == "destroy" && words.size() == 2) {
             xcb_destroy_window(connection_, windowOf(words[1]));
+        } else if (words[0] == "flood" && words.size() == 4) {
+            const auto property = atom(words[2]), type = atom("UTF8_STRING");
+            for (int count = std::atoi(words[3].c_str()); count > 0; --count)
+                setBytes(windowOf(words[1]), property, type, std::to_string(count));
         } else if (words[0] == "vanish-on-move") {
             for (std::size_t index = 1; index < words.size(); ++index)
                 vanishing_[windowOf(words[index])] = placeOf(windowOf(words[index]));
