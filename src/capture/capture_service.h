@@ -42,7 +42,7 @@ public:
     std::expected<Uuid, Error> resolveProfileID();
 
     /// Saves the windows on screen, without those of excluded applications, as a layout of that profile. A
-    /// layout of the same name, whatever its capitals, is replaced and keeps its id, its name on disk and
+    /// layout of the same name, ignoring case, is replaced and keeps its id, its name on disk and
     /// its date of creation. Nothing is written when it fails.
     std::expected<SavedLayout, Error> capture(std::string_view name, SavedLayoutKind kind,
                                               const Uuid& profileID);

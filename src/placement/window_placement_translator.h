@@ -15,7 +15,7 @@ struct SizeClamps {
     static constexpr SizeClamps standard() { return {{200, 150}, {6000, 4000}}; }
 };
 
-/// Turns a saved entry back into a frame on the displays of now.
+/// Turns a saved entry back into a frame on the current displays.
 struct WindowPlacementTranslator {
     SizeClamps clamps = SizeClamps::standard();
 

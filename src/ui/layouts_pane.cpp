@@ -149,7 +149,7 @@ std::optional<std::string> LayoutsPane::layoutNameRefusal(const Uuid& layoutID, 
     if (auto refusal = nameRefusal(name, "Enter a name for this layout."))
         return refusal;
     const auto found = find(layoutID);
-    // Saving finds the layout to replace by its name, whatever its capitals.
+    // Saving finds the layout to replace by its name, ignoring case.
     const std::string wanted = lowercased(trimmed(name));
     if (found && std::ranges::any_of(found->setup.layouts, [&](const LayoutCard& other) {
             return other.id != layoutID && lowercased(other.name) == wanted;

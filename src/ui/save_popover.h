@@ -35,7 +35,7 @@ public:
     /// Why the name cannot be saved; absent when it can.
     const std::optional<std::string>& errorMessage() const { return errorMessage_; }
 
-    /// "Replaces existing layout" when the name belongs to a layout already, whatever its capitals.
+    /// "Replaces existing layout" when the name belongs to a layout already, ignoring case.
     std::optional<std::string> notice() const;
 
     /// Hands the typed name over if it can be saved.

@@ -188,7 +188,7 @@ TEST(RunningApplicationResolver, AsksForIdentifierThenForName) {
     EXPECT_EQ(resolver.processIdentifier(window), 0);
     EXPECT_EQ(applications.lookups, 0);
     window.ownerPID.reset();
-    EXPECT_EQ(resolver.processIdentifier(window), 2) << "the first instance, whatever its state";
+    EXPECT_EQ(resolver.processIdentifier(window), 2) << "the first instance, in any state";
     window.bundleIdentifier = "gone.desktop";
     EXPECT_EQ(resolver.processIdentifier(window), 3);
     window.appName = "a";
