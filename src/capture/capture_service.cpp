@@ -1,8 +1,7 @@
 #include "capture/capture_service.h"
 
 #include "base/text.h"
-#include "placement/nearest_frame.h"
-#include "placement/window_placement_normalizer.h"
+#include "placement/window_placement.h"
 
 #include <algorithm>
 #include <map>

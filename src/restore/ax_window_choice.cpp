@@ -1,7 +1,7 @@
 #include "restore/ax_window_choice.h"
 
 #include "base/text.h"
-#include "placement/nearest_frame.h"
+#include "placement/window_placement.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #include "restore/restore_matcher.h"
 
 #include "base/text.h"
-#include "placement/window_placement_translator.h"
+#include "placement/window_placement.h"
 
 #include <queue>
 

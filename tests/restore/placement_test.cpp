@@ -1,6 +1,5 @@
 #include "doubles/builders.h"
-#include "placement/window_placement_normalizer.h"
-#include "placement/window_placement_translator.h"
+#include "placement/window_placement.h"
 
 #include <gmock/gmock.h>
 #include <rapidcheck.h>

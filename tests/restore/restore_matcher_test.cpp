@@ -1,5 +1,5 @@
 #include "doubles/builders.h"
-#include "placement/window_placement_normalizer.h"
+#include "placement/window_placement.h"
 #include "restore/restore_matcher.h"
 
 #include <gtest/gtest.h>

@@ -3,9 +3,14 @@
 #include "platform/windows/window_system.h"
 #include "platform/x11/x11_window_manager.h"
 
+#include <string_view>
 #include <vector>
 
 namespace tavrin {
+
+/// The scale that the desktop's resource texts (lines of "name: value") ask for: Xft.dpi in relation to the
+/// usual 96. 1 when there is no such line or its value is no possible resolution.
+double resourceScale(std::string_view resources);
 
 /// The monitors with their hardware identity and what panels leave free of them. Nothing is remembered:
 /// every answer comes from the server, in a handful of round trips.

@@ -1,4 +1,4 @@
-#include "platform/x11/resource_scale.h"
+#include "platform/x11/x11_screens.h"
 
 #include <gtest/gtest.h>
 

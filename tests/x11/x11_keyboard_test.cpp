@@ -1,5 +1,4 @@
-#include "platform/x11/key_positions.h"
-#include "platform/x11/keyboard_modifiers.h"
+#include "platform/x11/x11_keyboard.h"
 #include "records/key_combo.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "placement/display_remapper.h"
+#include "placement/window_placement.h"
 
 #include <algorithm>
 #include <cmath>
@@ -59,7 +59,55 @@ void pairMostSimilar(std::vector<RemappedDisplay*>& unmatched, std::vector<Displ
     }
 }
 
+/// Windows and visible frames are kept in different spaces, so the limits below would shift windows near an
+/// edge even where nothing has changed. A frame edited by hand no longer agrees with its fractions; then
+/// these count.
+bool isUnchanged(const RemappedDisplay& display, const SavedLayoutEntry& entry) {
+    constexpr double roundingError = 0.01;
+    return display.target.isCalled(display.saved.displayIdentifier) &&
+           display.target.visibleFrame == display.saved.visibleFrame &&
+           frameDistance(frameFromFractions(*entry.normalizedFrame, display.saved.visibleFrame),
+                         entry.frame) < roundingError;
+}
+
 } // namespace
+
+std::vector<DisplayPlacementInput> placementInputs(const DisplaySnapshotCollection& displays) {
+    std::vector<DisplayPlacementInput> inputs;
+    for (const DisplaySnapshot& display : displays.displays)
+        inputs.push_back({display.stableID, display.arrangementKey(), display.visibleFrame});
+    return inputs;
+}
+
+Rect frameFromFractions(const SavedLayoutFrame& fractions, const DisplayFrame& visibleFrame) {
+    return {visibleFrame.minX() + fractions.x * visibleFrame.width,
+            visibleFrame.minY() + fractions.y * visibleFrame.height, fractions.width * visibleFrame.width,
+            fractions.height * visibleFrame.height};
+}
+
+std::optional<NormalizedWindowPlacement>
+WindowPlacementNormalizer::normalize(const Rect& windowFrame,
+                                     const std::vector<DisplayPlacementInput>& displays) const {
+    const DisplayPlacementInput* best = nullptr;
+    double bestArea = 0;
+    for (const DisplayPlacementInput& display : displays) {
+        if (!(display.visibleFrame.width > 0 && display.visibleFrame.height > 0))
+            continue;
+        const double area = overlapArea(windowFrame, display.visibleFrame);
+        if (area > bestArea) {
+            best = &display;
+            bestArea = area;
+        }
+    }
+    if (!best)
+        return std::nullopt;
+    const Rect& visible = best->visibleFrame;
+    return NormalizedWindowPlacement{best->identifier(),
+                                     {(windowFrame.minX() - visible.minX()) / visible.width,
+                                      (windowFrame.minY() - visible.minY()) / visible.height,
+                                      windowFrame.width / visible.width,
+                                      windowFrame.height / visible.height}};
+}
 
 const RemappedDisplay* DisplayRemapping::displayOf(const SavedLayoutEntry& entry) const {
     const RemappedDisplay* nearest = nullptr;
@@ -100,6 +148,27 @@ DisplayRemapping DisplayRemapper::remap(const std::vector<SavedDisplay>& savedDi
     remapping.isExact = unmatched.empty();
     pairMostSimilar(unmatched, pool, [](const auto&, const auto&) { return true; });
     return remapping;
+}
+
+Rect WindowPlacementTranslator::targetFrame(const SavedLayoutEntry& entry,
+                                            const DisplayRemapping& remapping) const {
+    if (!entry.normalizedFrame)
+        return entry.frame;
+    const RemappedDisplay* display = remapping.displayOf(entry);
+    if (display && isUnchanged(*display, entry))
+        return entry.frame;
+    const Rect& visible = (display ? display->target : remapping.fallbackTarget).visibleFrame;
+    if (!(visible.width > 0 && visible.height > 0))
+        return entry.frame;
+    const Rect wanted = frameFromFractions(*entry.normalizedFrame, visible);
+    Rect target;
+    target.width =
+        std::min({std::max(wanted.width, clamps.minSize.width), visible.width, clamps.maxSize.width});
+    target.height =
+        std::min({std::max(wanted.height, clamps.minSize.height), visible.height, clamps.maxSize.height});
+    target.x = std::min(std::max(wanted.x, visible.minX()), visible.maxX() - target.width);
+    target.y = std::min(std::max(wanted.y, visible.minY()), visible.maxY() - target.height);
+    return target;
 }
 
 } // namespace tavrin
