@@ -35,6 +35,8 @@ public:
     /// Looks at all free windows, in their order. `score(window)` is absent for one that cannot be taken.
     template <class Score>
     void look(const std::vector<bool>& isTaken, Score score) {
+        // Whoever has to look again is likely to have to once more.
+        const std::size_t limit = best_.empty() ? firstLimit : laterLimit;
         best_.clear();
         next_ = 0;
         isComplete_ = true;
@@ -65,7 +67,8 @@ public:
     bool isComplete() const { return isComplete_; }
 
 private:
-    static constexpr std::size_t limit = 16;
+    static constexpr std::size_t firstLimit = 8;
+    static constexpr std::size_t laterLimit = 64;
 
     std::vector<Choice> best_;
     std::size_t next_ = 0;
@@ -145,11 +148,11 @@ std::int64_t slot(const SavedLayoutEntry& entry) {
     return entry.slotIndex.value_or(0);
 }
 
-/// Gives equal texts equal numbers, because each is compared with very many.
+/// Gives equal texts equal numbers from 1 on, because each is compared with very many.
 class TextNumbers {
 public:
     int of(const std::string& text) {
-        return numbers_.try_emplace(text, static_cast<int>(numbers_.size())).first->second;
+        return numbers_.try_emplace(text, static_cast<int>(numbers_.size()) + 1).first->second;
     }
 
 private:
@@ -164,29 +167,36 @@ std::vector<Assignment> assignByScore(ApplicationGroup& group) {
     // Saved slots count front to back, open windows by window number: the stacking order changes with
     // every click, the numbers do not.
     std::ranges::stable_sort(windows, {}, &WindowInfo::id);
-    struct Texts {
-        std::optional<int> title;
-        std::optional<int> appName;
+    // All that scoring needs, close together: it is asked for every pair.
+    struct Features {
+        Rect frame;
+        double slot = 0;
+        int title = 0;   ///< 0 for an entry whose title says nothing
+        int appName = 0; ///< likewise
     };
     TextNumbers titles, names;
-    std::vector<Texts> ofEntries, ofWindows;
+    std::vector<Features> ofEntries, ofWindows;
     for (const SavedLayoutEntry& entry : entries) {
         const std::string title = foldedTitle(entry.windowTitle.value_or(""));
         const std::string name = entry.appName.value_or("");
-        ofEntries.push_back({title.empty() ? std::nullopt : std::optional(titles.of(title)),
-                             name.empty() ? std::nullopt : std::optional(names.of(name))});
+        ofEntries.push_back({.frame = entry.frame,
+                             .slot = static_cast<double>(slot(entry)),
+                             .title = title.empty() ? 0 : titles.of(title),
+                             .appName = name.empty() ? 0 : names.of(name)});
     }
     for (const WindowInfo& window : windows)
-        ofWindows.push_back({titles.of(foldedTitle(window.title)), names.of(window.appName)});
+        ofWindows.push_back({.frame = window.frame,
+                             .slot = static_cast<double>(ofWindows.size()),
+                             .title = titles.of(foldedTitle(window.title)),
+                             .appName = names.of(window.appName)});
 
     auto assignments =
         assign(entries.size(), windows.size(), [&](std::size_t i, std::size_t j) -> std::optional<double> {
-            const Texts& saved = ofEntries[i];
-            const double titleTerm = !saved.title ? 0 : saved.title == ofWindows[j].title ? -10000.0 : 500.0;
-            const double nameTerm = saved.appName && saved.appName != ofWindows[j].appName ? 100.0 : 0.0;
-            const double slotDifference = static_cast<double>(slot(entries[i])) - static_cast<double>(j);
-            const double score = frameDistance(entries[i].frame, windows[j].frame) + titleTerm + nameTerm +
-                                 25.0 * std::abs(slotDifference);
+            const Features &saved = ofEntries[i], &open = ofWindows[j];
+            const double titleTerm = saved.title == 0 ? 0 : saved.title == open.title ? -10000.0 : 500.0;
+            const double nameTerm = saved.appName != 0 && saved.appName != open.appName ? 100.0 : 0.0;
+            const double score = frameDistance(saved.frame, open.frame) + titleTerm + nameTerm +
+                                 25.0 * std::abs(saved.slot - open.slot);
             return std::isnan(score) ? std::numeric_limits<double>::infinity() : score;
         });
     std::ranges::sort(assignments, {}, &Assignment::entry);

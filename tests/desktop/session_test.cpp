@@ -182,8 +182,10 @@ TEST_F(SessionTest, ScreensOfSeveralOutputsCountOnce) {
     ASSERT_TRUE(program().start());
     ASSERT_TRUE(client().open({.title = "one"}));
     ASSERT_TRUE(program().saveLayout("Mirrored"));
+    ASSERT_TRUE(outputs().unplug(1));
+    ASSERT_TRUE(waitUntil([&] { return !program().offers("Mirrored"); }))
+        << "the half of it is another screen";
     ASSERT_TRUE(outputs().plug(1, {1920, 0, 1920, 1080}, secondMonitor));
-    ASSERT_TRUE(waitUntil([&] { return !program().offers("Mirrored"); }));
     const auto wall = QString::fromStdString(outputs().name(0) + "," + outputs().name(1));
     const auto xrandr = desktop().startProgram("xrandr", {"--setmonitor", "wall", "auto", wall});
     ASSERT_TRUE(xrandr && xrandr->waitForExit() == 0);
