@@ -185,8 +185,13 @@ TEST_F(StatusItemTest, RebuildsTheMenuOncePerTurnAndWhenItOpens) {
     item.willOpen();
     EXPECT_NE(dump(item.menu).find("Accessibility access is required"), std::string::npos);
     EXPECT_EQ(permission.prompts, 0);
-    files.files["/data/layouts.json"] = "broken";
     permission.state = AccessibilityPermissionState::granted;
+    displays.snapshot.displays[0].stableID = "another unit";
+    item.willOpen();
+    EXPECT_NE(dump(item.menu).find("; Confirm Suggested Setup; "), std::string::npos);
+    item.chosen(MenuAction::confirmSuggestedProfile, {});
+    EXPECT_TRUE(current.setup.value().profile);
+    files.files["/data/layouts.json"] = "broken";
     item.willOpen();
     EXPECT_NE(dump(item.menu).find("No Saved Layouts"), std::string::npos);
 }

@@ -64,6 +64,7 @@ TEST_F(CaptureTest, DescribesEachWindowWithItsPlaceAndSlot) {
                        window(1, "a", "back", {1900, 0, 960, 540}), anonymous};
     axWindows.snapshots = {described("a", "", {0, 0, 1, 1}, "AXDialog"),
                            described("a", "BACK", {0, 0, 1, 1}, "AXStandardWindow")};
+    windows.windows[1].appName = "another name of a";
     const auto layout = capture();
     ASSERT_TRUE(layout);
     EXPECT_EQ(store.loadLayouts()->front().entries, layout->entries);
@@ -89,8 +90,8 @@ TEST_F(CaptureTest, DescribesEachWindowWithItsPlaceAndSlot) {
 TEST_F(CaptureTest, TakesTheNearestDescriptionOnlyWhenItIsClear) {
     windows.windows = {window(1, "a", "t", {0, 0, 400, 300})};
     for (const auto& [second, expected] : {std::pair{34.0, "AXDialog"}, {33.9, ""}}) {
-        axWindows.snapshots = {described("a", "x", {second, 0, 400, 300}, "AXStandardWindow"),
-                               described("a", "y", {10, 0, 400, 300}, "AXDialog")};
+        axWindows.snapshots = {described("a", "t", {second, 0, 400, 300}, "AXStandardWindow"),
+                               described("a", "t", {10, 0, 400, 300}, "AXDialog")};
         EXPECT_EQ(capture()->entries[0].windowSubrole.value_or(""), expected);
     }
     axWindows.snapshots = {{std::nullopt, "a", "t", "AXWindow", "AXFloatingWindow", {9, 9, 9, 9}},

@@ -45,18 +45,31 @@ TEST(RestoreMatcher, PairsWithinAnApplicationByTitleThenFrameThenSlot) {
         pairing(layout("slots count by window number", {entry("a", "t", home, 0), entry("a", "t", home, 1)}),
                 {window(9, "a", "t", home), window(3, "a", "t", home)}),
         "0>3 1>9 ");
+    EXPECT_EQ(pairing(layout("equals keep their order", {entry("a", "t", home), entry("a", "t", home)}),
+                      {window(3, "a", "t", home), window(9, "a", "t", home)}),
+              "0>3 1>9 ");
+    const auto slots = layout("pairs come in the order of the slots",
+                              {entry("a", "sure", home, 1), entry("a", "gone", away, 0)});
+    const auto pairs =
+        RestoreMatcher{}.pairs(slots, {window(1, "a", "sure", home), window(2, "a", "x", home)}, oneDisplay);
+    EXPECT_EQ(pairs.at(0).savedEntry, slots.entries[1]);
     EXPECT_EQ(pairing(layout("a blank saved title says nothing", {entry("a", " ", home)}),
                       {window(1, "a", "x", away), window(2, "a", "y", home)}),
               "0>2 ");
     EXPECT_EQ(pairing(layout("other application", {entry("a", "t", home)}), {window(1, "b", "t", home)}), "");
 }
 
-TEST(RestoreMatcher, WeighsASlotLike25PointsAndTheApplicationNameLike100) {
+TEST(RestoreMatcher, WeighsTitlesSlotsAndNamesInPoints) {
     const auto shifted = [](double x) { return window(2, "a", "t", {x, 0, 400, 300}); };
     for (const auto& [x, expected] : {std::pair{24.9, "0>2 "}, {25.1, "0>1 "}})
         EXPECT_EQ(
             pairing(layout("slot 1", {entry("a", "t", home, 1)}), {window(1, "a", "t", home), shifted(x)}),
             expected);
+    // 10,000 for the title against 500 for another one and 25 for the slot.
+    for (const auto& [x, expected] : {std::pair{10524, "0>1 "}, {10526, "0>2 "}})
+        EXPECT_EQ(pairing(layout("title", {entry("a", "t", home)}),
+                          {window(1, "a", "t", {double(x), 0, 400, 300}), window(2, "a", "other", home)}),
+                  expected);
     auto renamed = window(1, "a", "t", home);
     renamed.appName = "A (beta)";
     // 100 for the name against the distance and 25 for the slot.
@@ -96,7 +109,9 @@ TEST(RestoreMatcher, PairsGenericLayoutsByDistanceAlone) {
 
 TEST(RestoreMatcher, SendsSurplusWindowsToTheDominantPlace) {
     const std::vector entries{entry("a", "1", away), entry("a", "2", home), entry("a", "3", home),
-                              entry("a", "4", home), entry("b", "5", home)};
+                              entry("a", "4", home), entry("b", "5", home),
+                              // What cannot be trusted leaves no window out.
+                              entry("a", "6", {0, 0, 0, 9}), entry("a", "7", {0, 0, 0, 9})};
     std::vector<WindowInfo> windows{window(17, "a", "x", away), window(5, "a", "y", away),
                                     window(6, "c", "c", away), window(8, "b", "5", home)};
     for (int i = 1; i <= 4; ++i)

@@ -72,10 +72,15 @@ TEST_F(RestoreServiceTest, NeedsPermissionAndWindows) {
 }
 
 TEST_F(RestoreServiceTest, MovesWhatIsNotInPlace) {
-    windows.windows = {testing::window(1, "a", "1", {2, -2, 402, 298}),
-                       testing::window(2, "a", "2", {2.0001, 0, 400, 300})};
-    EXPECT_EQ(restore(), RestoreResult(3, 2, 1, {}, 1, 0));
-    EXPECT_EQ(mover.moved, std::vector<std::int64_t>{2});
+    windows.windows = {testing::window(1, "a", "1", {2, -2, 402, 298}), testing::window(2, "a", "2", home)};
+    for (const Rect& off : {Rect{2.0001, 0, 400, 300}, Rect{0, -2.0001, 400, 300}, Rect{0, 0, 402.0001, 300},
+                            Rect{0, 0, 400, 297.9999}}) {
+        windows.windows[1].frame = off;
+        mover.moved.clear();
+        mover.orders.clear();
+        EXPECT_EQ(restore(), RestoreResult(3, 2, 1, {}, 1, 0));
+        EXPECT_EQ(mover.moved, std::vector<std::int64_t>{2}) << ::testing::PrintToString(off);
+    }
     windows.windows[1].ownerPID.reset();
     resolver.answer = 77;
     EXPECT_EQ(restore(), RestoreResult(3, 2, 1, {}, 1, 0));

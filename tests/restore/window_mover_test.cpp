@@ -19,9 +19,11 @@ constexpr ProcessID pid = 123;
 const Rect live{100, 100, 400, 300};
 const Rect target{0, 0, 800, 600};
 
-/// The live frame, shifted right: at frame distance `by`.
-Rect shifted(double by) {
-    return {live.x + by, live.y, live.width, live.height};
+/// The live frame with one number changed: at frame distance `by`.
+Rect shifted(double by, double Rect::* number = &Rect::x) {
+    Rect frame = live;
+    frame.*number += by;
+    return frame;
 }
 
 class WindowMoverTest : public ::testing::Test {
@@ -31,8 +33,14 @@ protected:
     SavedLayoutEntry saved = testing::entry("app", "", live);
     std::vector<AXElement> windows;
 
-    void add(Rect frame, std::string title = "", std::optional<std::string> subrole = "AXStandardWindow") {
-        windows.push_back(elements.addWindow(pid, frame, std::move(title), "AXWindow", std::move(subrole)));
+    void add(Rect frame, std::string title = "", std::string subrole = "AXStandardWindow",
+             std::string role = "AXWindow") {
+        windows.push_back(elements.addWindow(pid, frame, std::move(title), role, subrole));
+    }
+    void clear() {
+        windows.clear();
+        elements.applications.clear();
+        elements.sets.clear();
     }
 
     WindowMoveOutcome move(const Rect& to = target, std::string liveTitle = "") {
@@ -115,6 +123,7 @@ TEST_F(WindowMoverTest, ChoosesByFrameTitleRoleAndSlotElseTheClearlyNearest) {
         double distance; ///< from the live frame
         const char* title = "";
         const char* subrole = "AXStandardWindow";
+        const char* role = "AXWindow";
     };
     const char* const dialog = "AXDialog";
     const char* const none = "AX target selection failed";
@@ -127,7 +136,6 @@ TEST_F(WindowMoverTest, ChoosesByFrameTitleRoleAndSlotElseTheClearlyNearest) {
         std::optional<std::string> role = {}, subrole = {};
         std::optional<std::int64_t> slot = {};
     } cases[] = {
-        {"the only one at the live frame", "1", {{2.0}, {1.99}}},
         {"title", "0", {{0, "a", dialog}, {0, "b"}, {0, "b", dialog}}, "A"},
         {"role", "1", {{0, "b", dialog}, {0, "b"}}, "gone", "", {}, "AXStandardWindow"},
         {"no slot", "0", {{0, "b"}, {0, "b"}}, "gone", "", {}, "AXStandardWindow"},
@@ -146,22 +154,29 @@ TEST_F(WindowMoverTest, ChoosesByFrameTitleRoleAndSlotElseTheClearlyNearest) {
         {"in any order", "1", {{34, "a"}, {10, "b"}}},
         {"not clearly", none, {{10, "a"}, {33.9, "b"}}},
         {"twins need not be told apart", "0", {{10, "t"}, {20, "t"}}},
+        {"no twins: the subrole", none, {{10, "t"}, {20, "t", dialog}}},
+        {"no twins: the role", none, {{10, "t"}, {20, "t", "AXStandardWindow", "AXSheet"}}},
         {"just near enough", "0", {{160, "a"}, {500, "b"}}},
         {"the other is too far to count", "0", {{150, "a"}, {165, "b"}}},
         {"too far", none, {{160.5, "a"}, {500, "b"}}},
         {"the only one", "0", {{5000, "a"}}},
     };
     for (const auto& test : cases) {
-        windows.clear();
-        elements.applications.clear();
-        elements.sets.clear();
-        for (const auto& [distance, title, subrole] : test.candidates)
-            add(shifted(distance), title, subrole);
+        clear();
+        for (const auto& [distance, title, subrole, role] : test.candidates)
+            add(shifted(distance), title, subrole, role);
         saved.windowTitle = test.savedTitle;
         saved.windowRole = test.role;
         saved.windowSubrole = test.subrole;
         saved.slotIndex = test.slot;
         EXPECT_THAT(moved(test.liveTitle), StartsWith(test.chosen)) << test.situation;
+    }
+    saved = testing::entry("app", "", live);
+    for (const auto number : {&Rect::x, &Rect::y, &Rect::width, &Rect::height}) {
+        clear();
+        add(shifted(2.0, number));
+        add(shifted(1.99, number));
+        EXPECT_EQ(moved(), "1") << "the only one at the live frame";
     }
 }
 
