@@ -1,10 +1,9 @@
-#include "platform/freedesktop/desktop_entry.h"
+#include "platform/applications/desktop_entry.h"
 
 #include "base/text.h"
 #include "fuzz_support.h"
-#include "platform/freedesktop/exec_line.h"
-#include "platform/freedesktop/installed_application.h"
-#include "platform/freedesktop/process_facts.h"
+#include "platform/applications/desktop_entry_index.h"
+#include "platform/applications/process_facts.h"
 
 #include <algorithm>
 

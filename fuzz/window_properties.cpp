@@ -1,6 +1,6 @@
 #include "base/text.h"
 #include "fuzz_support.h"
-#include "platform/freedesktop/application_matcher.h"
+#include "platform/applications/application_matcher.h"
 #include "platform/x11/window_frame.h"
 #include "platform/x11/work_area.h"
 #include "platform/x11/x11_property.h"

@@ -24,7 +24,7 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # What lets Qt draw in a Wayland session; no library names it.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-wayland")
-# Without a session bus there is no single instance; without xdg-open no help page.
+# Without a session bus some panels show no icon; without xdg-open the data folder cannot be opened.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "default-dbus-session-bus | dbus-session-bus, xdg-utils")
 # With it the windows follow the dark style of desktops that are not KDE.
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "qt6-gtk-platformtheme")

@@ -85,6 +85,7 @@ AppDelegate::AppDelegate(const Platform& platform, UserInterfaceFactory& userInt
 void AppDelegate::applicationDidFinishLaunching() {
     reconcileLaunchAtLogin();
     profileListViewModel_.reload();
+    platform_.statusItem.setOnNoStatusArea([this] { showThatItRuns(); });
     if (!statusItemController_)
         statusItemController_ = std::make_unique<StatusItemController>(StatusItemController::Collaborators{
             .permissionStatusViewModel = permissionStatusViewModel_,
@@ -131,11 +132,20 @@ void AppDelegate::reconcileLaunchAtLogin() {
     const bool isEnabled = launchAtLoginService_.isEnabled();
     if (settings->launchAtLogin == isEnabled)
         return;
-    if (settings->launchAtLogin && launchAtLoginService_.enable())
+    if (settings->launchAtLogin && !launchAtLoginService_.isSwitchedOff() && launchAtLoginService_.enable())
         return;
-    // Enabling failed, or the user enabled it elsewhere: the program never disables a login item by itself.
+    // Enabling failed, or the user decided elsewhere: the program never disables a login item by itself.
     settings->launchAtLogin = !settings->launchAtLogin;
     static_cast<void>(settingsStore_.save(*settings));
+}
+
+/// Without a status area nothing is to be seen of the program. Once, the user is shown that it runs.
+void AppDelegate::showThatItRuns() {
+    constexpr auto wasShown = "tavrin.statusArea.absenceWasShown";
+    if (platform_.userDefaults.boolean(wasShown))
+        return;
+    platform_.userDefaults.setBoolean(wasShown, true);
+    settingsWindowController_.show(SettingsPane::layouts);
 }
 
 void AppDelegate::permissionChanged(AccessibilityPermissionState state) {

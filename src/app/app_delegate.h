@@ -33,6 +33,7 @@ public:
 private:
     AppSupportPaths paths() const;
     void reconcileLaunchAtLogin();
+    void showThatItRuns();
     void permissionChanged(AccessibilityPermissionState state);
     void refresh();
     void restoreMatchedDefaultLayout();

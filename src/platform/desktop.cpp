@@ -1,25 +1,25 @@
 #include "platform/desktop.h"
 
 #include "base/text.h"
-#include "platform/freedesktop/bus_addresses.h"
-#include "platform/freedesktop/freedesktop_application_catalog.h"
-#include "platform/freedesktop/freedesktop_link_opener.h"
-#include "platform/freedesktop/freedesktop_system_events.h"
-#include "platform/freedesktop/session_bus_instances.h"
-#include "platform/freedesktop/xdg_autostart_login_item.h"
-#include "platform/freedesktop/xdg_paths.h"
+#include "platform/applications/environment.h"
+#include "platform/applications/freedesktop_application_catalog.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_wall_clock.h"
 #include "platform/qt/qt_application_host.h"
+#include "platform/qt/qt_link_opener.h"
 #include "platform/qt/qt_local_key_monitor.h"
 #include "platform/qt/qt_status_item.h"
 #include "platform/qt/qt_user_defaults.h"
+#include "platform/session_bus/autostart_login_item.h"
+#include "platform/session_bus/display_instances.h"
+#include "platform/session_bus/session_events.h"
 #include "platform/system_event_hub.h"
 #include "platform/windows/window_ports.h"
 #include "platform/windows/window_system_elements.h"
 #include "ports/key_monitors.h"
 #include "ports/session.h"
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
@@ -30,12 +30,14 @@ namespace {
 /// Presses for other applications from the window system, those for the program's own windows from Qt.
 class DesktopKeyMonitors final : public KeyMonitors {
 public:
-    DesktopKeyMonitors(WindowSystem& system, const QtApplicationHost& host) : system_(system), host_(host) {}
+    DesktopKeyMonitors(WindowSystem& system, const QtApplicationHost& host, const SessionEvents& session)
+        : system_(system), host_(host), session_(session) {}
 
     void watch(std::vector<KeyCombo> combos, std::function<void(const KeyEvent&)> pressed) override {
         system_.watchKeys(std::move(combos), [this, pressed = std::move(pressed)](const KeyCombo& combo) {
-            // An open menu of this program takes the keyboard without taking the focus.
-            if (!host_.isActive())
+            // An open menu of this program takes the keyboard without taking the focus. A window system may
+            // show what is typed to unlock the screen, too.
+            if (!host_.isActive() && !session_.isScreenLocked())
                 pressed({.keyCode = combo.keyCode, .modifierFlags = combo.modifiers.rawValue});
         });
     }
@@ -53,6 +55,7 @@ public:
 private:
     WindowSystem& system_;
     const QtApplicationHost& host_;
+    const SessionEvents& session_;
     QtLocalKeyMonitor localMonitor_{[this](std::uint32_t key) { return system_.keyPosition(key); }};
 };
 
@@ -83,19 +86,33 @@ std::filesystem::path helpPage(const std::filesystem::path& program) {
     return std::filesystem::exists(beside) ? beside : std::filesystem::path(TAVRIN_HELP_PAGE);
 }
 
+/// The name in the environment of the display that the program is on.
+std::string displayName() {
+    return environmentVariable(QtProgram::windowProtocol() == "x11" ? "DISPLAY" : "WAYLAND_DISPLAY")
+        .value_or("");
+}
+
 class Desktop final : public OpenedPlatform {
 public:
     Desktop(std::unique_ptr<DesktopToolkit> toolkit, std::unique_ptr<WindowSystem> system)
         : toolkit_(std::move(toolkit)), system_(std::move(system)) {
         observers_.push_back(
             system_->observe(WindowSystemEvent::screensChanged, emit(SystemEvent::screenParametersChanged)));
-        observers_.push_back(
-            system_->observe(WindowSystemEvent::availabilityChanged, emit(SystemEvent::trustMayHaveChanged)));
+        observers_.push_back(system_->observe(WindowSystemEvent::availabilityChanged, [this] {
+            events_.emit(SystemEvent::trustMayHaveChanged);
+            if (heldUnlock_ && trust_.isProcessTrusted()) {
+                heldUnlock_.release();
+                events_.emit(SystemEvent::screenIsUnlocked);
+            }
+        }));
         observers_.push_back(system_->observe(WindowSystemEvent::connectionLost, [this] {
             std::fprintf(stderr, "tavrin: the connection to the window system is lost\n");
             toolkit_->program.exit(EXIT_FAILURE);
         }));
         observers_.push_back(host_.observeDidBecomeActive(emit(SystemEvent::didBecomeActive)));
+        constexpr std::chrono::milliseconds patience{500};
+        sessionBus_.open(patience);
+        systemBus_.open();
     }
 
     const Platform& platform() override { return platform_; }
@@ -103,9 +120,7 @@ public:
     int run() override { return toolkit_->program.run(); }
 
     void setOnActivate(std::function<void()> handler) override {
-        if (!handler)
-            return instances_.setOnActivate({});
-        instances_.setOnActivate([handler = std::move(handler)](const std::string&) { handler(); });
+        instances_.setOnActivate(std::move(handler));
     }
 
 private:
@@ -113,20 +128,33 @@ private:
         return [this, event] { events_.emit(event); };
     }
 
+    /// At login this program may run before the window manager, without which nothing can be restored: the
+    /// event is kept for it, for a while.
+    void sessionEvent(SystemEvent event) {
+        constexpr Seconds untilWindowManager{60};
+        if (event == SystemEvent::screenIsUnlocked && !trust_.isProcessTrusted())
+            heldUnlock_ = toolkit_->scheduler.after(untilWindowManager, [this] { heldUnlock_.release(); });
+        else
+            events_.emit(event);
+    }
+
     std::unique_ptr<DesktopToolkit> toolkit_;
     std::unique_ptr<WindowSystem> system_;
     QtApplicationHost host_{toolkit_->program.application()};
     SystemEventHub events_;
     FreedesktopApplicationCatalog catalog_;
-    FreedesktopSystemEvents sessionEvents_{{}, [this](SystemEvent event) { events_.emit(event); }};
+    BusLink systemBus_{busAddresses().system};
+    BusLink sessionBus_{busAddresses().session};
+    SessionEvents sessionEvents_{systemBus_, sessionBus_, environmentVariable("XDG_SESSION_ID"),
+                                 [this](SystemEvent event) { sessionEvent(event); }};
     QtUserDefaults defaults_;
     PosixFileSystem fileSystem_;
     SystemWallClock clock_;
-    QtStatusItem statusItem_;
-    XdgAutostartLoginItem loginItem_{fileSystem_, host_.bundlePath()};
-    SessionBusInstances instances_{busAddresses().session, getpid()};
-    FreedesktopLinkOpener links_{helpPage(host_.bundlePath()), busAddresses().session};
-    DesktopKeyMonitors keyMonitors_{*system_, host_};
+    QtStatusItem statusItem_{sessionBus_};
+    AutostartLoginItem loginItem_{fileSystem_, host_.bundlePath()};
+    DisplayInstances instances_{sessionBus_, instanceLock(displayName()), getpid()};
+    QtLinkOpener links_{helpPage(host_.bundlePath()), [this] { return catalog_.canOpenPages(); }};
+    DesktopKeyMonitors keyMonitors_{*system_, host_, sessionEvents_};
     SessionInformation information_{*system_};
     ListedWindows windows_{*system_, catalog_, toolkit_->scheduler};
     WindowSystemScreens screens_{windows_};
@@ -150,11 +178,12 @@ private:
                        .statusItem = statusItem_,
                        .applicationHost = host_,
                        .linkOpener = links_,
-                       .applicationSupportDirectory = XdgPaths{}.dataHome(),
+                       .applicationSupportDirectory = QtProgram::dataFolder(),
                        .processIdentifier = getpid(),
                        .applicationCatalog = catalog_,
                        .desktopInformation = information_};
     std::vector<Token> observers_;
+    Token heldUnlock_;
 };
 
 } // namespace

@@ -1,9 +1,7 @@
 #pragma once
 
 #include "platform/open_platform.h"
-#include "platform/qt/qt_event_loop.h"
-#include "platform/qt/qt_program.h"
-#include "platform/qt/qt_scheduler.h"
+#include "platform/qt/qt_runtime.h"
 #include "platform/windows/window_system.h"
 
 namespace tavrin {

@@ -66,8 +66,8 @@ class StatusItemSurface {
 public:
     virtual ~StatusItemSurface() = default;
 
-    /// Shows the icon drawing with that name as a template image, tinted to suit a light or dark panel, and
-    /// removes any title. False, and nothing changes, when there is no such drawing.
+    /// Shows the icon drawing with that name as a template image, in colours that suit a light or dark panel,
+    /// and removes any title. False, and nothing changes, when there is no such drawing.
     virtual bool setTemplateImage(const std::string& name) = 0;
 
     /// Shows a short text in place of the icon.
@@ -85,6 +85,9 @@ public:
 
     /// Makes the item visible. Where there is no status area (yet), the item appears as soon as there is.
     virtual void show() = 0;
+
+    /// `handler` is called when some seconds after `show` there still is no status area.
+    virtual void setOnNoStatusArea(std::function<void()> handler) = 0;
 };
 
 } // namespace tavrin

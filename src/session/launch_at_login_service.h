@@ -11,6 +11,9 @@ public:
 
     bool isEnabled() { return loginItem_.status() == LoginItemStatus::enabled; }
 
+    /// The user has switched it off outside of the program, in the desktop's own settings.
+    bool isSwitchedOff() { return loginItem_.status() == LoginItemStatus::requiresApproval; }
+
     /// Does nothing when the state is the wanted one already; the platform's error otherwise passes on.
     std::expected<void, PlatformError> enable() {
         return isEnabled() ? std::expected<void, PlatformError>{} : loginItem_.registerItem();

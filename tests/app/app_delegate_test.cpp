@@ -121,21 +121,40 @@ TEST_F(AppDelegateTest, ResetsOldDataBeforeAnythingReadsIt) {
 
 TEST_F(AppDelegateTest, AgreesWithTheSystemOnLaunchAtLogin) {
     struct Case {
-        bool saved, enabled, fails;
+        bool saved;
+        LoginItemStatus status;
+        bool fails;
         bool savedAfter, enabledAfter;
     };
-    for (const Case& c : {Case{false, false, false, false, false}, Case{false, true, false, true, true},
-                          Case{true, false, false, true, true}, Case{true, false, true, false, false},
-                          Case{true, true, true, true, true}}) {
+    using enum LoginItemStatus;
+    for (const Case& c :
+         {Case{false, notRegistered, false, false, false},
+          Case{false, LoginItemStatus::enabled, false, true, true},
+          Case{true, notRegistered, false, true, true}, Case{true, notRegistered, true, false, false},
+          Case{true, LoginItemStatus::enabled, true, true, true},
+          // Switched off in the desktop's own settings.
+          Case{true, requiresApproval, false, false, false},
+          Case{false, requiresApproval, false, false, false}}) {
         ASSERT_TRUE(settings.save({.launchAtLogin = c.saved}));
-        loginItem.current = c.enabled ? LoginItemStatus::enabled : LoginItemStatus::notRegistered;
+        loginItem.current = c.status;
         loginItem.fails = c.fails;
         files.log.clear();
         AppDelegate delegate{platform, interface};
         delegate.applicationDidFinishLaunching();
-        EXPECT_EQ(settings.load()->launchAtLogin, c.savedAfter) << c.saved << c.enabled << c.fails;
+        EXPECT_EQ(settings.load()->launchAtLogin, c.savedAfter) << c.saved << int(c.status) << c.fails;
         EXPECT_EQ(loginItem.current == LoginItemStatus::enabled, c.enabledAfter);
         EXPECT_EQ(files.log.empty(), c.saved == c.savedAfter) << "written only when it changed";
+    }
+}
+
+TEST_F(AppDelegateTest, ShowsOnceThatItRunsWhereNoIconCan) {
+    for (const bool isFirst : {true, false}) {
+        AppDelegate delegate{platform, interface};
+        delegate.applicationDidFinishLaunching();
+        ASSERT_TRUE(item.noStatusArea);
+        host.log.clear();
+        item.noStatusArea();
+        EXPECT_EQ(host.log.empty(), !isFirst);
     }
 }
 

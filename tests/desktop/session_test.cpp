@@ -3,6 +3,7 @@
 #include "support/desktop/login_manager.h"
 #include "support/desktop/mouse.h"
 
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <gmock/gmock.h>
@@ -129,6 +130,10 @@ TEST_F(SessionTest, TheMenuTellsTheStateItemByItem) {
                                 "* Open Accessibility Settings [,]\n"
                                 "* Recheck Permission [r]\n" +
                                     foot);
+    EXPECT_EQ(tray().toolTip(), "Tavrin");
+    // No browser is installed, so the program shows the page itself.
+    ASSERT_TRUE(tray().choose({"Open Accessibility Settings"}));
+    EXPECT_TRUE(waitUntil([&] { return program().formArea().has_value(); }));
 
     ASSERT_TRUE(tray().choose({"Quit Tavrin"}));
     EXPECT_EQ(program().process().waitForExit(), 0);
@@ -249,6 +254,16 @@ TEST_F(SessionTest, WakingAndUnlockingRestoreWhenTheUserWantsIt) {
     unlock();
     EXPECT_TRUE(program().waitForFeedback());
     EXPECT_EQ(seen(window()), saved) << "after unlocking";
+
+    // A start at login, where the window manager comes later.
+    ASSERT_TRUE(program().waitForRest() && tray().choose({"Quit Tavrin"}));
+    ASSERT_EQ(program().process().waitForExit(), 0);
+    ASSERT_TRUE(windows().place(window(), {120, 140, 360, 280}));
+    desktop().stopWindowManager();
+    logind.beginSession();
+    ASSERT_TRUE(program().start() && desktop().startWindowManager());
+    expectOneRestore();
+    EXPECT_EQ(seen(window()), saved) << "after logging in";
 }
 
 TEST_F(SessionTest, AShortcutWorksWhileAnotherApplicationHasTheKeyboard) {
@@ -267,6 +282,8 @@ TEST_F(SessionTest, AShortcutWorksWhileAnotherApplicationHasTheKeyboard) {
     settings["layoutShortcuts"] =
         QJsonObject{{layout, QJsonObject{{"keyCode", keyR}, {"modifiers", control}}}};
     ASSERT_TRUE(program().setPayload("settings.json", settings));
+    LoginManager logind(desktop().systemBus().connection());
+    ASSERT_TRUE(logind.appear());
     ASSERT_TRUE(program().start());
     EXPECT_THAT(program().menu(), HasSubstr("* Desk (auto) [Control+R]"));
 
@@ -275,6 +292,12 @@ TEST_F(SessionTest, AShortcutWorksWhileAnotherApplicationHasTheKeyboard) {
         const auto pid = windows().processWithKeyboard();
         return pid != 0 && pid != program().process().pid();
     }));
+    logind.lock();
+    ASSERT_FALSE(program().menu().empty()); // it has heard of the lock by now
+    EXPECT_TRUE(desktop().keyboard().pressWith(Keyboard::controlKey, 'r'));
+    expectNoRestore();
+    logind.unlock();
+    ASSERT_FALSE(program().menu().empty());
     EXPECT_TRUE(desktop().keyboard().pressWith(Keyboard::controlKey, 'r'));
     EXPECT_TRUE(program().waitForFeedback());
     EXPECT_EQ(seen(window()), saved);
@@ -284,10 +307,34 @@ TEST_F(SessionTest, ASecondCopyHandsOverAndAKilledOneLeavesNothingInTheWay) {
     begin({});
     ASSERT_TRUE(program().start());
     TavrinProgram second(desktop());
-    ASSERT_TRUE(second.launch());
-    EXPECT_EQ(second.process().waitForExit(), 0);
+    // One that is started in the same moment leaves the first alone: the user asked once.
+    for (int attempt = 0; attempt < 10 && !windows().find("Tavrin Settings"); ++attempt) {
+        ASSERT_TRUE(second.launch());
+        EXPECT_EQ(second.process().waitForExit(), 0);
+        waitUntil([&] { return windows().find("Tavrin Settings").has_value(); },
+                  std::chrono::milliseconds(300));
+    }
+    EXPECT_TRUE(windows().find("Tavrin Settings")) << "the first is brought forward";
     EXPECT_TRUE(program().process().isRunning());
     EXPECT_THAT(program().menu(), HasSubstr("Quit Tavrin"));
+
+    // A test host's copy and one on another display of the user run beside it.
+    XServer otherServer;
+    const auto folder = desktop().logs() + "/other";
+    ASSERT_TRUE(QDir().mkpath(folder) && otherServer.start(folder, desktop().environment()));
+    for (const auto* variable : {"XCTestConfigurationFilePath=x", "DISPLAY="}) {
+        auto setting = QString(variable);
+        if (setting.endsWith('='))
+            setting += otherServer.display();
+        tray().disappear();
+        ASSERT_TRUE(tray().appear() && tray().waitForItem());
+        const auto first = tray().item();
+        const auto beside = desktop().startProgram("env", {setting, TAVRIN_PROGRAM_PATH});
+        EXPECT_TRUE(waitUntil([&] { return tray().item() != first; })) << variable;
+        EXPECT_TRUE(beside->isRunning() && program().process().isRunning());
+    }
+    tray().disappear();
+    ASSERT_TRUE(tray().appear() && tray().waitForItem());
 
     program().process().kill();
     ASSERT_TRUE(waitUntil([&] { return !tray().hasItem(); }));

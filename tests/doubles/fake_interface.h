@@ -37,6 +37,8 @@ struct FakeStatusItem : StatusItemSurface {
         willOpen = std::move(open);
         chosen = std::move(choose);
     }
+    void setOnNoStatusArea(std::function<void()> handler) override { noStatusArea = std::move(handler); }
+    std::function<void()> noStatusArea;
     void show() override { isShown = true; }
 };
 

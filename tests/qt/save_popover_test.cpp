@@ -1,4 +1,4 @@
-#include "platform/qt/icon_resources.h"
+#include "platform/qt/panel_icon.h"
 #include "qt/qt_application.h"
 #include "ui/qt/save_popover.h"
 
@@ -38,7 +38,7 @@ TEST(PopoverPlacementTest, StandsBesideItsAnchorInsideTheScreen) {
 
 struct SavePopoverTest : testing::Test {
     SavePopoverTest() {
-        registerIconResources();
+        registerResources();
         open();
     }
 
@@ -146,7 +146,7 @@ struct Host : ApplicationHost {
 };
 
 TEST(QtSavePopoverTest, ShowsOneAtATimeAndMayBeClosedByItsOwnAnswer) {
-    registerIconResources();
+    registerResources();
     Host host;
     QtSavePopover popover(host, [] { return Rect{700, 2, 20, 20}; });
     int cancelled = 0;

@@ -1,4 +1,4 @@
-#include "platform/qt/icon_resources.h"
+#include "platform/qt/panel_icon.h"
 #include "qt/qt_application.h"
 #include "ui/qt/controls/labels.h"
 #include "ui/qt/controls/question_sheet.h"
@@ -30,7 +30,7 @@ protected:
     QtSettingsWindow surface{collaborators};
     QWidget* window = nullptr;
 
-    SettingsWindowTest() { registerIconResources(); }
+    SettingsWindowTest() { registerResources(); }
 
     void show(SettingsPane pane,
               SettingsWindowSurface::ResetNotice notice = SettingsWindowSurface::ResetNotice::hidden) {

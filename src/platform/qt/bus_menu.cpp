@@ -3,7 +3,20 @@
 #include <QGuiApplication>
 #include <QTimer>
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
 namespace tavrin {
+namespace {
+
+/// The properties that a panel asks for; there are fewer kinds than this.
+QStringList bounded(const QStringList& names) {
+    constexpr qsizetype mostNames = 32;
+    return names.first(std::min(names.size(), mostNames));
+}
+
+} // namespace
 
 BusMenu::BusMenu(std::function<void()> willOpen, std::function<void(const MenuItem&)> chosen)
     : willOpen_(std::move(willOpen)), chosen_(std::move(chosen)) {
@@ -24,24 +37,32 @@ QString BusMenu::textDirection() const {
 
 uint BusMenu::GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames,
                         BusMenuLayout& layout) const {
-    layout = tree_.contains(parentId) ? tree_.layout(parentId, recursionDepth, propertyNames)
+    layout = tree_.contains(parentId) ? tree_.layout(parentId, recursionDepth, bounded(propertyNames))
                                       : BusMenuLayout{parentId, {}, {}};
     return revision_;
+}
+
+std::set<int> BusMenu::known(const QList<int>& ids) const {
+    std::set<int> known;
+    for (const int id : ids)
+        if (tree_.contains(id))
+            known.insert(id);
+    return known;
 }
 
 QList<BusMenuItem> BusMenu::GetGroupProperties(const QList<int>& ids,
                                                const QStringList& propertyNames) const {
     QList<BusMenuItem> items;
-    const auto add = [&](int id) {
-        if (tree_.contains(id))
-            items.append({id, tree_.properties(id, propertyNames)});
+    const auto add = [&, names = bounded(propertyNames)](int id) {
+        items.append({id, tree_.properties(id, names)});
     };
     if (ids.isEmpty()) {
         add(BusMenuTree::root);
         for (const int id : tree_.ids())
             add(id);
     }
-    for (const int id : ids)
+    // A peer may send any number of numbers; each item is in the answer once.
+    for (const int id : known(ids))
         add(id);
     return items;
 }
@@ -66,7 +87,8 @@ void BusMenu::Event(int id, const QString& eventId, const QDBusVariant&, uint) {
 
 QList<int> BusMenu::EventGroup(const QList<BusMenuEvent>& events) {
     QList<int> unknown;
-    for (const auto& [id, event, data, timestamp] : events) {
+    constexpr qsizetype mostEvents = 64; // a panel sends two or three
+    for (const auto& [id, event, data, timestamp] : events.first(std::min(events.size(), mostEvents))) {
         if (tree_.contains(id))
             Event(id, event, data, timestamp);
         else
@@ -85,13 +107,12 @@ bool BusMenu::AboutToShow(int id) {
 }
 
 QList<int> BusMenu::AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors) {
+    const auto shown = known(ids);
+    std::ranges::copy_if(ids, std::back_inserter(idErrors), [&](int id) { return !shown.contains(id); });
     QList<int> needUpdate;
-    for (const int id : ids) {
-        if (!tree_.contains(id))
-            idErrors.append(id);
-        else if (AboutToShow(id))
+    for (const int id : shown)
+        if (AboutToShow(id))
             needUpdate.append(id);
-    }
     return needUpdate;
 }
 

@@ -5,6 +5,11 @@
 #include <QObject>
 
 #include <functional>
+#include <set>
+
+// Qt has a menu for panels too, but only inside its own tray icon, which decides once per process whether
+// there is a panel on the bus and numbers the items anew whenever the menu changes: a click that crosses the
+// change would hit something else. So the menu protocol is served here.
 
 namespace tavrin {
 
@@ -47,6 +52,8 @@ Q_SIGNALS:
     Q_SCRIPTABLE void ItemActivationRequested(int id, uint timestamp);
 
 private:
+    /// Those of the numbers that are in the menu, each once.
+    std::set<int> known(const QList<int>& ids) const;
     void choose(int id);
 
     std::function<void()> willOpen_;

@@ -1,6 +1,6 @@
 #include "platform/qt/qt_application_host.h"
 
-#include "platform/qt/icon_resources.h"
+#include "platform/qt/panel_icon.h"
 
 #include <QApplication>
 #include <QFile>
@@ -48,7 +48,7 @@ QtApplicationHost::QtApplicationHost(QApplication& application) {
     // The application name is what Qt makes the window class of.
     application.setApplicationName(applicationId);
     application.setDesktopFileName(applicationId);
-    registerIconResources();
+    registerResources();
     application.setWindowIcon(
         QIcon::fromTheme(applicationId, QIcon(QStringLiteral(":/icons/org.tavrin.Tavrin.svg"))));
 

@@ -1,12 +1,15 @@
 #include "platform/qt/qt_status_item.h"
 
 #include "platform/qt/menu_text.h"
+#include "platform/qt/panel_icon.h"
 
 #include <QGuiApplication>
 #include <QScreen>
 #include <fmt/format.h>
 
+#include <chrono>
 #include <cstdio>
+#include <utility>
 
 namespace tavrin {
 namespace {
@@ -24,31 +27,38 @@ QPoint fromPixels(QPoint pixels) {
 
 } // namespace
 
-QtStatusItem::QtStatusItem()
-    : panelShade_([this] { showIcon(); }),
-      busMenu_([this] { willOpen(); }, [this](const MenuItem& item) { chosen(item); }),
-      popUpMenu_([this](const MenuItem& item) { chosen(item); }) {
+QtStatusItem::QtStatusItem(BusLink& sessionBus)
+    : busMenu_([this] { willOpen(); }, [this](const MenuItem& item) { chosen(item); }),
+      popUpMenu_([this](const MenuItem& item) { chosen(item); }),
+      notifier_(sessionBus, busMenu_, [this](QPoint position) {
+          lastActivation_ = fromPixels(position);
+          popUpMenu(*lastActivation_);
+      }) {
     QObject::connect(&popUpMenu_, &QMenu::aboutToShow, &popUpMenu_, [this] { willOpen(); });
+    panelTime_.setSingleShot(true);
+    QObject::connect(&panelTime_, &QTimer::timeout, &panelTime_, [this] {
+        if (embeddedIcon_ && !QSystemTrayIcon::isSystemTrayAvailable() && noStatusArea_)
+            noStatusArea_();
+    });
 }
 
 bool QtStatusItem::setTemplateImage(const std::string& name) {
     const auto drawing = QString::fromStdString(name);
-    if (!hasTemplateImage(drawing))
+    if (!hasDrawing(drawing))
         return false;
-    icon_ = [drawing](Shade shade) { return templateIcon(drawing, shade); };
+    icon_ = panelIcon(drawing);
     showIcon();
     return true;
 }
 
 void QtStatusItem::setTitle(const std::string& title) {
-    icon_ = [text = menuTitle(title)](Shade shade) { return textIcon(text, shade); };
+    icon_ = panelTextIcon(menuTitle(title));
     showIcon();
 }
 
 void QtStatusItem::setToolTip(const std::string& text) {
     toolTip_ = menuTitle(text);
-    if (notifierItem_)
-        notifierItem_->setToolTip(toolTip_);
+    notifier_.setToolTip(toolTip_);
     if (embeddedIcon_)
         embeddedIcon_->setToolTip(toolTip_);
 }
@@ -65,49 +75,51 @@ void QtStatusItem::setMenuCallbacks(std::function<void()> willOpen,
 }
 
 void QtStatusItem::show() {
-    if (!hosts_)
-        hosts_ = std::make_unique<StatusNotifierHosts>(
-            [this](StatusNotifierHosts::Presence presence) { panelsChanged(presence); });
+    notifier_.show([this](StatusNotifier::Presence presence) { panelsChanged(presence); });
+}
+
+std::optional<QRect> QtStatusItem::embeddedPlace() const {
+    if (!embeddedIcon_ || !embeddedIcon_->isVisible() || embeddedIcon_->geometry().isEmpty() ||
+        !QSystemTrayIcon::isSystemTrayAvailable())
+        return {};
+    return embeddedIcon_->geometry();
 }
 
 std::optional<Rect> QtStatusItem::anchor() const {
-    const auto geometry = embeddedIcon_ ? embeddedIcon_->geometry() : std::nullopt;
-    if (geometry)
-        return Rect{static_cast<double>(geometry->x()), static_cast<double>(geometry->y()),
-                    static_cast<double>(geometry->width()), static_cast<double>(geometry->height())};
+    if (const auto place = embeddedPlace())
+        return Rect{double(place->x()), double(place->y()), double(place->width()), double(place->height())};
     if (lastActivation_)
-        return Rect{static_cast<double>(lastActivation_->x()), static_cast<double>(lastActivation_->y()), 1,
-                    1};
+        return Rect{double(lastActivation_->x()), double(lastActivation_->y()), 1, 1};
     return {};
 }
 
-void QtStatusItem::panelsChanged(StatusNotifierHosts::Presence presence) {
-    if (presence == StatusNotifierHosts::Presence::present) {
-        if (embeddedIcon_)
-            embeddedIcon_->hide();
-        if (!notifierItem_) {
-            notifierItem_ = std::make_unique<StatusNotifierItem>(busMenu_, [this](QPoint position) {
-                lastActivation_ = fromPixels(position);
-                popUpMenu(*lastActivation_);
-            });
-            notifierItem_->setToolTip(toolTip_);
-        }
-        showIcon();
-        notifierItem_->registerWithPanels();
-        return;
-    }
+void QtStatusItem::panelsChanged(StatusNotifier::Presence presence) {
+    if (presence == StatusNotifier::Presence::absent)
+        return showEmbedded();
+    embeddedIcon_.reset();
+    panelTime_.stop();
+    wasAbsenceReported_ = true; // later on, the user knows the program
+}
+
+void QtStatusItem::showEmbedded() {
     if (!embeddedIcon_) {
-        embeddedIcon_ = std::make_unique<EmbeddedTrayIcon>(panelShade_.shade(), [this] {
-            const auto place = embeddedIcon_->geometry();
-            popUpMenu(place ? place->topLeft() : QCursor::pos());
-        });
+        embeddedIcon_ = std::make_unique<QSystemTrayIcon>(icon_);
+        QObject::connect(embeddedIcon_.get(), &QSystemTrayIcon::activated, &popUpMenu_,
+                         [this](QSystemTrayIcon::ActivationReason reason) {
+                             if (reason != QSystemTrayIcon::Trigger && reason != QSystemTrayIcon::Context)
+                                 return;
+                             const auto place = embeddedPlace();
+                             popUpMenu(place ? place->topLeft() : QCursor::pos());
+                         });
         embeddedIcon_->setToolTip(toolTip_);
     }
-    showIcon();
     embeddedIcon_->show();
-    if (!EmbeddedTrayIcon::isPanelThere() && !std::exchange(noTrayWasReported_, true))
-        fmt::print(stderr,
-                   "tavrin: this desktop has no status area; the icon appears as soon as there is one\n");
+    if (QSystemTrayIcon::isSystemTrayAvailable() || std::exchange(wasAbsenceReported_, true))
+        return;
+    // At login the panel may start later than this program.
+    constexpr std::chrono::seconds panelStart{5};
+    panelTime_.start(panelStart);
+    fmt::print(stderr, "tavrin: this desktop has no status area; the icon appears as soon as there is one\n");
 }
 
 void QtStatusItem::popUpMenu(QPoint position) {
@@ -116,17 +128,12 @@ void QtStatusItem::popUpMenu(QPoint position) {
 }
 
 void QtStatusItem::showIcon() {
-    if (!icon_)
-        return;
-    if (notifierItem_)
-        notifierItem_->setIcon(icon_(panelShade_.shade()));
+    notifier_.setIcon(icon_);
     if (embeddedIcon_)
         embeddedIcon_->setIcon(icon_);
 }
 
 void QtStatusItem::willOpen() {
-    if (embeddedIcon_)
-        embeddedIcon_->checkShade();
     if (willOpen_)
         willOpen_();
 }

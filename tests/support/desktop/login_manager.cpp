@@ -24,9 +24,15 @@ bool LoginManager::handleMessage(const QDBusMessage& message, const QDBusConnect
     const QString method = message.member();
     if (method == "GetSession" || method == "GetSessionByPID")
         return connection.send(message.createReply(QVariant::fromValue(QDBusObjectPath(sessionPath))));
-    if (method == "Get" && message.arguments().value(1) == QVariant("LockedHint"))
-        return connection.send(message.createReply(QVariant::fromValue(QDBusVariant(isLocked_))));
+    if (method == "GetAll")
+        return connection.send(message.createReply(
+            QVariantMap{{"LockedHint", isLocked_}, {"TimestampMonotonic", qulonglong(begin_.count())}}));
     return false;
+}
+
+void LoginManager::beginSession() {
+    begin_ = std::chrono::duration_cast<std::chrono::microseconds>(
+        std::chrono::steady_clock::now().time_since_epoch());
 }
 
 void LoginManager::sleepAndWake() {

@@ -3,6 +3,8 @@
 #include <QDBusConnection>
 #include <QDBusVirtualObject>
 
+#include <chrono>
+
 namespace tavrin::desktop {
 
 /// Stands in for logind on the private system bus: one session, in which everybody is, and what logind tells
@@ -12,6 +14,8 @@ public:
     explicit LoginManager(QDBusConnection bus) : bus_(std::move(bus)) {}
 
     bool appear();
+    /// The session begins now; before, it is as old as the computer.
+    void beginSession();
     void sleepAndWake();
     void lock() { setLocked(true); }
     void unlock() { setLocked(false); }
@@ -23,6 +27,7 @@ private:
     void setLocked(bool isLocked);
 
     QDBusConnection bus_;
+    std::chrono::microseconds begin_{1};
     bool isLocked_ = false;
 };
 

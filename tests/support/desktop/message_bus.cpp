@@ -6,13 +6,15 @@
 #include <QDBusPendingCallWatcher>
 #include <QFile>
 
+#include <memory>
+
 namespace tavrin::desktop {
 
 namespace {
 
 constexpr auto configuration = R"(<busconfig>
   <type>session</type>
-  <listen>unix:dir=%1</listen>
+  <listen>unix:path=%1</listen>
   <auth>EXTERNAL</auth>
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
@@ -31,22 +33,32 @@ MessageBus::~MessageBus() {
 
 bool MessageBus::start(const QString& name, const QString& directory,
                        const QProcessEnvironment& environment) {
-    const QString configurationFile = directory + "/" + name + ".conf";
-    QFile file(configurationFile);
+    QFile file(directory + "/" + name + ".conf");
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    file.write(QString(configuration).arg(directory).toUtf8());
+    file.write(QString(configuration).arg(directory + "/" + name).toUtf8());
     file.close();
-    if (!daemon_.start("dbus-daemon",
-                       {"--config-file=" + configurationFile, "--nofork", "--nopidfile", "--print-address=1"},
-                       environment, directory + "/" + name + ".log", Process::Output::readHere))
-        return false;
-    const auto address = daemon_.readLine();
-    if (!address)
-        return false;
-    address_ = QString::fromStdString(*address);
-    connectionName_ = "harness-" + name;
-    return QDBusConnection::connectToBus(address_, connectionName_).isConnected();
+    start_ = [this, name, environment, configurationFile = file.fileName()] {
+        daemon_ = std::make_unique<Process>();
+        if (!daemon_->start(
+                "dbus-daemon",
+                {"--config-file=" + configurationFile, "--nofork", "--nopidfile", "--print-address=1"},
+                environment, configurationFile + ".log", Process::Output::readHere))
+            return false;
+        const auto address = daemon_->readLine();
+        if (!address)
+            return false;
+        address_ = QString::fromStdString(*address);
+        if (!connectionName_.isEmpty())
+            QDBusConnection::disconnectFromBus(connectionName_);
+        connectionName_ = QString("harness-%1-%2").arg(name).arg(daemon_->pid());
+        return QDBusConnection::connectToBus(address_, connectionName_).isConnected();
+    };
+    return start_();
+}
+
+void MessageBus::stop() {
+    daemon_->kill();
 }
 
 QDBusMessage callAndServe(QDBusConnection connection, const QDBusMessage& call) {

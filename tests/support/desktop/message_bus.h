@@ -5,6 +5,9 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 
+#include <functional>
+#include <memory>
+
 namespace tavrin::desktop {
 
 /// A private D-Bus daemon on which everything is allowed and nothing is started on demand.
@@ -15,12 +18,18 @@ public:
     /// `name` tells the buses of one desktop apart; files go into `directory`.
     bool start(const QString& name, const QString& directory, const QProcessEnvironment& environment);
 
+    /// The daemon dies.
+    void stop();
+    /// A new daemon at the old place; `connection` is another one from then on.
+    bool restart() { return start_(); }
+
     const QString& address() const { return address_; }
     /// The harness's connection to it.
     QDBusConnection connection() const { return QDBusConnection(connectionName_); }
 
 private:
-    Process daemon_;
+    std::function<bool()> start_;
+    std::unique_ptr<Process> daemon_;
     QString address_;
     QString connectionName_;
 };

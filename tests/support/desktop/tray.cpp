@@ -149,6 +149,22 @@ QVariant Tray::property(const QString& name) const {
     return reply.arguments().first().value<QDBusVariant>().variant();
 }
 
+std::string Tray::toolTip() const {
+    const auto argument = property("ToolTip").value<QDBusArgument>();
+    if (argument.currentSignature() != "(sa(iiay)ss)")
+        return {};
+    QString iconName, title, text;
+    argument.beginStructure();
+    argument >> iconName;
+    argument.beginArray();
+    while (!argument.atEnd())
+        argument.asVariant();
+    argument.endArray();
+    argument >> title >> text;
+    argument.endStructure();
+    return title.toStdString();
+}
+
 std::string Tray::picture() const {
     // A change that is announced while the answer is on its way makes the answer stale.
     std::string drawn;

@@ -48,6 +48,9 @@ public:
     /// Waits until a program has put its item here.
     bool waitForItem();
     bool hasItem() const { return !service_.isEmpty(); }
+    /// The connection of the program whose item is here.
+    const QString& item() const { return service_; }
+    std::string toolTip() const;
 
     /// A property of the item, such as "Status"; invalid when it does not answer.
     QVariant property(const QString& name) const;

@@ -77,7 +77,7 @@ QWidget* AppsPaneWidget::makeExcludedRow(const ListedApplication& application) {
     const QString name = QStringLiteral("Remove ") + qText(application.bundleIdentifier);
     auto* button = new SymbolButton(QStringLiteral("minus.circle.fill"), name, SymbolButton::Ground::onHover,
                                     warningColor(palette()));
-    button->setToolTip(name);
+    button->setToolTip(Qt::convertFromPlainText(name)); // any program may call itself anything
     connect(button, &QToolButton::clicked, this, [this, bundleID = application.bundleIdentifier] {
         const std::string removed = bundleID;
         field_->setFocus();
