@@ -141,33 +141,35 @@ void BareClient::awaitWindowManager() {
     }
 }
 
-Rect BareClient::clientArea(xcb_window_t window) {
-    const auto sizeCookie = xcb_get_geometry(connection_, window);
-    const auto originCookie = xcb_translate_coordinates(connection_, window, root_, 0, 0);
-    const Reply<xcb_get_geometry_reply_t> size{xcb_get_geometry_reply(connection_, sizeCookie, nullptr)};
-    const Reply<xcb_translate_coordinates_reply_t> origin{
-        xcb_translate_coordinates_reply(connection_, originCookie, nullptr)};
-    return size && origin
-               ? Rect{double(origin->dst_x), double(origin->dst_y), double(size->width), double(size->height)}
-               : Rect{};
-}
-
-std::size_t BareClient::moveConfirmed(const std::map<xcb_window_t, Rect>& places) {
-    constexpr std::uint32_t position = 0x300, size = 0xc00;
-    std::size_t there = 0;
-    for (const auto& window : windows()) {
-        const auto place = places.find(window.id);
-        if (place == places.end())
-            continue;
-        Rect client;
-        for (const auto parts : {position, size}) {
-            ask(window.id, parts, place->second, window);
-            awaitWindowManager();
-            client = clientArea(window.id);
+std::size_t BareClient::placeTogether(const std::map<xcb_window_t, Rect>& places) {
+    constexpr std::uint32_t allParts = 0xf00;
+    struct Asked {
+        const Window& window;
+        const Rect& place;
+        xcb_get_geometry_cookie_t size{};
+        xcb_translate_coordinates_cookie_t origin{};
+    };
+    const auto known = windows();
+    std::vector<Asked> asked;
+    for (const auto& window : known)
+        if (const auto place = places.find(window.id); place != places.end()) {
+            ask(window.id, allParts, place->second, window);
+            asked.push_back({window, place->second});
         }
-        const auto [left, right, top, bottom] = window.frame;
-        there += client == Rect{place->second.x + left, place->second.y + top,
-                                place->second.width - left - right, place->second.height - top - bottom};
+    awaitWindowManager();
+    for (auto& one : asked) {
+        one.size = xcb_get_geometry(connection_, one.window.id);
+        one.origin = xcb_translate_coordinates(connection_, one.window.id, root_, 0, 0);
+    }
+    std::size_t there = 0;
+    for (const auto& one : asked) {
+        const Reply<xcb_get_geometry_reply_t> size{xcb_get_geometry_reply(connection_, one.size, nullptr)};
+        const Reply<xcb_translate_coordinates_reply_t> origin{
+            xcb_translate_coordinates_reply(connection_, one.origin, nullptr)};
+        const auto [left, right, top, bottom] = one.window.frame;
+        there += size && origin && origin->dst_x == one.place.x + left &&
+                 origin->dst_y == one.place.y + top && size->width == one.place.width - left - right &&
+                 size->height == one.place.height - top - bottom;
     }
     return there;
 }

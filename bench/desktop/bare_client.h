@@ -30,14 +30,13 @@ public:
     /// Every listed window with what a window list needs to know of it: two round trips.
     std::vector<Window> windows();
 
-    /// Has the window manager first move and then resize each window so that the user sees it there, reading
-    /// back after each step once the window manager has done it. How many ended at their place.
-    std::size_t moveConfirmed(const std::map<xcb_window_t, Rect>& places);
+    /// Has the window manager place all windows so that the user sees them there, with all requests on their
+    /// way at once, and reads all of them back once it has. How many ended at their place.
+    std::size_t placeTogether(const std::map<xcb_window_t, Rect>& places);
 
 private:
     void ask(xcb_window_t window, std::uint32_t parts, const Rect& place, const Window& known);
     void awaitWindowManager();
-    Rect clientArea(xcb_window_t window);
     xcb_atom_t atom(const char* name);
 
     xcb_connection_t* connection_;

@@ -133,9 +133,14 @@ TEST_F(FaultTest, FiveHundredWindowsAreSavedAndRestored) {
     startAll();
     std::vector<xcb_window_t> all;
     std::vector<Rect> saved;
-    for (int i = 0; i < 500; ++i)
-        all.push_back(open("window " + std::to_string(i),
-                           {10.0 + (i * 37) % 1500, 30.0 + (i * 53) % 700, 200.0 + i % 90, 150.0 + i % 60}));
+    for (int i = 0; i < 500; ++i) {
+        const auto window = client().open(
+            {.applicationClass = "Application" + std::to_string(i / 50),
+             .title = "window " + std::to_string(i),
+             .frame = {10.0 + (i * 37) % 1500, 30.0 + (i * 53) % 700, 200.0 + i % 90, 150.0 + i % 60}});
+        ASSERT_TRUE(window) << i;
+        all.push_back(*window);
+    }
     for (const auto window : all)
         saved.push_back(seen(window));
     ASSERT_TRUE(program().saveLayout("Many"));
@@ -147,6 +152,73 @@ TEST_F(FaultTest, FiveHundredWindowsAreSavedAndRestored) {
     // In the order in which they are moved, so that each has the whole time of a wait.
     for (std::size_t i = all.size(); i-- > 0;)
         ASSERT_TRUE(waitUntil([&] { return seen(all[i]) == saved[i]; })) << i;
+}
+
+TEST_F(FaultTest, AHungWindowManagerHoldsUpARestoreForThreeSecondsAtMost) {
+    startAll();
+    std::vector<xcb_window_t> all;
+    for (int i = 0; i < 60; ++i)
+        all.push_back(open("window " + std::to_string(i), {10.0 + 20 * i, 30.0 + 10 * i, 300, 200}));
+    const auto places = [&] {
+        std::vector<Rect> frames;
+        for (const auto window : all)
+            frames.push_back(seen(window));
+        return frames;
+    };
+    const auto saved = places();
+    ASSERT_TRUE(program().saveLayout("Many"));
+    for (const auto window : all)
+        tell(window, {400, 300, 250, 200});
+    ASSERT_TRUE(waitUntil([&] { return seen(all.back()).x == 400; }));
+    const auto items = tray().openMenu();
+    ASSERT_TRUE(items);
+    desktop().hangWindowManager();
+    const auto begin = std::chrono::steady_clock::now();
+    ASSERT_TRUE(program().restoreLayout("Many"));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
+    desktop().resumeWindowManager();
+    EXPECT_TRUE(waitUntil([&] { return places() == saved; })) << "asked all the same";
+    expectStillAtWork();
+}
+
+TEST_F(FaultTest, KeysTypedElsewhereWakeNobodyWithoutAShortcut) {
+    startAll();
+    open("editor", {100, 100, 400, 300});
+    const auto wakeUps = [&] {
+        QFile status(QString("/proc/%1/status").arg(program().process().pid()));
+        const QByteArray text = status.open(QIODevice::ReadOnly) ? status.readAll() : QByteArray();
+        return text.mid(text.indexOf("\nvoluntary_ctxt_switches:") + 25)
+            .simplified()
+            .split(' ')
+            .front()
+            .toInt();
+    };
+    const auto type = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            desktop().keyboard().type("a");
+            desktop().x().sync();
+        }
+    };
+    type(100); // it comes to rest meanwhile
+    const int before = wakeUps();
+    type(400);
+    EXPECT_LT(wakeUps() - before, 40);
+}
+
+TEST_F(FaultTest, OnAnUnsupportedDesktopItRunsWithoutThePermission) {
+    begin();
+    auto environment = desktop().environment();
+    environment.remove("DISPLAY");
+    environment.insert("WAYLAND_DISPLAY", "wayland-nowhere");
+    environment.insert("QT_QPA_PLATFORM", "offscreen");
+    Process program;
+    ASSERT_TRUE(program.start(qEnvironmentVariable("TAVRIN_PROGRAM", TAVRIN_PROGRAM_PATH), {}, environment,
+                              desktop().log("tavrin")));
+    ASSERT_TRUE(tray().waitForItem());
+    const auto items = tray().openMenu();
+    ASSERT_TRUE(items);
+    EXPECT_THAT(describe(*items), HasSubstr("Accessibility"));
+    EXPECT_TRUE(program.isRunning());
 }
 
 TEST_F(FaultTest, AnotherWindowManagerTakesOverDuringUse) {

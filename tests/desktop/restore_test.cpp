@@ -32,6 +32,14 @@ protected:
         return window.value_or(XCB_NONE);
     }
 
+    enum class Hiding { minimised, onAnotherDesktop };
+    bool hide(xcb_window_t window, Hiding how) {
+        if (how == Hiding::onAnotherDesktop)
+            return windows().sendToDesktop(window, 1);
+        windows().minimise(window);
+        return waitUntil([&] { return windows().hasState(window, "_NET_WM_STATE_HIDDEN"); });
+    }
+
     std::vector<Rect> seenAll(const std::vector<xcb_window_t>& all) {
         std::vector<Rect> frames;
         for (const auto window : all)
@@ -158,6 +166,40 @@ TEST_F(RestoreTest, AMaximisedWindowGoesBackToItsFrame) {
     ASSERT_TRUE(windows().place(wasMaximised, {100, 100, 400, 300}));
     ASSERT_TRUE(program().restoreLayout("Mixed"));
     EXPECT_EQ(seenAll({wasNormal, wasMaximised}), saved);
+}
+
+// Nothing but its number tells the listed window from its hidden twin.
+TEST_F(RestoreTest, TheWindowThatIsSeenMovesAndItsHiddenTwinStays) {
+    beginWith(oneDisplay);
+    const Rect saved{200, 150, 600, 400}, astray{900, 500, 500, 350};
+    const auto first = open({.title = "Untitled"}, saved), second = open({.title = "Untitled"}, astray);
+    for (const auto how : {Hiding::minimised, Hiding::onAnotherDesktop})
+        for (const auto& [seenOne, hiddenOne] : {std::pair{first, second}, std::pair{second, first}}) {
+            windows().activate(seenOne);
+            ASSERT_TRUE(windows().place(seenOne, saved) && windows().place(hiddenOne, astray));
+            ASSERT_TRUE(hide(hiddenOne, how));
+            const std::string name = "Seen " + std::to_string(seenOne);
+            ASSERT_TRUE(program().saveLayout(name));
+            ASSERT_TRUE(windows().place(seenOne, astray));
+            ASSERT_TRUE(program().restoreLayout(name));
+            EXPECT_EQ(seen(seenOne), saved);
+            // Openbox moves a window about while it draws how it is minimised.
+            ASSERT_TRUE(windows().show(hiddenOne));
+            EXPECT_TRUE(waitUntil([&] { return seen(hiddenOne) == astray; })) << "the hidden one moved";
+        }
+}
+
+TEST_F(RestoreTest, AWindowThatMakesItselfFullscreenAgainIsNoSuccess) {
+    beginWith(oneDisplay);
+    const auto window = open({.title = "film"}, {300, 200, 700, 500});
+    ASSERT_TRUE(program().saveLayout("Film"));
+    ASSERT_TRUE(windows().place(window, {100, 100, 600, 400}));
+    ASSERT_TRUE(program().restoreLayout("Film"));
+    const auto success = tray().picture();
+    ASSERT_TRUE(client().stayFullscreen(window));
+    ASSERT_TRUE(program().restoreLayout("Film"));
+    EXPECT_NE(tray().picture(), success);
+    EXPECT_TRUE(windows().isFullscreen(window));
 }
 
 TEST_F(RestoreTest, AWindowThatVanishesHalfWayStopsNoOther) {

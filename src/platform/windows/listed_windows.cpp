@@ -7,9 +7,9 @@
 namespace tavrin {
 namespace {
 
-/// Window managers take up to ten milliseconds to place a window.
-constexpr Seconds patience{2};
-constexpr Seconds patiencePerWindow{0.01};
+/// Window managers take up to ten milliseconds to place a window, on a busy machine longer.
+constexpr Seconds patience{3};
+constexpr Seconds patiencePerWindow{0.02};
 
 } // namespace
 

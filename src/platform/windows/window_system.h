@@ -119,7 +119,7 @@ public:
     virtual std::expected<WindowListing, WindowSystemObstacle> list() = 0;
 
     /// Places windows and waits, together and for at most `patience` seconds, until the clients have
-    /// answered; gives up earlier when nothing at all was answered for a second. Maximised, fullscreen and
+    /// answered; gives up earlier when nothing at all was answered for two seconds. Maximised, fullscreen and
     /// shaded states are left first. One outcome for each placement, in their order: windows that do not
     /// answer never hold up the others.
     virtual std::vector<PlacementOutcome> place(std::span<const WindowPlacement> placements,

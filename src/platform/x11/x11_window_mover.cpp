@@ -13,7 +13,7 @@ namespace {
 using namespace std::chrono_literals;
 
 /// How long a window manager may take to answer anything at all.
-constexpr auto answerPatience = 1000ms;
+constexpr auto answerPatience = 2000ms;
 /// How long a window may keep a state that it was told to leave.
 constexpr auto statePatience = 250ms;
 /// How long a client may take to draw its shadows again.
@@ -169,19 +169,24 @@ void X11WindowMover::judge(Job& job) {
 }
 
 void X11WindowMover::awaitUnpinned(std::span<const Job> jobs, Clock::time_point deadline) {
+    std::vector<const Job*> leaving;
+    for (const auto& job : jobs)
+        if (job.wasPinned && job.attempts == 1 && !job.isOver)
+            leaving.push_back(&job);
+    if (leaving.empty())
+        return;
     // Some window managers set the state later than they answer, and some clients then draw their shadows
     // again; some do neither.
     const auto isAnyPinned = [&] {
-        return std::ranges::any_of(jobs, [&](const Job& job) {
-            const auto* window = job.isOver || job.attempts != 1 ? nullptr : table_.find(job.id);
+        return std::ranges::any_of(leaving, [&](const Job* job) {
+            const auto* window = table_.find(job->id);
             return window && window->states.isPinned();
         });
     };
     const auto hasAnyOldShadows = [&] {
-        return std::ranges::any_of(jobs, [&](const Job& job) {
-            const bool isLeaving = job.wasPinned && job.attempts == 1 && !job.isOver;
-            const auto* window = isLeaving ? table_.find(job.id) : nullptr;
-            return window && window->drawsOwnShadows && window->shadows == job.pinnedShadows;
+        return std::ranges::any_of(leaving, [&](const Job* job) {
+            const auto* window = table_.find(job->id);
+            return window && window->drawsOwnShadows && window->shadows == job->pinnedShadows;
         });
     };
     const auto await = [&](auto isWaiting, std::chrono::milliseconds patience) {

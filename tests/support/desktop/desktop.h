@@ -53,6 +53,7 @@ public:
     void stopWindowManager();
     /// It stops answering.
     void hangWindowManager() { windowManager_->sendSignal(SIGSTOP); }
+    void resumeWindowManager() { windowManager_->sendSignal(SIGCONT); }
 
     /// A test application, started and ready.
     std::unique_ptr<TestClient> startClient();

@@ -1,5 +1,7 @@
 #include "support/desktop/test_client.h"
 
+#include "support/desktop/wait.h"
+
 #include <fmt/ranges.h>
 
 namespace tavrin::desktop {
@@ -54,6 +56,11 @@ void TestClient::startFlood(xcb_window_t window, const std::string& property, in
 
 bool TestClient::vanishOnMove(const std::vector<xcb_window_t>& windows) {
     return ask(fmt::format("vanish-on-move\t{}", fmt::join(windows, "\t"))) == "done";
+}
+
+bool TestClient::stayFullscreen(xcb_window_t window) {
+    return ask(fmt::format("stay-fullscreen\t{}", window)) == "done" &&
+           waitUntil([&] { return windows_.isFullscreen(window); });
 }
 
 } // namespace tavrin::desktop

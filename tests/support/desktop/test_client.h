@@ -38,6 +38,8 @@ public:
     bool endFlood() { return process_.readLine() == "done"; }
     /// From now on the first move of one of these windows makes all the others disappear.
     bool vanishOnMove(const std::vector<xcb_window_t>& windows);
+    /// Makes the window fullscreen, and again whenever somebody makes it leave that state.
+    bool stayFullscreen(xcb_window_t window);
 
     /// The process stops answering; its windows stay on the screen.
     void hang() { process_.sendSignal(SIGSTOP); }

@@ -237,6 +237,22 @@ void Windows::ignore(xcb_window_t window) {
     x_.ignore(window);
 }
 
+bool Windows::isFullscreen(xcb_window_t window) {
+    follow(window);
+    return hasState(window, "_NET_WM_STATE_FULLSCREEN");
+}
+
+bool Windows::show(xcb_window_t window) {
+    follow(window);
+    const auto current = x_.cardinals(x_.root(), "_NET_CURRENT_DESKTOP");
+    if (!current.empty())
+        x_.askWindowManager(window, "_NET_WM_DESKTOP", {current[0], sourceIsPager, 0, 0, 0});
+    activate(window);
+    return waitUntil([&] {
+        return isViewable(window) && (current.empty() || x_.cardinals(window, "_NET_WM_DESKTOP") == current);
+    });
+}
+
 std::uint32_t Windows::processWithKeyboard() {
     auto* c = x_.raw();
     const Reply<xcb_get_input_focus_reply_t> focus{

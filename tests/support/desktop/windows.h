@@ -40,6 +40,9 @@ public:
 
     /// From now on the window's changes wake nobody here.
     void ignore(xcb_window_t window);
+    bool isFullscreen(xcb_window_t window);
+    /// Brings back a window that is minimised or on another desktop.
+    bool show(xcb_window_t window);
 
     /// The process of the window that gets the keys now; 0 when none says so.
     std::uint32_t processWithKeyboard();

@@ -9,9 +9,11 @@
 //   destroy WINDOW
 //   flood WINDOW PROPERTY N    changes a text property N times, as fast as the server takes it
 //   vanish-on-move WINDOW...   at the first move of one of these windows, all the others are destroyed
+//   stay-fullscreen WINDOW     makes it fullscreen, and again whenever it is not
 #include <xcb/xcb.h>
 #include <xcb/xcb_icccm.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -88,6 +90,11 @@ private:
         } else if (words[0] == "vanish-on-move") {
             for (std::size_t index = 1; index < words.size(); ++index)
                 vanishing_[windowOf(words[index])] = placeOf(windowOf(words[index]));
+        } else if (words[0] == "stay-fullscreen" && words.size() == 2) {
+            fullscreen_ = windowOf(words[1]);
+            const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
+            xcb_change_window_attributes(connection_, fullscreen_, XCB_CW_EVENT_MASK, &mask);
+            askForFullscreen();
         } else {
             answer = "unknown command";
         }
@@ -152,8 +159,35 @@ private:
         while (auto* event = xcb_poll_for_event(connection_)) {
             if ((event->response_type & 0x7f) == XCB_CONFIGURE_NOTIFY)
                 vanishOthers(reinterpret_cast<xcb_configure_notify_event_t*>(event)->window);
+            if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY && !isFullscreen())
+                askForFullscreen();
             std::free(event);
         }
+    }
+
+    bool isFullscreen() {
+        const auto cookie =
+            xcb_get_property(connection_, 0, fullscreen_, atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 0, 64);
+        auto* reply = xcb_get_property_reply(connection_, cookie, nullptr);
+        const auto* states = reply ? static_cast<xcb_atom_t*>(xcb_get_property_value(reply)) : nullptr;
+        const bool isIt = states && std::count(states, states + xcb_get_property_value_length(reply) / 4,
+                                               atom("_NET_WM_STATE_FULLSCREEN")) > 0;
+        std::free(reply);
+        return isIt;
+    }
+
+    void askForFullscreen() {
+        xcb_client_message_event_t message{};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = 32;
+        message.window = fullscreen_;
+        message.type = atom("_NET_WM_STATE");
+        message.data.data32[0] = 1; // add
+        message.data.data32[1] = atom("_NET_WM_STATE_FULLSCREEN");
+        message.data.data32[3] = 1; // an application
+        xcb_send_event(connection_, 0, screen_->root,
+                       XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                       reinterpret_cast<const char*>(&message));
     }
 
     void vanishOthers(xcb_window_t moved) {
@@ -214,6 +248,7 @@ private:
 
     xcb_connection_t* connection_;
     xcb_screen_t* screen_ = nullptr;
+    xcb_window_t fullscreen_ = XCB_NONE;
     std::map<xcb_window_t, std::array<int, 4>> vanishing_; ///< with the place where each stood
 };
 
