@@ -144,7 +144,7 @@ private:
     SystemEventHub events_;
     FreedesktopApplicationCatalog catalog_;
     BusLink systemBus_{busAddresses().system};
-    BusLink sessionBus_{busAddresses().session};
+    BusLink& sessionBus_ = toolkit_->sessionBus;
     SessionEvents sessionEvents_{systemBus_, sessionBus_, environmentVariable("XDG_SESSION_ID"),
                                  [this](SystemEvent event) { sessionEvent(event); }};
     QtUserDefaults defaults_;

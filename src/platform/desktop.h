@@ -2,11 +2,12 @@
 
 #include "platform/open_platform.h"
 #include "platform/qt/qt_runtime.h"
+#include "platform/session_bus/bus_link.h"
 #include "platform/windows/window_system.h"
 
 namespace tavrin {
 
-/// The application object and the event loop, on which a window system is opened.
+/// What a window system is opened on: the application object, the event loop, the session's bus.
 struct DesktopToolkit {
     /// For the arguments see `openPlatform`.
     DesktopToolkit(int& argc, char** argv);
@@ -14,6 +15,7 @@ struct DesktopToolkit {
     QtProgram program;
     QtEventLoop eventLoop;
     QtScheduler scheduler;
+    BusLink sessionBus{busAddresses().session}; ///< not yet open
 };
 
 /// A desktop whose windows are arranged by `system`, with the files of POSIX, the session services of

@@ -1,6 +1,7 @@
 #include "platform/open_platform.h"
 
 #include "platform/desktop.h"
+#include "platform/kwin/kwin_window_system.h"
 #include "platform/unsupported.h"
 #include "platform/x11/x11_window_system.h"
 
@@ -9,14 +10,49 @@
 namespace tavrin {
 namespace {
 
-bool isSet(const char* variable) {
-    const char* value = std::getenv(variable);
-    return value && *value != '\0';
+std::string variable(const char* name) {
+    const char* value = std::getenv(name);
+    return value ? value : "";
+}
+
+bool isSet(const char* name) {
+    return !variable(name).empty();
+}
+
+/// Where the kernel shows the displays' data; tests put a folder of their own there.
+std::filesystem::path systemRoot() {
+    return isSet("TAVRIN_SYSFS_ROOT") ? variable("TAVRIN_SYSFS_ROOT") : "/sys";
+}
+
+/// Qt shows its windows by the protocol of the session, unless the user wants another one.
+std::unique_ptr<DesktopToolkit> waylandToolkit(int& argc, char** argv) {
+    ::setenv("QT_QPA_PLATFORM", "wayland;xcb", 0);
+    return std::make_unique<DesktopToolkit>(argc, argv);
+}
+
+/// Some desktops name others that they resemble, too.
+bool isPlasma() {
+    return variable("XDG_CURRENT_DESKTOP").contains("KDE");
+}
+
+std::expected<std::unique_ptr<OpenedPlatform>, std::string> openKWin(int& argc, char** argv) {
+    auto toolkit = waylandToolkit(argc, argv);
+    constexpr std::chrono::milliseconds patience{500};
+    toolkit->sessionBus.open(patience);
+    const auto folder = variable("XDG_RUNTIME_DIR");
+    auto system = KWinWindowSystem::open(
+        toolkit->sessionBus, {.scriptFolder = folder.empty() ? "/tmp" : folder, .systemRoot = systemRoot()},
+        toolkit->eventLoop, toolkit->scheduler);
+    if (!system)
+        return std::unexpected(system.error());
+    return makeDesktop(std::move(toolkit), std::move(*system));
 }
 
 } // namespace
 
 std::expected<std::unique_ptr<OpenedPlatform>, std::string> openPlatform(int& argc, char** argv) {
+    if (isSet("WAYLAND_DISPLAY") && isPlasma())
+        return openKWin(argc, argv);
     // Qt ends the process without a word to its caller when there is no server, so the server is asked first.
     const auto server = X11WindowSystem::reach({});
     if (!server && !isSet("WAYLAND_DISPLAY"))
