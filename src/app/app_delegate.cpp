@@ -126,7 +126,7 @@ AppSupportPaths AppDelegate::paths() const {
 }
 
 void AppDelegate::reconcileLaunchAtLogin() {
-    auto settings = settingsStore_.load();
+    const auto settings = settingsStore_.load();
     if (!settings)
         return;
     const bool isEnabled = launchAtLoginService_.isEnabled();
@@ -135,8 +135,9 @@ void AppDelegate::reconcileLaunchAtLogin() {
     if (settings->launchAtLogin && !launchAtLoginService_.isSwitchedOff() && launchAtLoginService_.enable())
         return;
     // Enabling failed, or the user decided elsewhere: the program never disables a login item by itself.
-    settings->launchAtLogin = !settings->launchAtLogin;
-    static_cast<void>(settingsStore_.save(*settings));
+    static_cast<void>(
+        settingsStore_.change([&](AppSettings& current) { current.launchAtLogin = !settings->launchAtLogin; },
+                              SettingsStore::Unreadable::refuse));
 }
 
 /// Without a status area nothing is to be seen of the program. Once, the user is shown that it runs.

@@ -7,15 +7,9 @@
 namespace tavrin {
 namespace {
 
-/// The layouts of a profile, in the order of the store.
-auto layoutsOf(const MonitorProfile& profile, const StatusItemMenuContent& content) {
-    return std::views::filter(
-        content.layouts, [id = profile.id](const SavedLayout& layout) { return layout.profileID == id; });
-}
-
 MenuModel restoreItems(const MonitorProfile& profile, const StatusItemMenuContent& content) {
     MenuModel items;
-    for (const SavedLayout& layout : layoutsOf(profile, content)) {
+    for (const SavedLayout& layout : content.setups.layoutsOf(profile.id)) {
         std::optional<KeyEquivalent> keyEquivalent;
         if (const auto shortcut = content.layoutShortcuts.find(layout.id);
             shortcut != content.layoutShortcuts.end())
@@ -30,14 +24,14 @@ MenuModel restoreItems(const MonitorProfile& profile, const StatusItemMenuConten
 
 MenuModel updateItems(const MonitorProfile& profile, const StatusItemMenuContent& content) {
     MenuModel items;
-    for (const SavedLayout& layout : layoutsOf(profile, content))
+    for (const SavedLayout& layout : content.setups.layoutsOf(profile.id))
         items.push_back(MenuItem::command(layout.name, MenuAction::quickUpdateLayout, layout.id));
     return items;
 }
 
 MenuModel otherSetupItems(const StatusItemMenuContent& content) {
     MenuModel items;
-    for (const MonitorProfile& profile : content.profiles) {
+    for (const MonitorProfile& profile : content.setups.profiles()) {
         if (content.matchedProfile && content.matchedProfile->id == profile.id)
             continue;
         if (auto layouts = restoreItems(profile, content); !layouts.empty())
@@ -65,7 +59,9 @@ MenuModel setupItems(const StatusItemMenuContent& content) {
         if (auto items = updateItems(*content.matchedProfile, content); !items.empty())
             menu.push_back(MenuItem::withSubmenu("Update Layout", std::move(items)));
     menu.push_back(MenuItem::separator());
-    if (!content.matchedProfile) {
+    if (content.failure) {
+        menu.push_back(MenuItem::label(*content.failure));
+    } else if (!content.matchedProfile) {
         menu.push_back(MenuItem::label("No Display Setup Matched"));
     } else {
         menu.push_back(MenuItem::label("Restore Layout"));

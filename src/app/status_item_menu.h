@@ -2,8 +2,8 @@
 
 #include "ports/services.h"
 #include "ports/status_item.h"
-#include "records/layouts.h"
 #include "records/profiles.h"
+#include "records/saved_setups.h"
 
 #include <map>
 #include <optional>
@@ -20,8 +20,8 @@ struct StatusItemMenuContent {
     std::optional<std::string> matchExplanation;
     bool requiresConfirmation = false;
     std::optional<MonitorProfile> matchedProfile;
-    std::vector<MonitorProfile> profiles; ///< all, in the order of the list
-    std::vector<SavedLayout> layouts;     ///< all, in the order of the store
+    SavedSetups setups;
+    std::optional<std::string> failure; ///< why the setups cannot be read
     std::map<Uuid, KeyCombo> layoutShortcuts;
     std::string version; ///< empty when there is none
 };

@@ -105,13 +105,13 @@ CaptureService::capture(std::string_view name, SavedLayoutKind kind, const Uuid&
                    settings->excludedBundleIDs.end();
     });
     const DisplaySnapshotCollection displays = collaborators_.displaySnapshotProvider.currentSnapshot();
-    const auto existing = collaborators_.profileStore.layouts(profileID);
-    if (!existing)
-        return std::unexpected(existing.error());
-    const auto sameName =
-        std::ranges::find(*existing, lowercased(*layoutName),
-                          [](const SavedLayout& layout) { return lowercased(layout.name); });
-    const bool replaces = sameName != existing->end();
+    const auto setups = collaborators_.profileStore.load();
+    if (!setups)
+        return std::unexpected(setups.error());
+    auto existing = setups->layoutsOf(profileID);
+    const auto sameName = std::ranges::find(
+        existing, lowercased(*layoutName), [](const SavedLayout& layout) { return lowercased(layout.name); });
+    const bool replaces = sameName != existing.end();
 
     const Timestamp now = collaborators_.clock.now();
     const SavedLayout layout{.id = replaces ? sameName->id : Uuid::random(),

@@ -6,6 +6,7 @@
 #include "records/layouts.h"
 #include "records/profiles.h"
 #include "records/restore_result.h"
+#include "records/saved_setups.h"
 #include "records/windows.h"
 
 #include <expected>
@@ -68,11 +69,8 @@ class ProfileProviding {
 public:
     virtual ~ProfileProviding() = default;
 
-    /// All saved setups in the order of creation; empty when there is no file.
-    virtual std::expected<std::vector<MonitorProfile>, StoreError> loadProfiles() = 0;
-
-    /// All layouts of all setups in the order of saving; empty when there is no file.
-    virtual std::expected<std::vector<SavedLayout>, StoreError> loadLayouts() = 0;
+    /// All saved setups and layouts; empty when there are no files.
+    virtual std::expected<SavedSetups, StoreError> load() = 0;
 
     /// The layout that automatic restore uses for `profile`; absent when none is chosen.
     virtual std::optional<Uuid> defaultLayoutID(const MonitorProfile& profile) = 0;

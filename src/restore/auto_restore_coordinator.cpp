@@ -10,10 +10,10 @@ namespace tavrin {
 
 std::optional<SavedLayout>
 MatchedDefaultLayoutResolver::resolve(const DisplaySnapshotCollection& snapshot) const {
-    const auto profiles = profileProvider_.loadProfiles();
-    if (!profiles)
+    const auto setups = profileProvider_.load();
+    if (!setups)
         return std::nullopt;
-    const MatchResult verdict = profileMatcher_.match(snapshot, *profiles);
+    const MatchResult verdict = profileMatcher_.match(snapshot, setups->profiles());
     const MonitorProfile* profile = nullptr;
     if (const auto* exact = std::get_if<match::Exact>(&verdict))
         profile = &exact->profile;
@@ -22,15 +22,8 @@ MatchedDefaultLayoutResolver::resolve(const DisplaySnapshotCollection& snapshot)
     if (!profile)
         return std::nullopt;
     const auto layoutID = profileProvider_.defaultLayoutID(*profile);
-    if (!layoutID)
-        return std::nullopt;
-    auto layouts = profileProvider_.loadLayouts();
-    if (!layouts)
-        return std::nullopt;
-    const auto layout = std::ranges::find(*layouts, *layoutID, &SavedLayout::id);
-    if (layout == layouts->end())
-        return std::nullopt;
-    return std::move(*layout);
+    const SavedLayout* layout = layoutID ? setups->layout(*layoutID) : nullptr;
+    return layout ? std::optional(*layout) : std::nullopt;
 }
 
 AutoRestoreCoordinator::AutoRestoreCoordinator(Collaborators collaborators)

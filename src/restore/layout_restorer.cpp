@@ -1,15 +1,11 @@
 #include "restore/layout_restorer.h"
 
-#include <algorithm>
-
 namespace tavrin {
 
 std::optional<RestoreResult> LayoutRestorer::restore(const Uuid& layoutID, RestoreTriggerSource trigger) {
-    const auto layouts = collaborators_.profileProvider.loadLayouts();
-    if (!layouts)
-        return std::nullopt;
-    const auto layout = std::ranges::find(*layouts, layoutID, &SavedLayout::id);
-    return layout == layouts->end() ? std::nullopt : std::optional(restore(*layout, trigger));
+    const auto setups = collaborators_.profileProvider.load();
+    const SavedLayout* layout = setups ? setups->layout(layoutID) : nullptr;
+    return layout ? std::optional(restore(*layout, trigger)) : std::nullopt;
 }
 
 RestoreResult LayoutRestorer::restore(const SavedLayout& layout, RestoreTriggerSource trigger) {

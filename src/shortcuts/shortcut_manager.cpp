@@ -24,7 +24,7 @@ ShortcutManager::ShortcutManager(SettingsStore& settingsStore, KeyMonitors& keyM
     layoutShortcuts.set(kept);
     if (autoDetectShortcut.value() != settings->autoDetectShortcut ||
         kept.size() < settings->layoutShortcuts.size())
-        persist();
+        persist(SettingsStore::Unreadable::refuse);
 }
 
 ShortcutManager::~ShortcutManager() {
@@ -69,7 +69,7 @@ void ShortcutManager::setAutoDetectShortcut(std::optional<KeyCombo> combo) {
     armSuppression(accepted(combo));
     autoDetectShortcut.set(accepted(combo));
     watch();
-    persist();
+    persist(SettingsStore::Unreadable::setAside);
 }
 
 void ShortcutManager::setLayoutShortcut(std::optional<KeyCombo> combo, const Uuid& layoutID) {
@@ -81,7 +81,7 @@ void ShortcutManager::setLayoutShortcut(std::optional<KeyCombo> combo, const Uui
     armSuppression(accepted(combo));
     layoutShortcuts.set(std::move(shortcuts));
     watch();
-    persist();
+    persist(SettingsStore::Unreadable::setAside);
 }
 
 void ShortcutManager::removeLayoutShortcut(const Uuid& layoutID) {
@@ -95,7 +95,7 @@ void ShortcutManager::pruneLayoutShortcuts(const std::vector<Uuid>& layoutIDs) {
     });
     layoutShortcuts.set(std::move(shortcuts));
     watch();
-    persist();
+    persist(SettingsStore::Unreadable::refuse);
 }
 
 Token ShortcutManager::pause() {
@@ -144,16 +144,15 @@ void ShortcutManager::armSuppression(std::optional<KeyCombo> combo) {
             std::chrono::duration_cast<std::chrono::system_clock::duration>(suppressionDuration);
 }
 
-void ShortcutManager::persist() {
-    auto settings = settingsStore_.load();
-    if (!settings)
-        return;
-    settings->autoDetectShortcut = autoDetectShortcut.value();
-    settings->layoutShortcuts.clear();
-    for (const auto& [layoutID, combo] : layoutShortcuts.value())
-        settings->layoutShortcuts[layoutID.text()] = combo;
+void ShortcutManager::persist(SettingsStore::Unreadable unreadable) {
+    const auto store = [this](AppSettings& settings) {
+        settings.autoDetectShortcut = autoDetectShortcut.value();
+        settings.layoutShortcuts.clear();
+        for (const auto& [layoutID, combo] : layoutShortcuts.value())
+            settings.layoutShortcuts[layoutID.text()] = combo;
+    };
     // What could not be saved still holds until the program ends.
-    static_cast<void>(settingsStore_.save(*settings));
+    static_cast<void>(settingsStore_.change(store, unreadable));
 }
 
 } // namespace tavrin

@@ -55,7 +55,7 @@ public:
 
 private:
     void armSuppression(std::optional<KeyCombo> combo);
-    void persist();
+    void persist(SettingsStore::Unreadable unreadable);
     /// Tells the desktop the combinations to watch now, when they are others than before.
     void watch();
 

@@ -13,6 +13,16 @@ std::unexpected<StoreError> refused(ProfileStoreError error) {
 
 } // namespace
 
+std::expected<SavedSetups, StoreError> ProfileStore::load() {
+    auto profiles = profilesFile_.load();
+    if (!profiles)
+        return std::unexpected(profiles.error());
+    auto layouts = layoutsFile_.load();
+    if (!layouts)
+        return std::unexpected(layouts.error());
+    return SavedSetups(std::move(*profiles), std::move(*layouts));
+}
+
 std::expected<std::vector<MonitorProfile>, StoreError> ProfileStore::loadProfiles() {
     const auto loaded = profilesFile_.load();
     if (!loaded)
@@ -29,13 +39,6 @@ std::expected<std::vector<SavedLayout>, StoreError> ProfileStore::loadLayouts() 
 
 std::optional<Uuid> ProfileStore::defaultLayoutID(const MonitorProfile& profile) {
     return profile.defaultLayoutID;
-}
-
-std::expected<std::vector<SavedLayout>, StoreError> ProfileStore::layouts(const Uuid& profileID) {
-    auto layouts = loadLayouts();
-    if (layouts)
-        std::erase_if(*layouts, [&](const SavedLayout& layout) { return layout.profileID != profileID; });
-    return layouts;
 }
 
 std::expected<MonitorProfile, StoreError> ProfileStore::createProfile(std::string_view name,

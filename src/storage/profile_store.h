@@ -17,12 +17,14 @@ public:
         : paths_(paths), clock_(clock), profilesFile_(paths, paths.profilesFile()),
           layoutsFile_(paths, paths.layoutsFile()) {}
 
-    std::expected<std::vector<MonitorProfile>, StoreError> loadProfiles() override;
-    std::expected<std::vector<SavedLayout>, StoreError> loadLayouts() override;
-    std::optional<Uuid> defaultLayoutID(const MonitorProfile& profile) override;
+    /// What both files hold; nothing is copied.
+    std::expected<SavedSetups, StoreError> load() override;
 
-    /// The layouts of one profile, in file order.
-    std::expected<std::vector<SavedLayout>, StoreError> layouts(const Uuid& profileID);
+    /// Copies of what one of the files holds.
+    std::expected<std::vector<MonitorProfile>, StoreError> loadProfiles();
+    std::expected<std::vector<SavedLayout>, StoreError> loadLayouts();
+
+    std::optional<Uuid> defaultLayoutID(const MonitorProfile& profile) override;
 
     /// Appends a profile without layouts. `EmptyProfileName` for a blank name.
     std::expected<MonitorProfile, StoreError> createProfile(std::string_view name,

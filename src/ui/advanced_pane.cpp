@@ -108,10 +108,8 @@ std::string AdvancedPane::lastAttemptText() const {
 }
 
 void AdvancedPane::setClustersExtraAppWindows(bool isOn) {
-    if (auto settings = collaborators_.settingsStore.load()) {
-        settings->clusterExtraAppWindows = isOn;
-        static_cast<void>(collaborators_.settingsStore.save(*settings));
-    }
+    static_cast<void>(collaborators_.settingsStore.change(
+        [&](AppSettings& settings) { settings.clusterExtraAppWindows = isOn; }));
     // Saved or not, the switch shows what the file holds.
     appear();
 }

@@ -15,7 +15,9 @@ void AutomationSettingsView::appear() {
     const bool isEnabled = collaborators_.launchAtLoginService.isEnabled();
     if (settings_.launchAtLogin != isEnabled) {
         settings_.launchAtLogin = isEnabled;
-        static_cast<void>(collaborators_.settingsStore.save(settings_));
+        static_cast<void>(collaborators_.settingsStore.change(
+            [&](AppSettings& settings) { settings.launchAtLogin = isEnabled; },
+            SettingsStore::Unreadable::refuse));
     }
     readSetups();
     changed.emit();
@@ -53,14 +55,12 @@ void AutomationSettingsView::setLaunchAtLogin(bool isOn) {
 }
 
 void AutomationSettingsView::change(bool AppSettings::* field, bool isOn) {
-    // The file may have changed in other panes since; their part of it must not be taken back.
-    const bool before = settings_.*field;
-    if (auto loaded = collaborators_.settingsStore.load())
-        settings_ = std::move(*loaded);
-    settings_.*field = isOn;
-    if (collaborators_.settingsStore.save(settings_))
+    const auto changed =
+        collaborators_.settingsStore.change([&](AppSettings& settings) { settings.*field = isOn; });
+    if (changed) {
+        settings_ = *changed;
         return;
-    settings_.*field = before;
+    }
     if (auto loaded = collaborators_.settingsStore.load())
         settings_ = std::move(*loaded);
 }
@@ -68,12 +68,11 @@ void AutomationSettingsView::change(bool AppSettings::* field, bool isOn) {
 void AutomationSettingsView::readSetups() {
     setups_.clear();
     defaultLayoutSelections_.clear();
-    const auto layouts = collaborators_.profileStore.loadLayouts().value_or(std::vector<SavedLayout>{});
+    const auto setups = collaborators_.profileStore.load().value_or(SavedSetups{});
     for (const MonitorProfile& profile : collaborators_.profileListViewModel.profiles.value()) {
         Setup setup{profile.id, profile.name, {}};
-        for (const SavedLayout& layout : layouts)
-            if (layout.profileID == profile.id)
-                setup.layouts.push_back({layout.id, layout.name});
+        for (const SavedLayout& layout : setups.layoutsOf(profile.id))
+            setup.layouts.push_back({layout.id, layout.name});
         setups_.push_back(std::move(setup));
         if (const auto layoutID = collaborators_.profileStore.defaultLayoutID(profile))
             defaultLayoutSelections_[profile.id] = *layoutID;

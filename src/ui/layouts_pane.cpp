@@ -203,11 +203,11 @@ void LayoutsPane::deleteSetup(const Uuid& profileID) {
 }
 
 void LayoutsPane::removeShortcutsOfMissingLayouts() {
-    const auto layouts = collaborators_.profileStore.loadLayouts();
-    if (!layouts)
+    const auto setups = collaborators_.profileStore.load();
+    if (!setups)
         return;
     std::vector<Uuid> remaining;
-    for (const SavedLayout& layout : *layouts)
+    for (const SavedLayout& layout : setups->layouts())
         remaining.push_back(layout.id);
     collaborators_.shortcutManager.pruneLayoutShortcuts(remaining);
 }
@@ -237,7 +237,7 @@ LayoutsPaneContent LayoutsPane::read() const {
     const CurrentSetup& current = collaborators_.currentProfileViewModel.setup.value();
     LayoutsPaneContent content{.suggestion = suggestion(),
                                .currentSetupText = current.matchExplanation.value_or("")};
-    const auto layouts = collaborators_.profileStore.loadLayouts().value_or(std::vector<SavedLayout>{});
+    const auto setups = collaborators_.profileStore.load().value_or(SavedSetups{});
     const auto& shortcuts = collaborators_.shortcutManager.layoutShortcuts.value();
     for (const MonitorProfile& profile : collaborators_.profileListViewModel.profiles.value()) {
         SetupCard setup{.id = profile.id,
@@ -245,9 +245,7 @@ LayoutsPaneContent LayoutsPane::read() const {
                         .isCurrent = current.profile && current.profile->id == profile.id,
                         .detail = fmt::format("{} · {}", displaysText(profile),
                                               ProfileListViewModel::associationCountText(profile))};
-        for (const SavedLayout& layout : layouts) {
-            if (layout.profileID != profile.id)
-                continue;
+        for (const SavedLayout& layout : setups.layoutsOf(profile.id)) {
             const auto shortcut = shortcuts.find(layout.id);
             // A capture replaces the first layout of that name.
             const bool isFirstOfItsName = std::ranges::none_of(setup.layouts, [&](const LayoutCard& earlier) {

@@ -50,8 +50,8 @@ void CapturePopoverController::show(std::optional<Rect> beside) {
     if (!profileID)
         return;
     std::vector<std::string> existingNames;
-    if (const auto layouts = profileStore_.layouts(*profileID))
-        for (const SavedLayout& layout : *layouts)
+    if (const auto setups = profileStore_.load())
+        for (const SavedLayout& layout : setups->layoutsOf(*profileID))
             existingNames.push_back(layout.name);
     const std::weak_ptr weak = self_;
     popover_.show(std::make_shared<SaveLayoutPopoverView>(

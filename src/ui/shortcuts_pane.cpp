@@ -62,9 +62,9 @@ ShortcutsPane::ShortcutsPane(Collaborators collaborators) : collaborators_(colla
 
 void ShortcutsPane::appear() {
     // A file that is away reads as an empty list and may come back.
-    if (const auto layouts = collaborators_.profileStore.loadLayouts(); layouts && !layouts->empty()) {
+    if (const auto setups = collaborators_.profileStore.load(); setups && !setups->layouts().empty()) {
         std::vector<Uuid> layoutIDs;
-        for (const SavedLayout& layout : *layouts)
+        for (const SavedLayout& layout : setups->layouts())
             layoutIDs.push_back(layout.id);
         const auto& shortcuts = collaborators_.shortcutManager.layoutShortcuts.value();
         if (std::ranges::any_of(shortcuts, [&](const auto& shortcut) {
@@ -83,16 +83,14 @@ ShortcutRecorderView& ShortcutsPane::recorder(const std::optional<Uuid>& layoutI
 }
 
 void ShortcutsPane::readGroups() {
-    const auto layouts = collaborators_.profileStore.loadLayouts().value_or(std::vector<SavedLayout>{});
+    const auto setups = collaborators_.profileStore.load().value_or(SavedSetups{});
     const auto& current = collaborators_.currentProfileViewModel.setup.value().profile;
     std::vector<Group> groups;
     Recorders recorders;
     recorders[std::nullopt] = std::move(recorders_[std::nullopt]);
     for (const MonitorProfile& profile : collaborators_.profileListViewModel.profiles.value()) {
         Group group{profile.name, current && current->id == profile.id, {}};
-        for (const SavedLayout& layout : layouts) {
-            if (layout.profileID != profile.id)
-                continue;
+        for (const SavedLayout& layout : setups.layoutsOf(profile.id)) {
             auto& recorder = recorders[layout.id];
             if (recorder)
                 continue; // a damaged file may hold a layout twice

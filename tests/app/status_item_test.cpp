@@ -43,8 +43,7 @@ TEST(StatusItemMenu, ShowsTheSetupAndItsLayouts) {
                                   .suggestedProfileName = "never beside a match",
                                   .matchExplanation = "Because.",
                                   .matchedProfile = desk,
-                                  .profiles = {desk, couch},
-                                  .layouts = {work, film, play},
+                                  .setups = {{desk, couch}, {work, film, play}},
                                   .version = "1.2"};
     content.matchedProfile->defaultLayoutID = play.id;
     content.layoutShortcuts = {{work.id, {15, ModifierSet::control | ModifierSet::option}}};
@@ -59,6 +58,13 @@ TEST(StatusItemMenu, ShowsTheSetupAndItsLayouts) {
     EXPECT_EQ(menu[8].action, MenuAction::restoreLayout);
     EXPECT_EQ(menu[5].submenu[1].representedObject, play.id);
     EXPECT_EQ(menu[5].submenu[1].action, MenuAction::quickUpdateLayout);
+
+    content.failure = "Cannot read layouts.json: it is empty";
+    content.setups = {};
+    EXPECT_NE(dump(statusItemMenu(content)).find("[Cannot read layouts.json: it is empty]; ---;"),
+              std::string::npos);
+    content.failure.reset();
+    content.setups = {{desk, couch}, {work, film, play}};
 
     content.matchedProfile.reset();
     content.currentProfileName.reset();

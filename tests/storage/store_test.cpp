@@ -35,9 +35,12 @@ protected:
         return layout;
     }
 
-    MonitorProfile stored(const Uuid& profileID) {
-        const auto profiles = store.loadProfiles().value();
-        return *std::ranges::find(profiles, profileID, &MonitorProfile::id);
+    MonitorProfile stored(const Uuid& profileID) { return *store.load()->profile(profileID); }
+
+    std::vector<SavedLayout> layoutsOf(const Uuid& profileID) {
+        const auto setups = store.load().value();
+        auto layouts = setups.layoutsOf(profileID);
+        return {layouts.begin(), layouts.end()};
     }
 };
 
@@ -70,21 +73,21 @@ TEST_F(StoreTest, KeepsProfilesAndLayoutsTogether) {
     ASSERT_TRUE(store.setDefaultLayout(desk.id, work.id));
     EXPECT_EQ(stored(desk.id).layoutIDs, (std::vector{work.id, play.id}));
     EXPECT_EQ(stored(desk.id).updatedAt, time.now());
-    EXPECT_EQ(store.layouts(desk.id)->size(), 2u);
+    EXPECT_EQ(layoutsOf(desk.id).size(), 2u);
 
     ASSERT_TRUE(store.renameLayout(play.id, " Games "));
-    EXPECT_EQ(store.layouts(desk.id)->back().name, "Games");
-    EXPECT_EQ(store.layouts(desk.id)->back().updatedAt, time.now());
+    EXPECT_EQ(layoutsOf(desk.id).back().name, "Games");
+    EXPECT_EQ(layoutsOf(desk.id).back().updatedAt, time.now());
     ASSERT_TRUE(store.replaceLayout(play.id, SavedLayoutKind::generic, {}, std::vector{SavedDisplay{"new"}}));
-    EXPECT_EQ(store.layouts(desk.id)->back().savedDisplays, std::vector{SavedDisplay{"new"}});
-    EXPECT_EQ(store.layouts(desk.id)->back().name, "Games");
+    EXPECT_EQ(layoutsOf(desk.id).back().savedDisplays, std::vector{SavedDisplay{"new"}});
+    EXPECT_EQ(layoutsOf(desk.id).back().name, "Games");
 
     const auto twin = play;
     ASSERT_TRUE(store.saveLayout(twin));
     ASSERT_TRUE(store.deleteLayout(play.id));
     EXPECT_EQ(stored(desk.id).defaultLayoutID, work.id);
     EXPECT_EQ(stored(desk.id).layoutIDs, std::vector{work.id});
-    EXPECT_EQ(store.layouts(desk.id)->size(), 1u);
+    EXPECT_EQ(layoutsOf(desk.id).size(), 1u);
     ASSERT_TRUE(store.deleteLayout(work.id));
     EXPECT_EQ(stored(desk.id).defaultLayoutID, std::nullopt);
     ASSERT_TRUE(store.deleteProfile(desk.id));
