@@ -81,6 +81,7 @@ void StatusItemController::rebuildMenu() {
     rebuildTask_.release();
     const CurrentSetup& current = collaborators_.currentProfileViewModel.setup.value();
     const auto setups = collaborators_.profileStore.load();
+    const auto* unreadable = setups ? nullptr : std::get_if<UnreadableFile>(&setups.error());
     // The file may be newer: choosing a default layout does not read the current setup again.
     auto matched = current.profile;
     if (matched && setups)
@@ -94,7 +95,7 @@ void StatusItemController::rebuildMenu() {
                         .requiresConfirmation = current.requiresConfirmation(),
                         .matchedProfile = std::move(matched),
                         .setups = setups.value_or(SavedSetups{}),
-                        .failure = setups ? std::nullopt : std::optional(description(setups.error())),
+                        .unreadableFile = unreadable ? unreadable->file.filename().string() : std::string(),
                         .layoutShortcuts = collaborators_.shortcutManager.layoutShortcuts.value(),
                         .version = collaborators_.host.shortVersion()}));
 }

@@ -59,8 +59,8 @@ MenuModel setupItems(const StatusItemMenuContent& content) {
         if (auto items = updateItems(*content.matchedProfile, content); !items.empty())
             menu.push_back(MenuItem::withSubmenu("Update Layout", std::move(items)));
     menu.push_back(MenuItem::separator());
-    if (content.failure) {
-        menu.push_back(MenuItem::label(*content.failure));
+    if (!content.unreadableFile.empty()) {
+        menu.push_back(MenuItem::label(fmt::format("Cannot read {}", content.unreadableFile)));
     } else if (!content.matchedProfile) {
         menu.push_back(MenuItem::label("No Display Setup Matched"));
     } else {

@@ -21,7 +21,8 @@ struct StatusItemMenuContent {
     bool requiresConfirmation = false;
     std::optional<MonitorProfile> matchedProfile;
     SavedSetups setups;
-    std::optional<std::string> failure; ///< why the setups cannot be read
+    std::string
+        unreadableFile; ///< the name of the file for which there are no setups; empty when all is well
     std::map<Uuid, KeyCombo> layoutShortcuts;
     std::string version; ///< empty when there is none
 };

@@ -1,4 +1,4 @@
-#include "storage/json_coding.h"
+#include "storage/json_records.h"
 
 #include <simdjson.h>
 

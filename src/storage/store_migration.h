@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ports/store_error.h"
-#include "storage/json_coding.h"
+#include "storage/json_records.h"
 
 #include <expected>
 #include <string>

@@ -59,13 +59,6 @@ TEST(StatusItemMenu, ShowsTheSetupAndItsLayouts) {
     EXPECT_EQ(menu[5].submenu[1].representedObject, play.id);
     EXPECT_EQ(menu[5].submenu[1].action, MenuAction::quickUpdateLayout);
 
-    content.failure = "Cannot read layouts.json: it is empty";
-    content.setups = {};
-    EXPECT_NE(dump(statusItemMenu(content)).find("[Cannot read layouts.json: it is empty]; ---;"),
-              std::string::npos);
-    content.failure.reset();
-    content.setups = {{desk, couch}, {work, film, play}};
-
     content.matchedProfile.reset();
     content.currentProfileName.reset();
     content.suggestedProfileName = "Desk";
@@ -199,7 +192,7 @@ TEST_F(StatusItemTest, RebuildsTheMenuOncePerTurnAndWhenItOpens) {
     EXPECT_TRUE(current.setup.value().profile);
     files.files["/data/layouts.json"] = "broken";
     item.willOpen();
-    EXPECT_NE(dump(item.menu).find("No Saved Layouts"), std::string::npos);
+    EXPECT_NE(dump(item.menu).find("; [Cannot read layouts.json]; "), std::string::npos);
 }
 
 TEST_F(StatusItemTest, LeadsToTheRest) {

@@ -39,9 +39,6 @@ public:
 
     static std::filesystem::path path(const std::filesystem::path& directory, DataFileKind file);
 
-    ProfileStore& profiles() { return profiles_; }
-    SettingsStore& settings() { return settings_; }
-
 private:
     SystemWallClock clock_;
     AppSupportPaths paths_;

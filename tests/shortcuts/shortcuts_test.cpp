@@ -157,13 +157,14 @@ TEST_F(ShortcutManagerTest, CleansStoredShortcutsAndLeavesCleanFilesAlone) {
 }
 
 TEST_F(ShortcutManagerTest, WorksInMemoryWhenTheSettingsCannotBeRead) {
-    files.files["/data/settings.json"] = "broken";
+    files.files["/data/settings.json"] = "on a disk that fails";
+    files.failing = {"read"};
     auto manager = made();
     listen(manager);
     manager.setAutoDetectShortcut(KeyCombo{keyR, control});
     time.pass(1);
     EXPECT_EQ(pressed(press(keyR, control)), "auto ");
-    EXPECT_EQ(files.files["/data/settings.json"], "broken");
+    EXPECT_EQ(files.files["/data/settings.json"], "on a disk that fails");
 }
 
 TEST(ShortcutConflictChecker, NamesReservationsThenTheFirstOwner) {

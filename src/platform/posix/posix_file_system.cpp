@@ -1,7 +1,5 @@
 #include "platform/posix/posix_file_system.h"
 
-#include "platform/posix/file_descriptor.h"
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -11,12 +9,37 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace tavrin {
 namespace {
 
 namespace fs = std::filesystem;
+
+/// Owns an open file; closes it when destroyed.
+class FileDescriptor {
+public:
+    explicit FileDescriptor(int number) : number_(number) {}
+    FileDescriptor(FileDescriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    FileDescriptor& operator=(FileDescriptor&&) = delete;
+    ~FileDescriptor() { close(); }
+
+    bool isOpen() const { return number_ >= 0; }
+    int number() const { return number_; }
+
+    /// Closes now. The system's error number, 0 when all went well.
+    int close() {
+        const int number = std::exchange(number_, -1);
+        if (number < 0 || ::close(number) == 0)
+            return 0;
+        // After EINTR the descriptor is closed all the same; closing it again could hit somebody else's file.
+        return errno == EINTR ? 0 : errno;
+    }
+
+private:
+    int number_;
+};
 
 std::unexpected<FileError> failure(std::string operation, const fs::path& path, int code) {
     return std::unexpected(FileError{std::move(operation), path.string(), code});
