@@ -51,7 +51,7 @@ TEST(KWinKeysTest, areWhatThePositionGivesInTheLayoutInUse) {
              {"fr", 0, {two, c}, plain, "Ctrl+É"},
              {"fr", 0, {q, c}, plain, "Ctrl+A"},
              {"us,ru", 1, {a, c}, plain, "Ctrl+A"},
-             {"us,ru", 1, {a, m}, plain, "Meta+Ф"},
+             {"us,ru", 1, {a, m}, plain, "Meta+A"},
              {"ru", 0, {a, c}, plain, "Ctrl+Ф"},
              {"us", 0, {pad1, c}, plain, "Ctrl+1 Ctrl+End"},
              {"us", 0, {pad1, c}, KeypadKeys::marked, "Ctrl+1(pad) Ctrl+End(pad)"},

@@ -139,12 +139,8 @@ void KWinGlobalKeys::update() {
                                : std::vector<int>()});
     // Without any they are only let go: recording a shortcut is no reason to forget the user's keys.
     for (const auto& name : registered_)
-        if (wanted.empty())
-            send("setInactive", {QStringList{component, name, componentName, name}});
-        else if (!wanted.contains(name))
-            send("unregister", {component, name});
-    std::erase_if(registered_,
-                  [&](const QString& name) { return !wanted.empty() && !wanted.contains(name); });
+        send("setInactive", {QStringList{component, name, componentName, name}});
+    registered_.clear();
     ++generation_;
     held_.clear();
     actions_ = std::move(wanted);
@@ -152,8 +148,18 @@ void KWinGlobalKeys::update() {
         std::erase_if(refusals_, [this](const auto& refusal) { return !actions_.contains(refusal.first); });
     if (dropped > 0)
         changed_.emit();
-    for (const auto& [name, action] : actions_)
-        registerAction(name, action);
+    if (actions_.empty())
+        return;
+    // Those of an earlier run that nobody wants any more would keep their keys. The answers come in the order
+    // of the questions.
+    ask("allActionsForComponent", {QStringList{component, "", componentName, ""}},
+        [this](const QDBusMessage& answer) {
+            for (const auto& identifier : qdbus_cast<QList<QStringList>>(answer.arguments().value(0)))
+                if (const auto name = identifier.value(1); !name.isEmpty() && !actions_.contains(name))
+                    send("unregister", {component, name});
+            for (const auto& [name, action] : actions_)
+                registerAction(name, action);
+        });
 }
 
 void KWinGlobalKeys::registerAction(const QString& name, const Action& action) {
@@ -166,7 +172,6 @@ void KWinGlobalKeys::registerAction(const QString& name, const Action& action) {
         QStringLiteral("Restore the layout of %1").arg(QString::fromStdString(action.combo.displayString()))};
     registered_.insert(name);
     send("doRegister", {identifier});
-    // The answers come in the order of the questions.
     auto current = std::make_shared<std::vector<int>>();
     ask("shortcutKeys", {identifier},
         [current](const QDBusMessage& answer) { *current = fromWire(answer.arguments().value(0)); });
@@ -191,8 +196,8 @@ void KWinGlobalKeys::decide(const QString& name, const std::vector<int>& current
             else
                 refuse(name, granted.empty() ? taken : "");
             // Keys that were not granted must not look like ones that the user took away later.
-            if (isRebound || !granted.empty())
-                send("setShortcutKeys", {identifier, toWire(keys), setUsual});
+            const bool isTaken = granted.empty() && !isRebound;
+            send("setShortcutKeys", {identifier, toWire(isTaken ? std::vector<int>() : keys), setUsual});
         });
 }
 

@@ -93,7 +93,7 @@ int qtKey(std::uint32_t symbol) {
     return character > 0x20 && character != 0x7F ? static_cast<int>(QChar::toUpper(character)) : 0;
 }
 
-/// With Control, KWin takes a key that gives no Latin character for what it gives in another layout.
+/// KWin takes a key that gives no Latin letter for what it gives in another layout, if that is one.
 std::size_t latinLayout(const KeyboardMap& map, std::uint32_t position, std::size_t layout) {
     const auto symbol = map.symbol(position, layout);
     if (isLatin(symbol) || !isLetter(symbol))
@@ -126,7 +126,7 @@ std::vector<int> qtKeys(const KeyCombo& combo, const KeyboardMap& map, std::size
             add(map.symbol(position, layout), held | mark);
             continue;
         }
-        const auto read = combo.hasControl() ? latinLayout(map, position, layout) : layout;
+        const auto read = latinLayout(map, position, layout);
         const auto plain = map.symbol(position, read);
         const auto shifted = map.symbol(position, read, KeyboardMap::Shift::isDown);
         // A key that gives another character with Shift is that character, and Shift is used up.
