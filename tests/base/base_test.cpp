@@ -1,3 +1,4 @@
+#include "base/geometry.h"
 #include "base/observable.h"
 #include "base/text.h"
 #include "base/timestamp.h"
@@ -6,8 +7,21 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace tavrin {
 namespace {
+
+TEST(Geometry, ARectangleWithANaNOverlapsNothing) {
+    const Rect whole{0, 0, 4, 3};
+    EXPECT_EQ(overlapArea(whole, {3, 4, 5, -2}), 1) << "a negative size extends the other way";
+    for (double Rect::* member : {&Rect::x, &Rect::y, &Rect::width, &Rect::height}) {
+        Rect broken = whole;
+        broken.*member = std::nan("");
+        EXPECT_EQ(overlapArea(whole, broken), 0);
+        EXPECT_EQ(overlapArea(broken, whole), 0);
+    }
+}
 
 TEST(Text, TrimsWhiteSpaceAndLineBreaksOfAllScripts) {
     EXPECT_EQ(trimmed(" \t\r\n a b\u00a0\u2003\u2028\n"), "a b");

@@ -80,6 +80,7 @@ TEST_F(StoreTest, KeepsProfilesAndLayoutsTogether) {
     EXPECT_EQ(layoutsOf(desk.id).back().updatedAt, time.now());
     ASSERT_TRUE(store.replaceLayout(play.id, SavedLayoutKind::generic, {}, std::vector{SavedDisplay{"new"}}));
     EXPECT_EQ(layoutsOf(desk.id).back().savedDisplays, std::vector{SavedDisplay{"new"}});
+    EXPECT_EQ(layoutsOf(desk.id).back().kind, SavedLayoutKind::generic);
     EXPECT_EQ(layoutsOf(desk.id).back().name, "Games");
 
     const auto twin = play;
