@@ -329,7 +329,8 @@ TEST_F(SessionTest, ASecondCopyHandsOverAndAKilledOneLeavesNothingInTheWay) {
         tray().disappear();
         ASSERT_TRUE(tray().appear() && tray().waitForItem());
         const auto first = tray().item();
-        const auto beside = desktop().startProgram("env", {setting, TAVRIN_PROGRAM_PATH});
+        const auto beside = desktop().startProgram(
+            "env", {setting, qEnvironmentVariable("TAVRIN_PROGRAM", TAVRIN_PROGRAM_PATH)});
         EXPECT_TRUE(waitUntil([&] { return tray().item() != first; })) << variable;
         EXPECT_TRUE(beside->isRunning() && program().process().isRunning());
     }

@@ -1,11 +1,10 @@
 #pragma once
 
+#include "session_bus/qt_event_loop.h"
+
 #include <QApplication>
-#include <QTimer>
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <functional>
 #include <memory>
 #include <ostream>
 
@@ -36,19 +35,6 @@ private:
 };
 
 inline testing::Environment* const qtEnvironment = testing::AddGlobalTestEnvironment(new QtEnvironment);
-
-/// Handles events until `condition` holds. False when it does not within a time that no healthy run needs.
-inline bool waitUntil(const std::function<bool()>& condition,
-                      std::chrono::milliseconds limit = std::chrono::seconds(10)) {
-    bool isLate = false;
-    QTimer timer;
-    timer.setSingleShot(true);
-    QObject::connect(&timer, &QTimer::timeout, [&] { isLate = true; });
-    timer.start(limit);
-    while (!condition() && !isLate)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    return condition();
-}
 
 /// Handles what is waiting, until a timer of no length that starts now has fired.
 inline void runEventLoopOnce() {

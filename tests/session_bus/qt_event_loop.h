@@ -21,7 +21,6 @@ inline QCoreApplication& testApplication() {
 /// Handles events until `condition` holds. False when it does not within a time that no healthy run needs.
 inline bool waitUntil(const std::function<bool()>& condition,
                       std::chrono::milliseconds limit = std::chrono::seconds(10)) {
-    testApplication();
     bool isLate = false;
     QTimer timer;
     timer.setSingleShot(true);

@@ -8,6 +8,7 @@
 #include <charconv>
 #include <condition_variable>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 namespace tavrin {
@@ -234,13 +235,18 @@ std::optional<ProcessFacts> ProcessFactsReader::facts(ProcessID pid) const {
         return std::nullopt;
     ++*waiting_;
     const auto answer = std::make_shared<Answer>();
-    std::thread([read = read_, waiting = waiting_, answer, pid] {
-        auto facts = read(pid);
-        --*waiting;
-        const std::lock_guard lock(answer->mutex);
-        answer->facts = std::move(facts);
-        answer->arrived.notify_one();
-    }).detach();
+    try {
+        std::thread([read = read_, waiting = waiting_, answer, pid] {
+            auto facts = read(pid);
+            --*waiting;
+            const std::lock_guard lock(answer->mutex);
+            answer->facts = std::move(facts);
+            answer->arrived.notify_one();
+        }).detach();
+    } catch (const std::system_error&) { // the system has no more threads
+        --*waiting_;
+        return std::nullopt;
+    }
     std::unique_lock lock(answer->mutex);
     answer->arrived.wait_for(lock, patience, [&] { return answer->facts.has_value(); });
     return std::move(answer->facts);
