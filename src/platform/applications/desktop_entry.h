@@ -7,6 +7,9 @@
 #include <utility>
 #include <vector>
 
+// The libraries that read desktop entries belong to one desktop each (GIO, KService), do not bound what they
+// read, and cannot write an entry back with its other lines as they were.
+
 namespace tavrin {
 
 /// What this program needs of a desktop entry. Texts are unescaped, valid UTF-8 and of bounded length;
