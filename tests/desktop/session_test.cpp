@@ -331,7 +331,7 @@ TEST_F(SessionTest, ASecondCopyHandsOverAndAKilledOneLeavesNothingInTheWay) {
         const auto first = tray().item();
         const auto beside = desktop().startProgram(
             "env", {setting, qEnvironmentVariable("TAVRIN_PROGRAM", TAVRIN_PROGRAM_PATH)});
-        EXPECT_TRUE(waitUntil([&] { return tray().item() != first; })) << variable;
+        EXPECT_TRUE(waitUntil([&] { return tray().hasItem() && tray().item() != first; })) << variable;
         EXPECT_TRUE(beside->isRunning() && program().process().isRunning());
     }
     tray().disappear();
