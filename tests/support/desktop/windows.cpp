@@ -12,12 +12,13 @@ namespace {
 constexpr std::uint32_t northWestGravity = 1;
 constexpr std::uint32_t sourceIsPager = 2;
 
-/// Some window managers surround a window with an invisible border to drag at.
+/// Some window managers surround a window with an invisible border to drag at, or draw a shadow that is wider
+/// below.
 bool fillsEvenly(const Rect& visible, const Rect& outermost) {
     const double left = visible.x - outermost.x;
     const double right = outermost.x + outermost.width - visible.x - visible.width;
     const double bottom = outermost.y + outermost.height - visible.y - visible.height;
-    return left >= 0 && left == right && left == bottom && visible.y >= outermost.y;
+    return left >= 0 && left == right && left <= bottom && visible.y >= outermost.y;
 }
 
 } // namespace
