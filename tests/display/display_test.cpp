@@ -136,6 +136,8 @@ TEST(MonitorProfileMatcher, ScoresArrangementHardwareAndCount) {
     EXPECT_DOUBLE_EQ(score(similar("one moved", 2, 1, 2)), 0.7);
     EXPECT_EQ(score(similar("three", 3, 3, 3)), 0);
     auto other = similar("no ids", 2, 2, 2);
+    other.displayFingerprint.stableDisplayIDs.pop_back();
+    EXPECT_DOUBLE_EQ(score(other), 0.9) << "one of two is shared";
     other.displayFingerprint.stableDisplayIDs.clear();
     EXPECT_DOUBLE_EQ(score(other), 0.8);
     auto& signature = other.displayFingerprint.arrangementSignature;

@@ -64,7 +64,9 @@ TEST(DisplayRemapper, PairsByIdentityThenBySimilarityThenByTheLargest) {
                 ElementsAre("C", "C", "C"));
 
     EXPECT_EQ(remapper.remap({saved("A", big)}, {}), DisplayRemapping{});
-    EXPECT_EQ(remapper.remap({}, {C, A}), (DisplayRemapping{.fallbackTarget = A}));
+    const auto tall = place("tall", {0, 0, 1200, 1600});
+    EXPECT_EQ(remapper.remap({}, {C, A, tall, C}), (DisplayRemapping{.fallbackTarget = A}));
+    EXPECT_EQ(remapper.remap({}, {place("wide", {0, 0, 1900, 1000}), tall}).fallbackTarget, tall);
     EXPECT_EQ(remapper.remap({}, {place("1", big), place("2", big)}).fallbackTarget.stableID, "1");
 }
 
