@@ -55,6 +55,7 @@ private:
     ShortcutManager shortcutManager_;
     RestoreDebugStore restoreDebugStore_;
     CaptureService captureService_;
+    LayoutChanges layoutChanges_;
     RestoreService restoreService_;
     LayoutRestorer layoutRestorer_;
     AutoRestoreCoordinator autoRestoreCoordinator_;

@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "platform/applications/environment.h"
 #include "platform/applications/freedesktop_application_catalog.h"
+#include "platform/desktop_texts.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_wall_clock.h"
 #include "platform/qt/qt_application_host.h"
@@ -75,6 +76,8 @@ public:
                 .sessionType = type.empty() ? QtProgram::windowProtocol() : type,
                 .toolkitVersion = QtProgram::toolkitVersion()};
     }
+
+    DesktopTexts texts() override { return desktopTexts(system_.obstacle()); }
 
 private:
     WindowSystem& system_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/token.h"
+#include "records/key_combo.h"
 #include "records/windows.h"
 
 #include <expected>
@@ -94,13 +95,34 @@ struct DesktopFacts {
     bool operator==(const DesktopFacts&) const = default;
 };
 
-/// Describes the desktop for troubleshooting. Nothing is decided by it.
+/// A combination that belongs to the system, with the sentence that says so.
+struct ReservedCombo {
+    KeyCombo combo;
+    std::string message;
+};
+
+/// The sentences of the interface that name places of this desktop.
+struct DesktopTexts {
+    /// What is missing now and what to do about it; empty when nothing is known of it.
+    std::string missingPermission;
+    std::string grantPermission; ///< where to grant it, as a sentence; empty for the usual one
+    std::string launchAtLogin =
+        "First time you enable this, macOS may ask you to confirm in System Settings > "
+        "General > Login Items.";
+    std::string exampleApplication = "com.apple.finder"; ///< an identifier
+    std::vector<ReservedCombo> reservedCombos;           ///< empty: the usual ones
+};
+
+/// Describes the desktop to the user and for troubleshooting. Nothing is decided by it.
 class DesktopInformation {
 public:
     virtual ~DesktopInformation() = default;
 
     /// The facts now. Texts are valid UTF-8 of bounded length.
     virtual DesktopFacts currentFacts() = 0;
+
+    /// The sentences as they are true now.
+    virtual DesktopTexts texts() { return {}; }
 };
 
 } // namespace tavrin

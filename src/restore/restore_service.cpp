@@ -35,9 +35,11 @@ RestoreResult RestoreService::restore(const SavedLayout& layout) {
         return {total,
                 0,
                 total,
-                {"Accessibility access is disabled for Tavrin. Open System Settings > Privacy & Security > "
-                 "Accessibility and enable this app: " +
-                 bundlePath_.string()},
+                {"Accessibility access is disabled for Tavrin. " +
+                 (collaborators_.grantPermission.empty()
+                      ? "Open System Settings > Privacy & Security > Accessibility and enable this app: " +
+                            bundlePath_.string()
+                      : collaborators_.grantPermission)},
                 0,
                 total};
     const std::vector<WindowInfo> windows = collaborators_.windowProvider.currentWindows();

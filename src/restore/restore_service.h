@@ -19,12 +19,13 @@ public:
         SettingsProviding* settingsProvider; ///< null: surplus windows are always sent after the others
         RunningApplicationResolving& pidResolver;
         AccessibilityPermissionServicing& permissionService;
+        std::string grantPermission = {}; ///< where to grant it, as a sentence; empty for the usual one
     };
 
     /// `bundlePath`: the running program's file, named in the text about a missing permission.
     RestoreService(Collaborators collaborators, std::filesystem::path bundlePath,
                    RestoreMatcher matcher = RestoreMatcher{})
-        : collaborators_(collaborators), bundlePath_(std::move(bundlePath)), matcher_(matcher) {}
+        : collaborators_(std::move(collaborators)), bundlePath_(std::move(bundlePath)), matcher_(matcher) {}
 
     RestoreResult restore(const SavedLayout& layout) override;
 

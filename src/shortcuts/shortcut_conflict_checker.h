@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/key_combo.h"
+#include "ports/session.h"
 
 #include <optional>
 #include <string>
@@ -17,12 +17,21 @@ public:
         KeyCombo combo;
     };
 
+    /// `reserved`: what this desktop reserves; empty for the usual combinations.
+    explicit ShortcutConflictChecker(std::vector<ReservedCombo> reserved = {});
+
     /// The reason when the system reserves the combo; any further modifier makes it free.
     std::optional<std::string> reservedMessage(const KeyCombo& combo) const;
 
     /// The reservation, else the first assignment with the same combo; absent when the combo is free.
     std::optional<std::string> conflictMessage(const KeyCombo& combo,
                                                const std::vector<Assignment>& assignments) const;
+
+private:
+    std::vector<ReservedCombo> reserved_;
 };
+
+/// Most applications have a use of their own for it, as Control-C.
+bool isCommonlyUsed(const KeyCombo& combo);
 
 } // namespace tavrin

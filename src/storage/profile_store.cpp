@@ -11,6 +11,22 @@ std::unexpected<StoreError> refused(ProfileStoreError error) {
     return std::unexpected(StoreError(error));
 }
 
+/// Puts the records of `before` that are meant back into `records`, each behind the one it stood behind.
+template <class Record, class Predicate>
+void putBackRecords(std::vector<Record>& records, const std::vector<Record>& before, Predicate isMeant) {
+    auto place = records.begin();
+    for (const Record& record : before) {
+        const auto found = std::ranges::find(records, record.id, &Record::id);
+        if (found != records.end()) {
+            if (isMeant(record))
+                *found = record;
+            place = found + 1;
+        } else if (isMeant(record)) {
+            place = records.insert(place, record) + 1;
+        }
+    }
+}
+
 } // namespace
 
 std::expected<SavedSetups, StoreError> ProfileStore::load() {
@@ -146,6 +162,17 @@ std::expected<void, StoreError> ProfileStore::setDefaultLayout(const Uuid& profi
                                                                std::optional<Uuid> layoutID) {
     return changeProfile(profileID,
                          [&](MonitorProfile& profile, Timestamp) { profile.defaultLayoutID = layoutID; });
+}
+
+std::expected<void, StoreError> ProfileStore::putBack(const Uuid& profileID, const StoredSetups& before) {
+    const auto restore = [&](Layouts& layouts, Profiles& profiles) -> std::expected<void, StoreError> {
+        putBackRecords(layouts, before.layouts,
+                       [&](const SavedLayout& layout) { return layout.profileID == profileID; });
+        putBackRecords(profiles, before.profiles,
+                       [&](const MonitorProfile& profile) { return profile.id == profileID; });
+        return {};
+    };
+    return changeFiles(paths_, clock_.now(), restore, layoutsFile_, profilesFile_);
 }
 
 std::vector<UnreadableFile> ProfileStore::unreadableFiles() {

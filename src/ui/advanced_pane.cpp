@@ -104,6 +104,8 @@ std::string AdvancedPane::lastAttemptText() const {
                     countsText(attempt->result));
     for (const std::string& error : attempt->result.errors)
         text += error + "\n";
+    for (const std::string& note : attempt->result.notes)
+        text += note + "\n";
     return text;
 }
 

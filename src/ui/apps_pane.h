@@ -19,7 +19,8 @@ public:
     static constexpr std::string_view title = "Excluded Apps";
     static constexpr std::string_view explanation = "These apps are always skipped during layout capture.";
     static constexpr std::string_view emptyText = "No excluded apps.";
-    static constexpr std::string_view placeholder = "Bundle ID (e.g. com.apple.finder)";
+    /// `example`: an identifier as this desktop has them.
+    static std::string placeholder(const std::string& example) { return "Bundle ID (e.g. " + example + ")"; }
 
     explicit ExclusionListView(SettingsStore& settingsStore) : settingsStore_(settingsStore) {}
 

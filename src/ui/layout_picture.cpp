@@ -47,7 +47,7 @@ double primaryHeight(const std::vector<SavedDisplay>& displays,
     return primary.maxY() + std::min(lowest, highest);
 }
 
-std::vector<LayoutPicture::Screen> screensOf(const SavedLayout& layout) {
+std::vector<LayoutPicture::Screen> screensOf(const SavedLayout& layout, LayoutPicture::ScreenNames names) {
     std::vector<SavedDisplay> displays = layout.savedDisplays.value_or(std::vector<SavedDisplay>{});
     std::erase_if(displays, [](const SavedDisplay& display) { return !isDrawable(display.visibleFrame); });
     if (displays.empty())
@@ -58,6 +58,10 @@ std::vector<LayoutPicture::Screen> screensOf(const SavedLayout& layout) {
         const Rect& visible = display.visibleFrame;
         screens.push_back(
             {{visible.x, height - visible.maxY(), visible.width, visible.height}, display.isInternal});
+        if (names == LayoutPicture::ScreenNames::shown)
+            screens.back().name = display.isInternal
+                                      ? "Built-in"
+                                      : fmt::format("{:.0f} × {:.0f}", visible.width, visible.height);
     }
     return screens;
 }
@@ -90,8 +94,8 @@ void moveBy(Rect& rect, const Rect& bounds) {
 
 } // namespace
 
-LayoutPicture makeLayoutPicture(const SavedLayout& layout) {
-    LayoutPicture picture{.screens = screensOf(layout)};
+LayoutPicture makeLayoutPicture(const SavedLayout& layout, LayoutPicture::ScreenNames names) {
+    LayoutPicture picture{.screens = screensOf(layout, names)};
     // Entries of one application stand front to back.
     for (const SavedLayoutEntry& entry : std::views::reverse(layout.entries)) {
         if (!isDrawable(entry.frame))

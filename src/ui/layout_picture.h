@@ -19,6 +19,7 @@ struct LayoutPicture {
     struct Screen {
         Rect frame;
         bool isInternal = false;
+        std::string name; ///< shown in the picture; empty when the display is connected now
         bool operator==(const Screen&) const = default;
     };
     struct Window {
@@ -31,6 +32,8 @@ struct LayoutPicture {
         bool operator==(const Window&) const = default;
     };
 
+    enum class ScreenNames { hidden, shown };
+
     Size size;
     std::vector<Screen> screens; ///< in the order of the layout; empty when no displays were saved
     std::vector<Window> windows; ///< in the order of drawing: the large ones behind the small ones
@@ -42,6 +45,7 @@ struct LayoutPicture {
 };
 
 /// Windows that lie on no display, and frames that are no rectangles, are left out.
-LayoutPicture makeLayoutPicture(const SavedLayout& layout);
+LayoutPicture makeLayoutPicture(const SavedLayout& layout,
+                                LayoutPicture::ScreenNames names = LayoutPicture::ScreenNames::hidden);
 
 } // namespace tavrin

@@ -1,16 +1,24 @@
 #pragma once
 
-#include "base/timestamp.h"
-#include "records/key_combo.h"
 #include "ui/layout_picture.h"
 #include "ui/user_interface.h"
 
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace tavrin {
+
+/// How the last restore of a layout went.
+struct RestoreReport {
+    std::string text; ///< empty before any
+    bool isWarning = false;
+    bool hasDetails = false; ///< the advanced pane tells more
+
+    bool operator==(const RestoreReport&) const = default;
+};
 
 /// What the layouts pane shows of one layout.
 struct LayoutCard {
@@ -18,11 +26,13 @@ struct LayoutCard {
     std::string name;
     std::size_t windowCount = 0;
     Timestamp updatedAt;
+    std::optional<std::string> age; ///< see `relativeTimeText`
     bool isDefault = false;
+    bool canRestore = false;
     bool canUpdate = false; ///< its displays are connected, so the windows of now belong to it
     std::optional<KeyCombo> shortcut;
     LayoutPicture picture;
-    std::string status; ///< how the last action on it went; empty before any
+    RestoreReport report;
 
     bool operator==(const LayoutCard&) const = default;
 };
@@ -32,29 +42,28 @@ struct SetupCard {
     Uuid id;
     std::string name;
     bool isCurrent = false;
-    std::string detail; ///< displays and learned associations in words
+    bool isCandidate = false; ///< may be the connected one; the user can say so
+    bool isExpanded = true;
+    std::string detail;          ///< displays and learned associations in words
+    std::size_t layoutCount = 0; ///< with those that are folded away or filtered out
     std::vector<LayoutCard> layouts;
 
     bool operator==(const SetupCard&) const = default;
 };
 
-/// A display setup that is probably the connected one.
-struct SetupSuggestion {
-    std::string title;
-    std::string message;
-    bool canConfirm = false; ///< there is exactly one candidate
-
-    bool operator==(const SetupSuggestion&) const = default;
-};
-
 struct LayoutsPaneContent {
-    std::optional<SetupSuggestion> suggestion;
+    /// Why the connected setup is not known for sure; empty when it is.
+    std::string suggestionTitle, suggestionMessage;
     std::string currentSetupText;  ///< which setup is connected, or why none is recognised
     std::vector<SetupCard> setups; ///< the connected or suggested one first
+    bool canSave = true;
+    bool isUnreadable = false; ///< a file cannot be read, so nothing is known of what was saved
+    bool offersFilter = false; ///< there are many layouts
+    bool isFoldable = false;   ///< setups can be folded
 
     bool operator==(const LayoutsPaneContent&) const = default;
 
-    bool isEmpty() const { return setups.empty(); }
+    bool isEmpty() const { return setups.empty() && !isUnreadable && !offersFilter; }
 };
 
 /// A question before something is lost.
@@ -65,13 +74,6 @@ struct DeletionQuestion {
 
     bool operator==(const DeletionQuestion&) const = default;
 };
-
-/// The questions. A layout's `shortcut` and `isDefault` and a setup's layouts say what is lost besides.
-DeletionQuestion layoutDeletionQuestion(const LayoutCard& layout, const SetupCard& setup);
-DeletionQuestion setupDeletionQuestion(const SetupCard& setup, std::size_t associationCount);
-
-/// "1 window", "5 windows".
-std::string windowCountText(std::size_t count);
 
 /// How long ago that was in words, for example "5 minutes ago"; absent from a day on (and for the future),
 /// where a date says more.
@@ -85,6 +87,8 @@ public:
         "Arrange your windows the way you like them, then save them as a layout for the displays you are "
         "using now.";
     static constexpr std::string_view emptySetupText = "No layouts saved for this display setup yet.";
+    static constexpr std::size_t manyLayouts = 12; ///< more than these get a filter and setups that fold
+    static constexpr Seconds reportDuration{60};
 
     /// The collaborators outlive the pane.
     explicit LayoutsPane(const SettingsCollaborators& collaborators);
@@ -93,11 +97,15 @@ public:
     void appear();
 
     const LayoutsPaneContent& content() const { return content_; }
-    Timestamp now() const { return collaborators_.clock.now(); }
+
+    /// Shows only layouts with that text in their names; an empty text shows all.
+    void setFilter(std::string_view filter);
+    void setExpanded(const Uuid& profileID, bool isExpanded);
 
     /// Asks for a name beside that place on the desktop, in the toolkit's coordinates.
     void saveLayout(const Rect& beside);
-    void confirmSuggestion();
+    /// The user says which setup is the connected one.
+    void confirmSetup(const Uuid& profileID);
 
     void restore(const Uuid& layoutID);
     /// Replaces the saved windows by those that are open now.
@@ -114,31 +122,37 @@ public:
     void renameSetup(const Uuid& profileID, std::string_view name);
 
     /// Absent for what is gone meanwhile.
-    std::optional<DeletionQuestion> layoutDeletionQuestion(const Uuid& layoutID) const;
-    std::optional<DeletionQuestion> setupDeletionQuestion(const Uuid& profileID) const;
-    /// Shortcuts go with their layouts, layouts with their setup.
+    std::optional<DeletionQuestion> layoutDeletionQuestion(const Uuid& layoutID);
+    std::optional<DeletionQuestion> setupDeletionQuestion(const Uuid& profileID);
     void deleteLayout(const Uuid& layoutID);
     void deleteSetup(const Uuid& profileID);
 
     Signal<> changed;
 
 private:
-    struct Found {
-        const SetupCard& setup;
-        const LayoutCard& layout;
-    };
-    std::optional<Found> find(const Uuid& layoutID) const;
+    /// The layouts as they are stored; empty when they cannot be read.
+    std::vector<SavedLayout> storedLayouts() const;
     LayoutsPaneContent read() const;
-    std::optional<SetupSuggestion> suggestion() const;
+    SetupCard readSetup(const MonitorProfile& profile, const std::vector<SavedLayout>& layouts,
+                        bool isFoldable) const;
+    RestoreReport report(const RestoreResult& result, const Uuid& layoutID) const;
     void publish();
     /// Lets the models read again what an action left behind, and with them this pane.
     void reloadModels();
-    void removeShortcutsOfMissingLayouts();
+    void setReport(const Uuid& layoutID, RestoreReport report);
+    void clearReport();
+    /// Whatever the user does next ends what was said about the action before.
+    void beginAction();
+    void readAgainSoon();
 
     const SettingsCollaborators& collaborators_;
     LayoutsPaneContent content_;
-    std::optional<Uuid> statusLayoutID_;
-    std::string status_;
+    std::string filter_;               ///< folded
+    std::map<Uuid, bool> foldChoices_; ///< setups that the user folded or unfolded
+    std::optional<Uuid> reportLayoutID_;
+    RestoreReport report_;
+    Token reportExpiry_;
+    Token nextReading_;
     std::vector<Token> subscriptions_;
 };
 

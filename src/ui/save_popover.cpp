@@ -48,7 +48,7 @@ void CapturePopoverController::show(std::optional<Rect> beside) {
     currentProfileViewModel_.refresh();
     profileListViewModel_.reload();
     if (!profileID)
-        return;
+        return layoutChanges_.reportFailure(profileID.error());
     std::vector<std::string> existingNames;
     if (const auto setups = profileStore_.load())
         for (const SavedLayout& layout : setups->layoutsOf(*profileID))
@@ -60,7 +60,7 @@ void CapturePopoverController::show(std::optional<Rect> beside) {
                           const auto self = weak.lock();
                           if (!self)
                               return;
-                          (*self)->capture(name, profileID);
+                          (*self)->layoutChanges_.save(name, profileID);
                           (*self)->popover_.close();
                       },
                       [weak] {
@@ -68,15 +68,6 @@ void CapturePopoverController::show(std::optional<Rect> beside) {
                               (*self)->popover_.close();
                       }),
                   beside);
-}
-
-void CapturePopoverController::updateLayout(std::string_view name, const Uuid& profileID) {
-    capture(name, profileID);
-}
-
-void CapturePopoverController::capture(std::string_view name, const Uuid& profileID) {
-    static_cast<void>(captureService_.capture(name, SavedLayoutKind::appSpecific, profileID));
-    profileListViewModel_.reload();
 }
 
 } // namespace tavrin

@@ -2,9 +2,7 @@
 
 #include "base/geometry.h"
 #include "base/token.h"
-#include "capture/capture_service.h"
-#include "ui/current_profile_view_model.h"
-#include "ui/profile_list_view_model.h"
+#include "ui/layout_changes.h"
 
 #include <functional>
 #include <memory>
@@ -65,14 +63,14 @@ public:
     virtual void close() = 0;
 };
 
-/// The quick way to save the windows: asks for a name, or captures again under the
-/// name of a layout. Failures show nothing and leave nothing behind.
+/// The quick way to save the windows: asks for a name, or captures again under the name of a layout. Failures
+/// leave nothing behind; what came of it is told by `LayoutChanges`.
 class CapturePopoverController {
 public:
     CapturePopoverController(CaptureService& captureService, ProfileStore& profileStore,
-                             CurrentProfileViewModel& currentProfileViewModel,
+                             LayoutChanges& layoutChanges, CurrentProfileViewModel& currentProfileViewModel,
                              ProfileListViewModel& profileListViewModel, PopoverSurface& popover)
-        : captureService_(captureService), profileStore_(profileStore),
+        : captureService_(captureService), profileStore_(profileStore), layoutChanges_(layoutChanges),
           currentProfileViewModel_(currentProfileViewModel), profileListViewModel_(profileListViewModel),
           popover_(popover) {}
 
@@ -81,13 +79,12 @@ public:
     void show(std::optional<Rect> beside = {});
 
     /// Captures again under the name of an existing layout, which that replaces.
-    void updateLayout(std::string_view name, const Uuid& profileID);
+    void updateLayout(const Uuid& layoutID) { layoutChanges_.update(layoutID); }
 
 private:
-    void capture(std::string_view name, const Uuid& profileID);
-
     CaptureService& captureService_;
     ProfileStore& profileStore_;
+    LayoutChanges& layoutChanges_;
     CurrentProfileViewModel& currentProfileViewModel_;
     ProfileListViewModel& profileListViewModel_;
     PopoverSurface& popover_;

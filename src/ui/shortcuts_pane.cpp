@@ -49,7 +49,21 @@ void ShortcutRecorderView::stopListening() {
     pause_.release();
 }
 
-ShortcutsPane::ShortcutsPane(Collaborators collaborators) : collaborators_(collaborators) {
+std::string shortcutInWords(const KeyCombo& combo) {
+    struct Name {
+        ModifierSet modifier;
+        const char* text;
+    };
+    std::string words;
+    for (const Name& name : {Name{ModifierSet::control, "Ctrl+"}, Name{ModifierSet::option, "Alt+"},
+                             Name{ModifierSet::shift, "Shift+"}, Name{ModifierSet::command, "Super+"}})
+        if (combo.modifiers.contains(name.modifier))
+            words += name.text;
+    return words + KeyCombo::keyName(combo.keyCode);
+}
+
+ShortcutsPane::ShortcutsPane(const SettingsCollaborators& collaborators) : collaborators_(collaborators) {
+    reserved_ = collaborators_.desktopInformation.texts().reservedCombos;
     recorders_[std::nullopt] = makeRecorder(std::nullopt);
     subscriptions_.push_back(collaborators_.profileListViewModel.reloaded.connect([this] { readGroups(); }));
     subscriptions_.push_back(
@@ -57,6 +71,10 @@ ShortcutsPane::ShortcutsPane(Collaborators collaborators) : collaborators_(colla
     ShortcutManager& manager = collaborators_.shortcutManager;
     subscriptions_.push_back(manager.autoDetectShortcut.subscribe([this](const auto&) { readCombos(); }));
     subscriptions_.push_back(manager.layoutShortcuts.subscribe([this](const auto&) { readCombos(); }));
+    subscriptions_.push_back(manager.refusedShortcuts.subscribe([this](const auto&) {
+        for (const auto& [layoutID, view] : recorders_)
+            view->changed.emit();
+    }));
     readGroups();
 }
 
@@ -134,13 +152,25 @@ ShortcutsPane::assignments(const std::optional<Uuid>& editedLayoutID) const {
             assignments.push_back({label, *used});
     };
     add(std::nullopt, std::string(autoDetectTitle));
+    std::vector<std::string> titles;
     for (const Group& group : groups_)
         for (const Row& row : group.rows)
-            add(row.layoutID, row.title);
+            titles.push_back(row.title);
+    for (const Group& group : groups_)
+        for (const Row& row : group.rows)
+            add(row.layoutID,
+                std::ranges::count(titles, row.title) > 1 ? row.title + ", " + group.title : row.title);
     for (const auto& [layoutID, used] : collaborators_.shortcutManager.layoutShortcuts.value())
         if (!recorders_.contains(layoutID))
             assignments.push_back({"a layout that cannot be shown", used});
     return assignments;
+}
+
+std::string ShortcutsPane::note(const KeyCombo& combo) const {
+    for (const RefusedKey& refused : collaborators_.shortcutManager.refusedShortcuts.value())
+        if (refused.combo == combo)
+            return refused.reason;
+    return isCommonlyUsed(combo) ? "Most apps use this combination themselves." : "";
 }
 
 std::unique_ptr<ShortcutRecorderView> ShortcutsPane::makeRecorder(const std::optional<Uuid>& layoutID) {
@@ -153,7 +183,7 @@ std::unique_ptr<ShortcutRecorderView> ShortcutsPane::makeRecorder(const std::opt
                 collaborators_.shortcutManager.setAutoDetectShortcut(recorded);
         },
         [this, layoutID](const KeyCombo& proposed) {
-            return ShortcutConflictChecker{}.conflictMessage(proposed, assignments(layoutID));
+            return ShortcutConflictChecker(reserved_).conflictMessage(proposed, assignments(layoutID));
         });
     return std::make_unique<ShortcutRecorderView>(std::move(recorder), collaborators_.shortcutManager,
                                                   collaborators_.keyMonitors);

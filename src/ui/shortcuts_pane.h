@@ -4,8 +4,7 @@
 #include "shortcuts/shortcut_conflict_checker.h"
 #include "shortcuts/shortcut_manager.h"
 #include "shortcuts/shortcut_recorder.h"
-#include "ui/current_profile_view_model.h"
-#include "ui/profile_list_view_model.h"
+#include "ui/user_interface.h"
 
 #include <map>
 #include <memory>
@@ -46,6 +45,9 @@ private:
     Token monitor_;
 };
 
+/// The shortcut in the words printed on keyboards, for example "Ctrl+Alt+R".
+std::string shortcutInWords(const KeyCombo& combo);
+
 /// All shortcuts with their recorders: the one that finds the layout by itself, then one per layout.
 class ShortcutsPane {
 public:
@@ -53,14 +55,6 @@ public:
     static constexpr std::string_view autoDetectExplanation =
         "Restores the default layout of the connected setup.";
     static constexpr std::string_view emptyText = "Every layout you save can have a shortcut of its own.";
-
-    struct Collaborators {
-        ShortcutManager& shortcutManager;
-        KeyMonitors& keyMonitors;
-        ProfileStore& profileStore;
-        ProfileListViewModel& profileListViewModel;
-        CurrentProfileViewModel& currentProfileViewModel;
-    };
 
     /// One shortcut; without a layout it is the one that finds the layout by itself.
     struct Row {
@@ -76,7 +70,8 @@ public:
         bool operator==(const Group&) const = default;
     };
 
-    explicit ShortcutsPane(Collaborators collaborators);
+    /// The collaborators outlive the pane.
+    explicit ShortcutsPane(const SettingsCollaborators& collaborators);
 
     /// Reads setups and layouts anew. Shortcuts of layouts that are gone are removed.
     void appear();
@@ -86,6 +81,9 @@ public:
 
     /// The recorder of a row that is shown; it lives as long as its row.
     ShortcutRecorderView& recorder(const std::optional<Uuid>& layoutID);
+
+    /// What the user should know of a shortcut although it is accepted; empty for most.
+    std::string note(const KeyCombo& combo) const;
 
     /// Rows came or went; each recorder tells of its own changes.
     Signal<> changed;
@@ -101,7 +99,8 @@ private:
     assignments(const std::optional<Uuid>& editedLayoutID) const;
     std::unique_ptr<ShortcutRecorderView> makeRecorder(const std::optional<Uuid>& layoutID);
 
-    Collaborators collaborators_;
+    const SettingsCollaborators& collaborators_;
+    std::vector<ReservedCombo> reserved_; ///< by this desktop; empty: the usual ones
     std::vector<Group> groups_;
     Recorders recorders_;
     std::vector<Token> subscriptions_;

@@ -23,6 +23,7 @@ struct SettingsCollaborators {
     SettingsStore& settingsStore;
     CaptureService& captureService;
     ProfileStore& profileStore;
+    LayoutChanges& layoutChanges;
     RestoreDebugStore& restoreDebugStore;
     LayoutRestorer& layoutRestorer;
     LaunchAtLoginService& launchAtLoginService;

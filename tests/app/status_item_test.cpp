@@ -95,7 +95,8 @@ protected:
     LayoutRestorer restorer{{store, restores, debugStore, time, [this] { permissionModel.refresh(); }}};
     CaptureService capture{{windows, nullptr, store, settings, displays, time}, 4711};
     SettingsWindowController settingsWindow{host, host, AppDataResetCoordinator{paths, defaults}};
-    CapturePopoverController capturePopover{capture, store, current, list, popover};
+    LayoutChanges changes{{capture, store, shortcuts, current, list, time}};
+    CapturePopoverController capturePopover{capture, store, changes, current, list, popover};
     StatusItemController controller{{permissionModel, settingsWindow, current, list, capturePopover, store,
                                      restorer, shortcuts, item, host, host, time}};
 

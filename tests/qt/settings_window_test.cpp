@@ -13,11 +13,9 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QScrollArea>
-#include <QScrollBar>
+#include <QTextEdit>
 #include <QToolButton>
 #include <QWheelEvent>
-
-#include <set>
 
 namespace tavrin {
 namespace {
@@ -111,6 +109,15 @@ protected:
             EXPECT_GE(widget.width(), widget.minimumSizeHint().width()) << name;
         }
     }
+    /// What a screen reader says of the control with the focus.
+    static std::string focusedName() {
+        const QWidget* focused = QApplication::focusWidget();
+        return focused ? spokenName(*focused) : "nothing";
+    }
+    std::string press(int key) {
+        press(QApplication::focusWidget(), key);
+        return focusedName();
+    }
     QListWidget& sideList() { return *window->findChild<QListWidget*>(); }
 };
 
@@ -176,141 +183,6 @@ TEST_F(SettingsWindowTest, NamesEveryControlAndCutsNothingOff) {
     QApplication::setFont(usual);
 }
 
-TEST_F(SettingsWindowTest, OperatesAutomation) {
-    show(SettingsPane::automation);
-    click(named("Restore on wake"));
-    click(named("Restore on monitor connect"));
-    EXPECT_TRUE(settings.load()->autoRestoreOnWake);
-    EXPECT_FALSE(settings.load()->autoRestoreOnConnect);
-    loginItem.fails = true;
-    auto* login = named("Launch Tavrin at login");
-    click(login);
-    EXPECT_TRUE(says("Could not enable launch at login: no room"));
-    time.pass(0);
-    EXPECT_FALSE(login->isChecked());
-    loginItem.fails = false;
-    click(login);
-    EXPECT_FALSE(says("Could not enable launch at login: no room"));
-    EXPECT_TRUE(settings.load()->launchAtLogin);
-    auto* picker = named<QComboBox>("Default Layout, Desk");
-    ASSERT_TRUE(picker);
-    EXPECT_EQ(picker->currentText(), "None");
-    picker->setCurrentIndex(picker->findText("Play"));
-    Q_EMIT picker->activated(picker->currentIndex());
-    EXPECT_EQ(profileNamed("Desk").defaultLayoutID, playID);
-    QWheelEvent wheel({5, 5}, picker->mapToGlobal(QPointF(5, 5)), {0, 40}, {0, 120}, {}, {},
-                      Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(picker, &wheel);
-    EXPECT_EQ(profileNamed("Desk").defaultLayoutID, playID) << "scrolling over it chooses nothing";
-    picker->setCurrentIndex(0);
-    Q_EMIT picker->activated(0);
-    EXPECT_EQ(profileNamed("Desk").defaultLayoutID, std::nullopt);
-}
-
-TEST_F(SettingsWindowTest, OperatesApps) {
-    windows.windows = {testing::window(1, "Editor", "a", {0, 0, 100, 100})};
-    show(SettingsPane::apps);
-    EXPECT_TRUE(says("No excluded apps."));
-    auto* field = named<QLineEdit>("Bundle ID");
-    field->setText("editor");
-    EXPECT_FALSE(button("Add App")->isEnabled());
-    field->setText(" com.example.editor ");
-    click(button("Add App"));
-    EXPECT_EQ(field->text(), "");
-    click(named("Exclude Editor"));
-    EXPECT_EQ(settings.load()->excludedBundleIDs,
-              (std::vector<std::string>{"com.example.editor", "Editor.desktop"}));
-    click(named("Remove com.example.editor"));
-    click(named("Remove Editor.desktop"));
-    EXPECT_TRUE(settings.load()->excludedBundleIDs.empty());
-    EXPECT_TRUE(says("No excluded apps."));
-}
-
-TEST_F(SettingsWindowTest, OperatesShortcuts) {
-    show(SettingsPane::shortcuts);
-    auto* field = named("Shortcut of Work, Desk");
-    EXPECT_EQ(field->text(), "Click to set");
-    click(field);
-    EXPECT_EQ(field->text(), "Press shortcut…");
-    pressHere(keyR, option);
-    EXPECT_TRUE(says("Use Control in the shortcut so Tavrin does not conflict with app or system commands."));
-    pressHere(keyR, control | option);
-    EXPECT_EQ(field->text(), "⌃⌥R");
-    EXPECT_EQ(settings.load()->layoutShortcuts.at(workID.text()), (KeyCombo{keyR, control | option}));
-    EXPECT_TRUE(field->accessibleDescription().startsWith("Ctrl+Alt+R"));
-    click(field);
-    QFocusEvent leaving(QEvent::FocusOut);
-    QCoreApplication::sendEvent(field, &leaving);
-    EXPECT_FALSE(keys.local) << "recording ends with the focus";
-    click(named("Clear shortcut of Work, Desk"));
-    EXPECT_TRUE(settings.load()->layoutShortcuts.empty());
-
-    ASSERT_TRUE(store.deleteLayout(workID));
-    list.reload();
-    runEventLoopOnce();
-    EXPECT_FALSE(says("Work"));
-}
-
-TEST_F(SettingsWindowTest, OperatesAdvanced) {
-    permission.state = AccessibilityPermissionState::denied;
-    show(SettingsPane::advanced);
-    EXPECT_TRUE(says("No restore attempt recorded yet in this app session."));
-    click(named("Recheck permission"));
-    EXPECT_TRUE(says("Accessibility permission required"));
-    click(named("Cluster extra same-app windows into the dominant saved region"));
-    EXPECT_FALSE(settings.load()->clusterExtraAppWindows);
-    attempts.record(time.now(), RestoreTriggerSource::shortcut, testing::layout("Work", {}),
-                    RestoreResult(2, 1, 1, {"Editor: first", "Mail: second"}));
-    EXPECT_TRUE(says("Editor: first\nMail: second"));
-    click(named("Copy the last restore attempt"));
-    EXPECT_TRUE(QApplication::clipboard()->text().endsWith("Editor: first\nMail: second\n"));
-    EXPECT_FALSE(says("/data"));
-    click(button("Troubleshooting"));
-    EXPECT_TRUE(says("/data"));
-    click(button("Copy Report"));
-    EXPECT_TRUE(QApplication::clipboard()->text().startsWith("Tavrin troubleshooting\n"));
-    click(button("Open Data Folder"));
-    EXPECT_EQ(host.log, "/data ");
-    click(button("Troubleshooting"));
-    EXPECT_FALSE(says("/data"));
-}
-
-TEST_F(SettingsWindowTest, OperatesLayouts) {
-    show(SettingsPane::layouts);
-    restores.results = {RestoreResult(2, 2, 0, {})};
-    click(named("Restore Work"));
-    EXPECT_TRUE(says("Restored: 2 of 2 windows in place."));
-    EXPECT_FALSE(named("Update Evening")->isEnabled());
-    windows.windows = {testing::window(1, "Editor", "a", {0, 0, 100, 100})};
-    click(named("Update Work"));
-    EXPECT_TRUE(says("Updated with 1 window."));
-    choose("More for Work", "Make Default");
-    EXPECT_EQ(profileNamed("Desk").defaultLayoutID, workID);
-    EXPECT_TRUE(says("Default"));
-    choose("More for Work", "Do Not Restore Automatically");
-    EXPECT_EQ(profileNamed("Desk").defaultLayoutID, std::nullopt);
-    auto* save = button("Save Layout…");
-    click(save);
-    EXPECT_EQ(host.log, "save ");
-    const QPoint corner = save->mapToGlobal(QPoint(0, 0));
-    EXPECT_EQ(savedBeside,
-              (Rect{double(corner.x()), double(corner.y()), double(save->width()), double(save->height())}));
-
-    choose("More for Play", "Delete…");
-    click(button("Cancel"));
-    EXPECT_EQ(layoutNames(), (std::vector<std::string>{"Work", "Play", "Evening"}));
-    choose("More for Play", "Delete…");
-    click(button("Delete Layout"));
-    EXPECT_EQ(layoutNames(), (std::vector<std::string>{"Work", "Evening"}));
-    for (const char* setup : {"Desk", "Home"}) {
-        choose(QString("More for %1").arg(setup), "Delete…");
-        click(button("Delete Setup"));
-    }
-    EXPECT_TRUE(store.loadProfiles()->empty());
-    click(button("Save Layout…"));
-    EXPECT_EQ(host.log, "save save ") << "the empty pane offers it too";
-}
-
 TEST_F(SettingsWindowTest, AQuestionKeepsEverythingElseOutOfReach) {
     show(SettingsPane::layouts);
     auto* more = named<QToolButton>("More for Work");
@@ -343,63 +215,158 @@ TEST_F(SettingsWindowTest, AQuestionKeepsEverythingElseOutOfReach) {
     EXPECT_EQ(layoutNames().size(), 3u);
 }
 
-// Tab leads from the list of panes through every control of the pane, from top to bottom, and back.
-TEST_F(SettingsWindowTest, ReachesEveryControlByTab) {
-    windows.windows = {testing::window(1, "Editor", "a", {0, 0, 100, 100})};
-    ASSERT_TRUE(settings.save({.excludedBundleIDs = {"a.b", "c.d"}}));
-    shortcuts.setLayoutShortcut(KeyCombo{keyR, control | option}, workID);
-    attempts.record(time.now(), RestoreTriggerSource::shortcut, testing::layout("Work", {}),
-                    RestoreResult(2, 1, 1, {"Editor: first"}));
-    for (int pane = 0; pane < 5; ++pane) {
-        show(static_cast<SettingsPane>(pane));
-        if (static_cast<SettingsPane>(pane) == SettingsPane::advanced)
-            click(button("Troubleshooting"));
-        std::set<std::string> expected;
-        for (auto* widget : shown())
-            if (widget->focusPolicy() & Qt::TabFocus && widget->isEnabled() && widget != &sideList())
-                expected.insert(spokenName(*widget));
-        sideList().setFocus();
-        std::set<std::string> reached;
-        int bottom = 0;
-        for (press(&sideList(), Qt::Key_Tab); QApplication::focusWidget() != &sideList();
-             press(QApplication::focusWidget(), Qt::Key_Tab)) {
-            const auto* focused = QApplication::focusWidget();
-            ASSERT_TRUE(reached.insert(spokenName(*focused)).second)
-                << "pane " << pane << " goes round in a circle";
-            const int lowerEdge = focused->mapTo(window, QPoint(0, focused->height())).y();
-            const auto* area = window->findChild<QScrollArea*>();
-            EXPECT_GE(lowerEdge + area->verticalScrollBar()->value(), bottom) << spokenName(*focused);
-            bottom = lowerEdge + area->verticalScrollBar()->value() - focused->height();
-            EXPECT_LE(lowerEdge, window->height()) << "scrolled into sight";
-        }
-        EXPECT_EQ(reached, expected) << "pane " << pane;
+// By keyboard alone: every list is one Tab stop, and within it the arrows, typed letters, F2 and Delete do
+// the rest.
+TEST_F(SettingsWindowTest, LeadsThroughAListByKeyboard) {
+    show(SettingsPane::layouts);
+    EXPECT_EQ(press(Qt::Key_Tab), "Save Layout…");
+    EXPECT_EQ(press(Qt::Key_Tab), "Work, Desk");
+    EXPECT_EQ(press(Qt::Key_Down), "Play, Desk");
+    EXPECT_EQ(press(Qt::Key_End), "Evening, Home");
+    EXPECT_EQ(press(Qt::Key_Up), "Home");
+    EXPECT_EQ(press(Qt::Key_Home), "Desk, connected now");
+    EXPECT_EQ(press(Qt::Key_PageDown), "Evening, Home");
+    QKeyEvent letter(QEvent::KeyPress, Qt::Key_W, Qt::NoModifier, "w");
+    QCoreApplication::sendEvent(QApplication::focusWidget(), &letter);
+    EXPECT_EQ(focusedName(), "Work, Desk");
+    EXPECT_EQ(press(Qt::Key_Right), "Restore Work");
+    EXPECT_EQ(press(Qt::Key_Right), "More for Work");
+    EXPECT_EQ(press(Qt::Key_Left), "Restore Work");
+    EXPECT_EQ(press(Qt::Key_Down), "Play, Desk");
+    EXPECT_EQ(press(Qt::Key_Tab), "Settings panes") << "one stop, wherever in the list";
+
+    sideList().setFocus();
+    press(Qt::Key_Tab);
+    EXPECT_EQ(press(Qt::Key_Tab), "Play, Desk") << "where it was left";
+    press(Qt::Key_F2);
+    ASSERT_TRUE(nameField());
+    EXPECT_EQ(nameField()->selectedText(), "Play");
+    nameField()->setText("work");
+    press(Qt::Key_Return);
+    EXPECT_TRUE(says("Another layout of this display setup has this name."));
+    nameField()->setText("Rest");
+    displays.snapshot = testing::leftAlone();
+    current.refresh();
+    ASSERT_TRUE(nameField()) << "other news do not end the editing";
+    EXPECT_EQ(press(Qt::Key_Return), "Rest, Desk");
+    press(Qt::Key_Delete);
+    EXPECT_TRUE(says("Delete layout “Rest”?"));
+    press(Qt::Key_Tab);
+    EXPECT_EQ(press(Qt::Key_Return), "Work, Desk") << "the next one, or the last";
+    EXPECT_EQ(layoutNames(), (std::vector<std::string>{"Work", "Evening"}));
+    EXPECT_TRUE(says("Deleted layout “Rest”."));
+    click(button("Undo"));
+    EXPECT_EQ(layoutNames(), (std::vector<std::string>{"Work", "Rest", "Evening"}));
+}
+
+TEST_F(SettingsWindowTest, EveryFocusedControlIsInSight) {
+    for (int i = 0; i < 30; ++i)
+        save("Layout " + std::to_string(i), deskID, {});
+    show(SettingsPane::layouts);
+    ASSERT_TRUE(waitUntil([&] { return shown<QWidget>().size() > 30 * 8; }));
+    const auto* area = window->findChild<QScrollArea*>();
+    press(Qt::Key_Tab);
+    EXPECT_EQ(press(Qt::Key_Tab), "Filter layouts");
+    press(Qt::Key_Tab);
+    for (const int key : {Qt::Key_End, Qt::Key_Home, Qt::Key_PageDown, Qt::Key_PageDown, Qt::Key_Up}) {
+        press(key);
+        const QWidget* focused = QApplication::focusWidget();
+        const QRect place(focused->mapTo(area->viewport(), QPoint(0, 0)), focused->size());
+        EXPECT_TRUE(area->viewport()->rect().contains(place)) << focusedName();
     }
 }
 
-TEST_F(SettingsWindowTest, RenamesInPlace) {
+// Nothing is rebuilt under the pointer or the focus.
+TEST_F(SettingsWindowTest, ChangesCardsInPlace) {
     show(SettingsPane::layouts);
-    choose("More for Work", "Rename");
-    ASSERT_TRUE(nameField());
-    EXPECT_EQ(nameField()->selectedText(), "Work");
-    nameField()->setText("play");
-    press(nameField(), Qt::Key_Return);
-    EXPECT_TRUE(says("Another layout of this display setup has this name."));
-    nameField()->setText("Wo");
-    displays.snapshot = testing::leftAlone();
-    current.refresh();
-    runEventLoopOnce();
-    ASSERT_TRUE(nameField()) << "other news do not end the editing";
-    EXPECT_EQ(nameField()->text(), "Wo");
-    press(nameField(), Qt::Key_Escape);
-    EXPECT_FALSE(nameField());
-    choose("More for Work", "Rename");
-    nameField()->setText("Focus");
-    press(nameField(), Qt::Key_Return);
-    choose("More for Home", "Rename");
-    nameField()->setText("Flat");
-    press(nameField(), Qt::Key_Return);
-    EXPECT_EQ(layoutNames(), (std::vector<std::string>{"Focus", "Play", "Evening"}));
-    EXPECT_TRUE(says("Flat"));
+    auto* restore = named("Restore Work");
+    windows.windows = {testing::window(1, "Editor", "a", {0, 0, 100, 100})};
+    changes.update(workID);
+    ASSERT_TRUE(store.setDefaultLayout(deskID, workID));
+    shortcuts.setLayoutShortcut(KeyCombo{keyR, control | option}, workID);
+    list.reload();
+    EXPECT_EQ(named("Restore Work"), restore);
+    EXPECT_TRUE(says("1 window · Changed just now"));
+    EXPECT_TRUE(says("Default"));
+    EXPECT_TRUE(says("⌃⌥R"));
+    EXPECT_TRUE(says("Updated with 1 window."));
+}
+
+TEST_F(SettingsWindowTest, SaysFirstWhatIsMissing) {
+    information.facts = {};
+    permission.state = AccessibilityPermissionState::denied;
+    permissionModel.refresh();
+    files.files["/data/settings.json"] = "{";
+    for (int pane = 0; pane < 5; ++pane) {
+        show(static_cast<SettingsPane>(pane));
+        EXPECT_TRUE(says("Accessibility permission required")) << pane;
+        EXPECT_TRUE(says("“settings.json” cannot be read")) << pane;
+    }
+    host.log.clear();
+    click(button("How to fix it"));
+    EXPECT_EQ(host.log, "help ");
+    click(button("Set Aside and Start Fresh"));
+    EXPECT_FALSE(says("“settings.json” cannot be read"));
+    show(SettingsPane::layouts);
+    EXPECT_FALSE(button("Save Layout…")->isEnabled());
+    EXPECT_FALSE(named("Restore Work")->isEnabled());
+    permission.state = AccessibilityPermissionState::granted;
+    click(button("Recheck"));
+    EXPECT_TRUE(named("Restore Work")->isEnabled());
+    EXPECT_FALSE(says("Accessibility permission required"));
+}
+
+TEST_F(SettingsWindowTest, ShowsTheLastAttemptAndAReportToCopy) {
+    show(SettingsPane::advanced);
+    EXPECT_TRUE(says("No restore attempt recorded yet in this app session."));
+    attempts.record(time.now(), RestoreTriggerSource::shortcut, testing::layout("Work", {}),
+                    RestoreResult(2, 1, 1, {"Editor: first", "Mail: second"}));
+    auto* errors = named<QTextEdit>("Errors");
+    ASSERT_TRUE(errors);
+    EXPECT_EQ(errors->toPlainText(), "Editor: first\nMail: second");
+    click(named("Copy the last restore attempt"));
+    EXPECT_TRUE(QApplication::clipboard()->text().endsWith("Editor: first\nMail: second\n"));
+    click(button("Troubleshooting"));
+    EXPECT_EQ(named<QTextEdit>("Data")->toPlainText(), "/data");
+    click(button("Copy Report"));
+    EXPECT_TRUE(QApplication::clipboard()->text().startsWith("Tavrin troubleshooting\n"));
+    click(button("Open Data Folder"));
+    EXPECT_EQ(host.log.substr(host.log.size() - 6), "/data ");
+}
+
+TEST_F(SettingsWindowTest, TellsWhatIsRestoredByItselfAndPutsTheLoginSwitchBack) {
+    show(SettingsPane::automation);
+    auto* picker = named<QComboBox>("Default Layout, Desk");
+    const auto count = [&] {
+        return std::ranges::count_if(shown<QLabel>(), [](const QLabel* label) {
+            return label->text() == "Nothing is restored automatically on this setup.";
+        });
+    };
+    EXPECT_EQ(count(), 2);
+    picker->setCurrentIndex(picker->findText("Play"));
+    Q_EMIT picker->activated(picker->currentIndex());
+    EXPECT_EQ(count(), 1);
+    QWheelEvent wheel({5, 5}, picker->mapToGlobal(QPointF(5, 5)), {0, 40}, {0, 120}, {}, {},
+                      Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(picker, &wheel);
+    EXPECT_EQ(profileNamed("Desk").defaultLayoutID, playID) << "scrolling over it chooses nothing";
+    loginItem.fails = true;
+    auto* login = named("Launch Tavrin at login");
+    click(login);
+    EXPECT_TRUE(says("Could not enable launch at login: no room"));
+    time.pass(0);
+    EXPECT_FALSE(login->isChecked());
+}
+
+TEST_F(SettingsWindowTest, SaysWhatIsSpecialAboutAShortcut) {
+    show(SettingsPane::shortcuts);
+    auto* field = named("Shortcut of Work, Desk");
+    shortcuts.setLayoutShortcut(KeyCombo{8, control}, workID);
+    EXPECT_EQ(field->text(), "⌃C");
+    EXPECT_TRUE(field->accessibleDescription().startsWith("Ctrl+C"));
+    EXPECT_TRUE(says("Most apps use this combination themselves."));
+    shortcuts.refusedShortcuts.set({{KeyCombo{8, control}, "Another program uses this combination."}});
+    EXPECT_TRUE(says("Another program uses this combination."));
 }
 
 } // namespace

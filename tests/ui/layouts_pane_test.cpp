@@ -1,5 +1,8 @@
 #include "settings_fixture.h"
 #include "ui/layouts_pane.h"
+#include "ui/troubles.h"
+
+#include <functional>
 
 namespace tavrin {
 namespace {
@@ -32,6 +35,7 @@ protected:
         }
         return text;
     }
+    std::string notice() { return changes.notice.value() ? changes.notice.value()->text : std::string(); }
     void failWrites() { files.failing = {"writeFlushed"}; }
 };
 
@@ -43,15 +47,14 @@ TEST_F(LayoutsPaneTest, ShowsTheConnectedSetupFirstWithItsLayouts) {
     const SetupCard& connected = pane.content().setups[0];
     EXPECT_TRUE(connected.isCurrent);
     EXPECT_FALSE(pane.content().setups[1].isCurrent);
-    EXPECT_EQ(connected.detail, "2 displays · Association learning has not started yet.");
-    EXPECT_EQ(pane.content().setups[1].detail, "1 display · Association learning has not started yet.");
+    EXPECT_EQ(connected.detail, "2 displays");
     EXPECT_EQ(card(workID).windowCount, 2U);
     EXPECT_EQ(card(workID).shortcut, controlR);
     EXPECT_FALSE(card(workID).isDefault);
     EXPECT_TRUE(card(playID).isDefault);
     EXPECT_TRUE(card(workID).canUpdate);
     EXPECT_FALSE(card(eveningID).canUpdate) << "other displays are connected";
-    EXPECT_EQ(pane.content().suggestion, std::nullopt);
+    EXPECT_EQ(pane.content().suggestionTitle, "");
 
     displays.snapshot = testing::leftAlone();
     current.refresh();
@@ -63,27 +66,23 @@ TEST_F(LayoutsPaneTest, TellsSetupsOfOneNameApart) {
     pane.appear();
     displays.snapshot = testing::leftAlone();
     pane.update(workID);
-    EXPECT_EQ(card(workID).status, "") << "its displays went just now";
+    EXPECT_EQ(notice(), "") << "its displays went just now";
     EXPECT_EQ(pane.content().setups.front().id, homeID);
     EXPECT_FALSE(card(workID).canUpdate);
 }
 
-TEST_F(LayoutsPaneTest, OffersASuggestionForConfirmation) {
+TEST_F(LayoutsPaneTest, TheUserSaysWhichOfSeveralSimilarSetupsIsConnected) {
     const auto studio = store.createProfile("Studio", fingerprint(testing::desk()));
     displays.snapshot.displays[1].stableID = "9-9-9";
     current.refresh();
-    ASSERT_TRUE(pane.content().suggestion);
-    EXPECT_EQ(pane.content().suggestion->title, "Suggested display setup: Desk, Studio");
-    EXPECT_FALSE(pane.content().suggestion->canConfirm) << "none of several is picked";
-
-    pane.deleteSetup(studio->id);
-    ASSERT_TRUE(pane.content().suggestion);
-    EXPECT_EQ(*pane.content().suggestion,
-              (SetupSuggestion{"Suggested display setup: Desk",
-                               "same display count and nearly identical arrangement", true}));
-    EXPECT_EQ(shown(), "Desk: Work Play. Home: Evening. ");
-    pane.confirmSuggestion();
-    EXPECT_EQ(pane.content().suggestion, std::nullopt);
+    EXPECT_EQ(pane.content().suggestionTitle, "Suggested display setup: Desk, Studio");
+    for (const SetupCard& setup : pane.content().setups)
+        EXPECT_EQ(setup.isCandidate, setup.id != homeID) << setup.name;
+    pane.confirmSetup(homeID);
+    EXPECT_FALSE(current.setup.value().profile) << "was none of them";
+    pane.confirmSetup(studio->id);
+    EXPECT_EQ(pane.content().suggestionTitle, "");
+    EXPECT_EQ(shown(), "Studio:. Home: Evening. Desk: Work Play. ");
     EXPECT_TRUE(pane.content().setups[0].isCurrent);
     EXPECT_EQ(pane.content().setups[0].detail, "2 displays · 1 Association learned");
 }
@@ -125,10 +124,10 @@ TEST_F(LayoutsPaneTest, NamesWhatADeletionCosts) {
                                 "Delete Layout"}));
     shortcuts.setLayoutShortcut(controlR, workID);
     pane.setDefault(workID, LayoutsPane::DefaultLayout::set);
-    EXPECT_EQ(
-        pane.layoutDeletionQuestion(workID)->message,
-        "The saved places of 2 windows will be lost. Its shortcut ⌃R will be removed. It is the default "
-        "layout of “Desk”, which will have none then.");
+    EXPECT_EQ(pane.layoutDeletionQuestion(workID)->message,
+              "The saved places of 2 windows will be lost. Its shortcut ⌃R (Ctrl+R) will be removed. It is "
+              "the default "
+              "layout of “Desk”, which will have none then.");
     ASSERT_TRUE(store.learnAssociation(deskID, "a", "b"));
     pane.appear();
     EXPECT_EQ(pane.setupDeletionQuestion(deskID),
@@ -149,28 +148,99 @@ TEST_F(LayoutsPaneTest, NamesWhatADeletionCosts) {
     EXPECT_EQ(pane.layoutDeletionQuestion(playID), std::nullopt) << "gone meanwhile";
 }
 
-TEST_F(LayoutsPaneTest, DeletesLayoutsAndSetupsWithTheirShortcuts) {
+// What overwrites or removes something can be taken back, with the shortcuts, the default and the order.
+TEST_F(LayoutsPaneTest, TakesBackAChange) {
     shortcuts.setLayoutShortcut(controlR, workID);
     shortcuts.setLayoutShortcut(KeyCombo{16, ModifierSet::control}, playID);
-    shortcuts.setLayoutShortcut(KeyCombo{17, ModifierSet::control}, eveningID);
-    const auto shortcutCount = [&] { return settings.load()->layoutShortcuts.size(); };
-    failWrites();
-    pane.deleteLayout(workID);
-    pane.deleteSetup(deskID);
-    files.failing.clear();
-    EXPECT_EQ(shown(), "Desk: Work Play. Home: Evening. ");
-    EXPECT_EQ(shortcutCount(), 3U) << "what is still there keeps its shortcut";
+    ASSERT_TRUE(store.setDefaultLayout(deskID, workID));
+    windows.windows = {testing::window(1, "Game", "", {0, 0, 500, 500})};
+    pane.appear();
+    time.pass(100);
+    struct Case {
+        const char* text;
+        std::function<void()> change;
+        const char* shownThen;
+    };
+    for (const auto& [text, change, shownThen] :
+         {Case{"Updated with 1 window.", [&] { pane.update(workID); }, "Desk: Work Play. Home: Evening. "},
+          {"Updated with 1 window.", [&] { changes.save("WORK", deskID); },
+           "Desk: Work Play. Home: Evening. "},
+          {"Deleted layout “Work”.", [&] { pane.deleteLayout(workID); }, "Desk: Play. Home: Evening. "},
+          {"Deleted display setup “Desk”.", [&] { pane.deleteSetup(deskID); }, "Home: Evening. "}}) {
+        const auto profiles = store.loadProfiles();
+        const auto layouts = store.loadLayouts();
+        const auto combos = shortcuts.layoutShortcuts.value();
+        change();
+        EXPECT_EQ(shown(), shownThen);
+        EXPECT_NE(store.loadLayouts(), layouts) << text;
+        EXPECT_EQ(notice(), text);
+        EXPECT_EQ(changes.notice.value()->actionLabel, "Undo");
+        changes.act();
+        EXPECT_EQ(store.loadProfiles(), profiles) << text;
+        EXPECT_EQ(store.loadLayouts(), layouts) << text;
+        EXPECT_EQ(shortcuts.layoutShortcuts.value(), combos) << text;
+        EXPECT_EQ(notice(), "Undone.");
+        changes.act();
+        EXPECT_EQ(store.loadLayouts(), layouts) << "only once";
+    }
+}
 
+TEST_F(LayoutsPaneTest, AChangeCanBeTakenBackForAWhileAndUntilTheNext) {
+    pane.deleteLayout(playID);
+    time.pass(19.9);
+    EXPECT_EQ(notice(), "Deleted layout “Play”.");
+    time.pass(0.2);
+    EXPECT_EQ(notice(), "");
+    changes.act();
     pane.deleteLayout(workID);
-    EXPECT_EQ(shown(), "Desk: Play. Home: Evening. ");
-    EXPECT_EQ(shortcutCount(), 2U);
-    pane.deleteSetup(deskID);
-    EXPECT_EQ(shown(), "Home: Evening. ");
-    EXPECT_EQ(layoutNames(), std::vector<std::string>{"Evening"});
-    EXPECT_EQ(shortcutCount(), 1U);
-    EXPECT_EQ(shortcuts.layoutShortcuts.value().count(eveningID), 1U);
-    pane.deleteSetup(homeID);
-    EXPECT_TRUE(pane.content().isEmpty());
+    pane.renameSetup(deskID, "Office");
+    EXPECT_EQ(notice(), "");
+    changes.act();
+    EXPECT_EQ(shown(), "Office:. Home: Evening. ");
+}
+
+TEST_F(LayoutsPaneTest, SaysWhenNothingWasStored) {
+    const auto shownBefore = shown();
+    const auto attempt = [&](std::function<void()> action) {
+        action();
+        EXPECT_FALSE(changes.notice.value()->isUndo);
+        return notice();
+    };
+    EXPECT_EQ(attempt([&] { pane.update(workID); }), "Nothing was stored: no windows are open.");
+    windows.windows = {testing::window(1, "Game", "", {0, 0, 500, 500})};
+    failWrites();
+    for (const auto& action : std::vector<std::function<void()>>{
+             [&] { pane.update(workID); }, [&] { pane.deleteLayout(workID); },
+             [&] { pane.deleteSetup(deskID); }, [&] { pane.renameLayout(workID, "Other"); },
+             [&] { pane.setDefault(workID, LayoutsPane::DefaultLayout::set); }})
+        EXPECT_TRUE(attempt(action).starts_with("Nothing was stored: ")) << notice();
+    files.failing.clear();
+    EXPECT_EQ(shown(), shownBefore);
+    EXPECT_EQ(shortcuts.layoutShortcuts.value().size(), 0U);
+
+    files.files["/data/layouts.json"] = "{";
+    pane.appear();
+    EXPECT_TRUE(pane.content().isUnreadable);
+    EXPECT_FALSE(pane.content().canSave);
+    EXPECT_FALSE(pane.content().isEmpty()) << "unreadable is not empty";
+    Troubles troubles(collaborators);
+    ASSERT_EQ(troubles.list().size(), 1U);
+    EXPECT_EQ(troubles.list()[0].title, "“layouts.json” cannot be read");
+    troubles.setFilesAside();
+    EXPECT_TRUE(troubles.list().empty());
+    EXPECT_EQ(shown(), "Desk:. Home:. ");
+}
+
+TEST_F(LayoutsPaneTest, OffersAutomaticRestoreAfterTheFirstLayoutOfASetup) {
+    windows.windows = {testing::window(1, "Game", "", {0, 0, 500, 500})};
+    changes.save("More", deskID);
+    EXPECT_EQ(changes.notice.value()->actionLabel, "") << "not the first one";
+    const auto studio = store.createProfile("Studio", fingerprint(testing::leftAlone()));
+    changes.save("First", studio->id);
+    EXPECT_EQ(changes.notice.value()->actionLabel, "Restore Automatically");
+    time.pass(60);
+    changes.act();
+    EXPECT_EQ(profileNamed("Studio").defaultLayoutID, store.loadLayouts()->back().id);
 }
 
 TEST_F(LayoutsPaneTest, MakesAndUnmakesTheDefault) {
@@ -178,59 +248,69 @@ TEST_F(LayoutsPaneTest, MakesAndUnmakesTheDefault) {
     EXPECT_TRUE(card(workID).isDefault);
     pane.setDefault(playID, LayoutsPane::DefaultLayout::set);
     EXPECT_FALSE(card(workID).isDefault);
-    failWrites();
-    pane.setDefault(playID, LayoutsPane::DefaultLayout::cleared);
-    EXPECT_TRUE(card(playID).isDefault);
-    files.failing.clear();
     pane.setDefault(playID, LayoutsPane::DefaultLayout::cleared);
     EXPECT_EQ(profileNamed("Desk").defaultLayoutID, std::nullopt);
 }
 
-TEST_F(LayoutsPaneTest, UpdatesALayoutWithTheWindowsOfNow) {
+TEST_F(LayoutsPaneTest, UpdatesOnlyWhatIsSurelyMeant) {
     windows.windows = {testing::window(1, "Game", "", {0, 0, 500, 500})};
-    pane.update(workID);
-    EXPECT_EQ(card(workID).windowCount, 1U);
-    EXPECT_EQ(card(workID).picture.windows.at(0).label, "Game");
-    EXPECT_EQ(card(workID).status, "Updated with 1 window.");
-    pane.update(eveningID);
-    EXPECT_EQ(card(eveningID).picture.windows.at(0).label, "Browser") << "not its displays";
-
-    failWrites();
-    pane.update(playID);
-    EXPECT_EQ(card(playID).status, "Not updated.");
-    EXPECT_EQ(card(workID).status, "") << "tells of the last action only";
-    files.failing.clear();
-    windows.windows.clear();
-    pane.update(playID);
-    EXPECT_EQ(card(playID).status, "Not updated: no windows are open.");
-    EXPECT_EQ(card(playID).windowCount, 1U);
-
     const Uuid twin = save("WORK", deskID, {});
     pane.appear();
-    EXPECT_FALSE(card(twin).canUpdate) << "saving under its name would replace another layout";
+    for (const Uuid& id : {eveningID, twin}) {
+        EXPECT_FALSE(card(id).canUpdate) << "other displays, or a name that another layout has";
+        const auto layouts = store.loadLayouts();
+        pane.update(id);
+        EXPECT_EQ(store.loadLayouts(), layouts);
+    }
+    permission.state = AccessibilityPermissionState::denied;
+    permissionModel.refresh();
+    EXPECT_FALSE(pane.content().canSave);
+    EXPECT_FALSE(card(workID).canRestore);
+    EXPECT_FALSE(card(workID).canUpdate);
 }
 
-TEST_F(LayoutsPaneTest, RestoresAndSavesThroughTheProgram) {
-    restores.results = {RestoreResult(2, 1, 1, {"Editor: no"})};
+TEST_F(LayoutsPaneTest, SaysWhyARestoreWasNotComplete) {
+    windows.windows = {testing::window(1, "Editor", "", {0, 0, 500, 500})};
+    restores.results = {RestoreResult(2, 1, 1, {}, 1, 0), RestoreResult(2, 1, 1, {"Editor: no"}, 0, 1),
+                        RestoreResult(2, 2, 0, {})};
     pane.restore(workID);
-    pane.restore(Uuid::random());
-    ASSERT_EQ(restores.restored.size(), 1U);
-    EXPECT_EQ(restores.restored.front().id, workID);
-    EXPECT_EQ(card(workID).status, "Restored: 1 of 2 windows in place.");
-    pane.saveLayout({10, 20, 80, 20});
-    EXPECT_EQ(host.log, "save ");
+    EXPECT_EQ(card(workID).report, (RestoreReport{"1 of 2 in place. Not open: Editor.", true, true}));
+    pane.restore(workID);
+    EXPECT_EQ(card(workID).report, (RestoreReport{"1 of 2 in place. Not moved: 1 window.", true, true}));
+    pane.restore(workID);
+    EXPECT_EQ(card(workID).report, (RestoreReport{"2 of 2 in place.", false, false}));
+    time.pass(60);
+    EXPECT_EQ(card(workID).report, RestoreReport()) << "that was then";
 }
 
-TEST_F(LayoutsPaneTest, TellsOnlyOfRealChanges) {
-    int changes = 0;
-    const auto token = pane.changed.connect([&] { ++changes; });
+TEST_F(LayoutsPaneTest, ManyLayoutsAreFilteredAndFolded) {
+    for (int i = 0; i < 10; ++i)
+        save("Élan " + std::to_string(i), homeID, {});
     pane.appear();
-    EXPECT_EQ(changes, 0);
-    shortcuts.setLayoutShortcut(controlR, workID);
-    EXPECT_EQ(changes, 1);
+    EXPECT_TRUE(pane.content().offersFilter);
+    EXPECT_EQ(shown(), "Desk: Work Play. Home:. ") << "the connected setup is open";
+    EXPECT_EQ(pane.content().setups[1].layoutCount, 11U);
+    pane.setExpanded(deskID, false);
+    pane.setFilter("elan 3");
+    EXPECT_EQ(shown(), "Home: Élan 3. ");
+    pane.setFilter("none such");
+    EXPECT_EQ(shown(), "");
+    EXPECT_FALSE(pane.content().isEmpty());
+    pane.setFilter("");
+    EXPECT_EQ(shown(), "Desk:. Home:. ");
+}
+
+TEST_F(LayoutsPaneTest, TellsOnlyOfRealChangesAndThatTimePasses) {
+    int tellings = 0;
+    const auto token = pane.changed.connect([&] { ++tellings; });
+    pane.appear();
+    EXPECT_EQ(tellings, 0);
     save("New", deskID, {});
     list.reload();
-    EXPECT_EQ(changes, 2) << "a layout saved from the menu shows up";
+    EXPECT_EQ(tellings, 1) << "a layout saved from the menu shows up";
+    EXPECT_EQ(card(workID).age, "just now");
+    time.pass(90);
+    EXPECT_EQ(card(workID).age, "1 minute ago");
 }
 
 } // namespace

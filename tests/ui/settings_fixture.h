@@ -61,6 +61,12 @@ public:
     ScriptedRestores restores;
     LayoutRestorer restorer{{store, restores, attempts, time, [] {}}};
     Rect savedBeside;
+    LayoutChanges changes{{.captureService = capture,
+                           .profileStore = store,
+                           .shortcutManager = shortcuts,
+                           .currentProfileViewModel = current,
+                           .profileListViewModel = list,
+                           .scheduler = time}};
     SettingsCollaborators collaborators{.permissionStatusViewModel = permissionModel,
                                         .profileListViewModel = list,
                                         .currentProfileViewModel = current,
@@ -68,6 +74,7 @@ public:
                                         .settingsStore = settings,
                                         .captureService = capture,
                                         .profileStore = store,
+                                        .layoutChanges = changes,
                                         .restoreDebugStore = attempts,
                                         .layoutRestorer = restorer,
                                         .launchAtLoginService = launchAtLogin,

@@ -17,7 +17,7 @@ protected:
         shortcuts.onLayoutRestore = [this](const Uuid& id) { fired += id == workID ? "work " : "other "; };
         shortcuts.start();
     }
-    ShortcutsPane made() { return ShortcutsPane({shortcuts, keys, store, list, current}); }
+    ShortcutsPane made() { return ShortcutsPane(collaborators); }
 };
 
 TEST_F(ShortcutsPaneTest, GroupsLayoutsBySetupTheConnectedOneFirst) {

@@ -22,7 +22,7 @@
 namespace tavrin {
 namespace {
 
-constexpr int gap = 6;
+constexpr int gap = 6; ///< to the anchor and to the edges of the screen
 
 int inside(int position, int extent, int from, int length) {
     // What does not fit shows its beginning.
@@ -43,8 +43,9 @@ QPoint popoverPosition(const QRect& anchor, const QSize& size, const QRect& scre
         y = above <= below ? anchor.bottom() + 1 + gap : anchor.top() - gap - size.height();
     else
         x = left <= right ? anchor.right() + 1 + gap : anchor.left() - gap - size.width();
-    return {inside(x, size.width(), available.left(), available.width()),
-            inside(y, size.height(), available.top(), available.height())};
+    const QRect space = available.adjusted(gap, gap, -gap, -gap);
+    return {inside(x, size.width(), space.left(), space.width()),
+            inside(y, size.height(), space.top(), space.height())};
 }
 
 namespace {
@@ -138,7 +139,7 @@ void SavePopoverWindow::build() {
     rows->addLayout(messageRow);
     rows->addStretch();
     rows->addSpacing(6);
-    rows->addLayout(makeAnswerLine(saveButton_, cancelButton_));
+    rows->addWidget(makeAnswerLine(saveButton_, cancelButton_));
 
     setTabOrder(nameField_, saveButton_);
     setTabOrder(saveButton_, cancelButton_);

@@ -2,6 +2,7 @@
 
 #include "ui/qt/controls/buttons.h"
 #include "ui/qt/controls/icons.h"
+#include "ui/qt/controls/notices.h"
 #include "ui/qt/controls/settings_group.h"
 #include "ui/qt/controls/style.h"
 #include "ui/qt/panes/advanced_pane_widget.h"
@@ -10,9 +11,9 @@
 #include "ui/qt/panes/layouts_pane_widget.h"
 #include "ui/qt/panes/shortcuts_pane_widget.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
-#include <QGuiApplication>
 #include <QListWidget>
 #include <QPainter>
 #include <QScreen>
@@ -75,8 +76,7 @@ public:
             QColor ground = option.palette.color(QPalette::Active, QPalette::WindowText);
             ground.setAlphaF(isSelected ? 0.14F : 0.06F);
             painter->setPen(Qt::NoPen);
-            painter->setBrush(isAccented ? option.palette.color(QPalette::Active, QPalette::Highlight)
-                                         : ground);
+            painter->setBrush(isAccented ? accentColor(option.palette) : ground);
             painter->drawRoundedRect(row, controlRadius, controlRadius);
         }
         const int side = iconSide(option);
@@ -84,8 +84,8 @@ public:
         index.data(Qt::DecorationRole)
             .value<QIcon>()
             .paint(painter, iconPlace, Qt::AlignCenter, isAccented ? QIcon::Selected : QIcon::Normal);
-        painter->setPen(option.palette.color(QPalette::Active,
-                                             isAccented ? QPalette::HighlightedText : QPalette::WindowText));
+        painter->setPen(isAccented ? accentTextColor(option.palette)
+                                   : option.palette.color(QPalette::Active, QPalette::WindowText));
         painter->drawText(option.rect.adjusted(iconPlace.right() + 12, 0, -12, 0), Qt::AlignVCenter,
                           index.data().toString());
         painter->restore();
@@ -96,10 +96,11 @@ private:
 };
 
 std::unique_ptr<SettingsPaneWidget> makePane(SettingsPane pane, const SettingsCollaborators& collaborators,
-                                             bool& isTroubleshootingExpanded) {
+                                             bool& isTroubleshootingExpanded,
+                                             std::function<void()> showAdvancedPane) {
     switch (pane) {
     case SettingsPane::layouts:
-        return std::make_unique<LayoutsPaneWidget>(collaborators);
+        return std::make_unique<LayoutsPaneWidget>(collaborators, std::move(showAdvancedPane));
     case SettingsPane::automation:
         return std::make_unique<AutomationSettingsWidget>(collaborators);
     case SettingsPane::shortcuts:
@@ -137,13 +138,20 @@ QWidget* makeHeader(SettingsPane pane, SettingsPaneWidget& widget) {
 } // namespace
 
 QtSettingsWindow::QtSettingsWindow(const SettingsCollaborators& collaborators)
-    : QWidget(nullptr, Qt::Window), collaborators_(collaborators) {
+    : QWidget(nullptr, Qt::Window), collaborators_(collaborators), troubles_(collaborators_) {
+    setAccessibleRole(*this, QAccessible::Border); // which AT-SPI calls a frame
     setWindowTitle(QStringLiteral("Tavrin Settings"));
     setAttribute(Qt::WA_QuitOnClose, false);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     auto* closeShortcut = new QShortcut(QKeySequence::Close, this);
     connect(closeShortcut, &QShortcut::activated, this, &QWidget::close);
+    auto* undoShortcut = new QShortcut(QKeySequence::Undo, this);
+    connect(undoShortcut, &QShortcut::activated, this, [this] {
+        if (noticeBar_)
+            noticeBar_->undo();
+    });
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { scrollTo(now); });
 }
 
 void QtSettingsWindow::show(SettingsPane pane, ResetNotice notice) {
@@ -162,8 +170,10 @@ void QtSettingsWindow::show(SettingsPane pane, ResetNotice notice) {
 bool QtSettingsWindow::event(QEvent* event) {
     switch (event->type()) {
     case QEvent::WindowActivate:
-        if (pane_)
+        if (pane_) {
+            troubles_.refresh();
             pane_->appear();
+        }
         break;
     case QEvent::ApplicationPaletteChange:
     case QEvent::ApplicationFontChange:
@@ -177,8 +187,35 @@ bool QtSettingsWindow::event(QEvent* event) {
 }
 
 void QtSettingsWindow::keyPressEvent(QKeyEvent* event) {
-    if (!pressFocusedControl(*event))
+    if (pressFocusedControl(*event) || !scrollArea_)
+        return;
+    // What nobody has a use for scrolls the pane, so that every text can be read without a mouse.
+    QScrollBar* bar = scrollArea_->verticalScrollBar();
+    switch (event->key()) {
+    case Qt::Key_Up:
+        return bar->triggerAction(QAbstractSlider::SliderSingleStepSub);
+    case Qt::Key_Down:
+        return bar->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    case Qt::Key_PageUp:
+        return bar->triggerAction(QAbstractSlider::SliderPageStepSub);
+    case Qt::Key_PageDown:
+        return bar->triggerAction(QAbstractSlider::SliderPageStepAdd);
+    default:
         QWidget::keyPressEvent(event);
+    }
+}
+
+void QtSettingsWindow::showPane(SettingsPane pane) {
+    // Not from within the button that was pressed, which goes with its pane.
+    QTimer::singleShot(0, sideList_, [this, pane] { sideList_->setCurrentRow(static_cast<int>(pane)); });
+}
+
+void QtSettingsWindow::scrollTo(QWidget* focused) {
+    // A click is where the pointer is; scrolling would take the button away from under it.
+    if (!focused || !scrollArea_ || QApplication::mouseButtons() != Qt::NoButton ||
+        !scrollArea_->widget()->isAncestorOf(focused))
+        return;
+    scrollArea_->ensureWidgetVisible(focused, 0, 16);
 }
 
 void QtSettingsWindow::closeEvent(QCloseEvent* event) {
@@ -186,12 +223,16 @@ void QtSettingsWindow::closeEvent(QCloseEvent* event) {
     delete std::exchange(content_, nullptr);
     pane_ = nullptr;
     page_ = nullptr;
+    scrollArea_ = nullptr;
+    noticeBar_ = nullptr;
     callCopy(onClose_);
 }
 
 void QtSettingsWindow::fill() {
     delete content_;
     page_ = nullptr;
+    scrollArea_ = nullptr;
+    pane_ = nullptr;
     content_ = new QWidget;
     buildSideList();
     auto* line = new QFrame;
@@ -215,8 +256,16 @@ void QtSettingsWindow::fill() {
     pageColumn_->setSpacing(0);
     if (notice_ == ResetNotice::shown)
         pageColumn_->addWidget(makeNotice());
+    noticeBar_ = new NoticeBar(collaborators_.layoutChanges);
+    auto* noticeColumn = new QHBoxLayout;
+    noticeColumn->setContentsMargins(sideMargin, 0, sideMargin, 0);
+    noticeColumn->addWidget(noticeBar_);
+    noticeBar_->setMaximumWidth(columnWidth);
+    pageColumn_->addLayout(noticeColumn);
+    pageColumn_->addSpacing(10);
     layout()->addWidget(content_);
-    showPane();
+    troubles_.refresh();
+    showSelectedPane();
 }
 
 void QtSettingsWindow::refillSoon() {
@@ -240,11 +289,13 @@ void QtSettingsWindow::fitIntoScreen() {
     if (!screen)
         return;
     const QRect available = screen->availableGeometry();
-    setMinimumSize(smallestSize.boundedTo(available.size()));
-    if (!hasBeenShown_)
-        resize(contentSize.boundedTo(available.size()));
+    // The frame has to fit, too; before the window has one, it is taken for a usual one.
+    const QSize frame = hasBeenShown_ ? frameGeometry().size() - size() : QSize(12, 40);
+    const QSize largest = available.size() - frame;
+    setMinimumSize(smallestSize.boundedTo(largest));
+    resize((hasBeenShown_ ? size() : contentSize).boundedTo(largest));
     hasBeenShown_ = true;
-    move(available.center() - QPoint(width() / 2, height() / 2));
+    move(available.center() - QPoint((width() + frame.width()) / 2, (height() + frame.height()) / 2));
 }
 
 void QtSettingsWindow::buildSideList() {
@@ -267,7 +318,7 @@ void QtSettingsWindow::buildSideList() {
         if (!item)
             return;
         selectedPane_ = static_cast<SettingsPane>(item->data(Qt::UserRole).toInt());
-        showPane();
+        showSelectedPane();
     });
 }
 
@@ -294,43 +345,65 @@ QWidget* QtSettingsWindow::makeNotice() {
     return notice;
 }
 
-void QtSettingsWindow::showPane() {
-    delete page_;
-    auto pane = makePane(selectedPane_, collaborators_, isTroubleshootingExpanded_);
+QWidget* QtSettingsWindow::makePage() {
+    auto pane = makePane(selectedPane_, collaborators_, isTroubleshootingExpanded_,
+                         [this] { showPane(SettingsPane::advanced); });
     pane_ = pane.get();
 
+    // The header stays in sight while the pane scrolls.
+    auto* page = new QWidget;
+    auto* lines = new QVBoxLayout(page);
+    lines->setContentsMargins(0, 0, 0, 0);
+    lines->setSpacing(0);
+    auto* header = makeHeader(selectedPane_, *pane);
+    header->setMaximumWidth(columnWidth);
+    auto* headerLine = new QHBoxLayout;
+    headerLine->setContentsMargins(sideMargin, 22, sideMargin, 12);
+    headerLine->addWidget(header);
+    lines->addLayout(headerLine);
+
+    TroubleBanners::Callbacks callbacks;
+    if (selectedPane_ != SettingsPane::advanced)
+        callbacks.showAdvancedPane = [this] { showPane(SettingsPane::advanced); };
     auto* column = new QWidget;
     column->setMaximumWidth(columnWidth);
     auto* rows = new QVBoxLayout(column);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(20);
-    rows->addWidget(makeHeader(selectedPane_, *pane));
+    rows->addWidget(new TroubleBanners(troubles_, std::move(callbacks)));
     rows->addWidget(pane.release(), 1);
 
     auto* body = new QWidget;
     auto* centring = new QHBoxLayout(body);
-    centring->setContentsMargins(sideMargin, 22, sideMargin, 26);
+    centring->setContentsMargins(sideMargin, 6, sideMargin, 26);
     centring->addWidget(column);
 
-    auto* scrollArea = new QScrollArea;
-    scrollArea->setFrameShape(QFrame::NoFrame);
-    scrollArea->setWidgetResizable(true);
-    scrollArea->setFocusPolicy(Qt::NoFocus);
-    scrollArea->setWidget(body);
-    QScrollBar* scrollBar = scrollArea->verticalScrollBar();
+    scrollArea_ = new QScrollArea;
+    scrollArea_->setFrameShape(QFrame::NoFrame);
+    scrollArea_->setWidgetResizable(true);
+    scrollArea_->setFocusPolicy(Qt::NoFocus);
+    scrollArea_->setWidget(body);
+    QScrollBar* scrollBar = scrollArea_->verticalScrollBar();
     scrollBar->setStyleSheet(scrollBarStyle(palette()));
     // The content keeps its width when the bar comes and goes.
     connect(scrollBar, &QScrollBar::rangeChanged, centring, [centring](int least, int most) {
         const int taken = most > least ? scrollBarWidth : 0;
-        centring->setContentsMargins(sideMargin, 22, sideMargin - taken, 26);
+        centring->setContentsMargins(sideMargin, 6, sideMargin - taken, 26);
     });
-    scrollArea->viewport()->setAutoFillBackground(false);
+    scrollArea_->viewport()->setAutoFillBackground(false);
     body->setAutoFillBackground(false);
-    page_ = scrollArea;
-    pageColumn_->addWidget(page_, 1);
+    lines->addWidget(scrollArea_, 1);
+    return page;
+}
+
+void QtSettingsWindow::showSelectedPane() {
+    delete page_;
+    page_ = makePage();
+    pageColumn_->insertWidget(pageColumn_->count() - 2, page_, 1);
     // At once, or keys that are pressed right now would find no control yet.
     page_->show();
     pane_->appear();
+    followLayoutWithTab(*this);
 }
 
 } // namespace tavrin

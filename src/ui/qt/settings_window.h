@@ -1,15 +1,18 @@
 #pragma once
 
 #include "ui/settings_window.h"
+#include "ui/troubles.h"
 #include "ui/user_interface.h"
 
 #include <QWidget>
 
 class QListWidget;
+class QScrollArea;
 class QVBoxLayout;
 
 namespace tavrin {
 
+class NoticeBar;
 class SettingsPaneWidget;
 
 /// The settings window made with Qt: the list of panes on the side and the chosen one beside it. The window
@@ -34,9 +37,13 @@ private:
     void fitIntoScreen();
     void buildSideList();
     QWidget* makeNotice();
-    void showPane();
+    QWidget* makePage();
+    void showPane(SettingsPane pane);
+    void showSelectedPane();
+    void scrollTo(QWidget* focused);
 
     SettingsCollaborators collaborators_;
+    Troubles troubles_;
     std::function<void()> onClose_;
     ResetNotice notice_ = ResetNotice::hidden;
     SettingsPane selectedPane_ = SettingsPane::layouts;
@@ -49,6 +56,8 @@ private:
     QListWidget* sideList_ = nullptr;
     QVBoxLayout* pageColumn_ = nullptr;
     QWidget* page_ = nullptr;
+    QScrollArea* scrollArea_ = nullptr;
+    NoticeBar* noticeBar_ = nullptr;
     SettingsPaneWidget* pane_ = nullptr;
 };
 

@@ -6,10 +6,9 @@
 
 #include <QApplication>
 #include <QComboBox>
-#include <QHBoxLayout>
+#include <QDialogButtonBox>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QStyle>
 
 #include <algorithm>
 
@@ -38,11 +37,11 @@ void ActionButton::paintEvent(QPaintEvent*) {
     QColor ground;
     QColor ink = controlTextColor(*this);
     if (role_ == Role::suggested) {
-        ground = palette().color(QPalette::Active, QPalette::Highlight);
-        ink = isPlain ? ink : palette().color(QPalette::Active, QPalette::HighlightedText);
+        ground = accentColor(palette());
+        ink = isPlain ? ink : accentTextColor(palette());
     } else if (role_ == Role::destructive) {
         ground = warningColor(palette());
-        ink = isPlain ? ink : groupColor(palette());
+        ink = isPlain ? ink : withContrast(groupColor(palette()), ground, textContrast);
     }
     if (isPlain)
         drawControlGround(painter, *this, isDown());
@@ -76,14 +75,10 @@ bool pressFocusedControl(const QKeyEvent& event) {
     return true;
 }
 
-QHBoxLayout* makeAnswerLine(QPushButton* accept, QPushButton* cancel) {
-    const int order = accept->style()->styleHint(QStyle::SH_DialogButtonLayout, nullptr, accept);
-    const bool acceptComesLast = order == 2 || order == 3; // macOS and GNOME
-    auto* line = new QHBoxLayout;
-    line->setSpacing(8);
-    line->addStretch();
-    line->addWidget(acceptComesLast ? cancel : accept);
-    line->addWidget(acceptComesLast ? accept : cancel);
+QWidget* makeAnswerLine(QPushButton* accept, QPushButton* cancel) {
+    auto* line = new QDialogButtonBox;
+    line->addButton(accept, QDialogButtonBox::AcceptRole);
+    line->addButton(cancel, QDialogButtonBox::RejectRole);
     return line;
 }
 
@@ -95,6 +90,10 @@ SymbolButton::SymbolButton(const QString& symbol, const QString& name, Ground gr
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::StrongFocus);
     setPopupMode(QToolButton::InstantPopup);
+}
+
+void SymbolButton::setSymbol(const QString& symbol) {
+    setIcon(symbolIcon(symbol));
 }
 
 QSize SymbolButton::sizeHint() const {

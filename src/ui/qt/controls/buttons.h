@@ -7,7 +7,6 @@
 
 #include <optional>
 
-class QHBoxLayout;
 class QKeyEvent;
 
 namespace tavrin {
@@ -29,7 +28,7 @@ private:
 };
 
 /// The two buttons of a question at the end of a line, in the order that the desktop is used to.
-QHBoxLayout* makeAnswerLine(QPushButton* accept, QPushButton* cancel);
+QWidget* makeAnswerLine(QPushButton* accept, QPushButton* cancel);
 
 /// A button with a symbol, or with a symbol and a menu.
 class SymbolButton final : public KeepsItsSize<QToolButton> {
@@ -42,6 +41,8 @@ public:
     /// `name` is announced by a screen reader.
     SymbolButton(const QString& symbol, const QString& name, Ground ground,
                  std::optional<QColor> color = std::nullopt);
+
+    void setSymbol(const QString& symbol);
 
     QSize sizeHint() const override;
 

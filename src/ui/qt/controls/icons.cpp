@@ -1,9 +1,12 @@
 #include "ui/qt/controls/icons.h"
 
+#include "ui/qt/controls/style.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QIconEngine>
+#include <QLabel>
 #include <QPainter>
 #include <QPalette>
 #include <QSvgRenderer>
@@ -52,7 +55,7 @@ private:
     QColor inkFor(QIcon::Mode mode) const {
         const QPalette palette = QGuiApplication::palette();
         if (mode == QIcon::Selected)
-            return palette.color(QPalette::Active, QPalette::HighlightedText);
+            return accentTextColor(palette);
         if (mode == QIcon::Disabled)
             return palette.color(QPalette::Disabled, QPalette::WindowText);
         return color_.value_or(palette.color(QPalette::Active, QPalette::WindowText));
@@ -73,6 +76,13 @@ namespace {
 constexpr qint64 largestIconFile = 4 * 1024 * 1024;
 
 } // namespace
+
+QLabel* makeSymbol(const QString& name, const QColor& color, double lines) {
+    auto* label = new QLabel;
+    const int side = qRound(label->fontMetrics().height() * lines);
+    label->setPixmap(symbolIcon(name, color).pixmap(QSize(side, side), label->devicePixelRatioF()));
+    return label;
+}
 
 QIcon applicationIcon(const std::optional<std::string>& iconName) {
     if (!iconName || iconName->empty())

@@ -1,10 +1,12 @@
 #include "ui/qt/controls/inputs.h"
 
 #include "ui/qt/controls/buttons.h"
+#include "ui/qt/controls/labels.h"
 #include "ui/qt/controls/style.h"
 
 #include <QAbstractItemView>
 #include <QPainter>
+#include <QStyle>
 #include <QWheelEvent>
 
 namespace tavrin {
@@ -27,23 +29,19 @@ QSize SwitchControl::sizeHint() const {
 void SwitchControl::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const auto group = isEnabled() ? QPalette::Active : QPalette::Disabled;
-    const QColor window = palette().color(group, QPalette::Window);
-    const QColor text = palette().color(group, QPalette::WindowText);
-    const QColor base = palette().color(group, QPalette::Base);
-
     const QRectF track = QRectF(rect()).adjusted(ringWidth, ringWidth, -ringWidth, -ringWidth);
     const double radius = track.height() / 2;
+    QColor ground = isChecked() ? accentLineColor(palette()) : shapeColor(palette());
+    if (!isEnabled())
+        ground = mixedColor(ground, groupColor(palette()), 0.5);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(isChecked() ? palette().color(group, QPalette::Highlight)
-                                 : mixedColor(window, text, underMouse() ? 0.42 : 0.34));
+    painter.setBrush(ground);
     painter.drawRoundedRect(track, radius, radius);
 
     const double side = track.height() - 4;
     const bool isAtEnd = isChecked() == (layoutDirection() == Qt::LeftToRight);
     const double x = isAtEnd ? track.right() - 2 - side : track.left() + 2;
-    const QColor lightest = qGray(base.rgb()) > qGray(text.rgb()) ? base : text;
-    painter.setBrush(isChecked() ? palette().color(group, QPalette::HighlightedText) : lightest);
+    painter.setBrush(withContrast(Qt::white, ground, isEnabled() ? shapeContrast : 1));
     painter.drawEllipse(QRectF(x, track.top() + 2, side, side));
     if (hasFocus())
         drawFocusRing(painter, QRectF(rect()), radius + ringWidth, palette());
@@ -90,8 +88,9 @@ void ChoiceBox::paintEvent(QPaintEvent*) {
     const QRect space = rect().adjusted(isLeftToRight ? sideMargin : arrowSpace, 0,
                                         isLeftToRight ? -arrowSpace : -sideMargin, 0);
     painter.setPen(ink);
-    painter.drawText(space, Qt::AlignVCenter | (isLeftToRight ? Qt::AlignLeft : Qt::AlignRight),
-                     fontMetrics().elidedText(currentText(), Qt::ElideRight, space.width()));
+    painter.drawText(
+        space, Qt::AlignVCenter | QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft),
+        fontMetrics().elidedText(withoutDirectionMarks(currentText()), Qt::ElideRight, space.width()));
 }
 
 TextField::TextField(const QString& name) : ground_(palette().color(QPalette::Active, QPalette::Base)) {

@@ -2,6 +2,8 @@
 
 #include "ui/qt/controls/style.h"
 
+#include <QAccessibleWidget>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QStyle>
 #include <QTextLayout>
@@ -14,6 +16,7 @@ namespace {
 
 constexpr int preferredCharacters = 60;
 constexpr int leastCharacters = 8;
+constexpr const char* roleProperty = "tavrinRole";
 
 QFont scaled(QFont font, double factor) {
     if (font.pointSizeF() > 0)
@@ -24,6 +27,34 @@ QFont scaled(QFont font, double factor) {
 }
 
 } // namespace
+
+QString withoutDirectionMarks(QString text) {
+    return text.removeIf([](QChar character) {
+        const auto code = character.unicode();
+        return code == 0x061c || code == 0x200e || code == 0x200f || (code >= 0x202a && code <= 0x202e) ||
+               (code >= 0x2066 && code <= 0x2069);
+    });
+}
+
+void setAccessibleRole(QWidget& widget, QAccessible::Role role) {
+    static const bool isInstalled = [] {
+        QAccessible::installFactory([](const QString&, QObject* object) -> QAccessibleInterface* {
+            const auto wanted = object ? object->property(roleProperty) : QVariant();
+            auto* shown = wanted.isValid() ? qobject_cast<QWidget*>(object) : nullptr;
+            return shown ? new QAccessibleWidget(shown, static_cast<QAccessible::Role>(wanted.toInt()))
+                         : nullptr;
+        });
+        return true;
+    }();
+    static_cast<void>(isInstalled);
+    widget.setProperty(roleProperty, static_cast<int>(role));
+}
+
+void announce(QWidget& widget, const QString& text) {
+    widget.setAccessibleName(text);
+    QAccessibleEvent event(&widget, QAccessible::Alert);
+    QAccessible::updateAccessibility(&event);
+}
 
 TextLabel::TextLabel(const QString& text) : QLabel(text) {
     setTextFormat(Qt::PlainText);
@@ -74,7 +105,7 @@ QString TextLabel::shownText() const {
 }
 
 QString TextLabel::brokenText() const {
-    return shownText().replace(QLatin1Char('\n'), QChar(QChar::LineSeparator));
+    return withoutDirectionMarks(shownText()).replace(QLatin1Char('\n'), QChar(QChar::LineSeparator));
 }
 
 QSizeF TextLabel::lay(QTextLayout& layout, double width) const {
@@ -103,11 +134,73 @@ void Badge::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    const QColor accent = palette().color(QPalette::Active, QPalette::Highlight);
+    const QColor accent = accentColor(palette());
     painter.setBrush(ground_ == Ground::plain ? badgeColor(palette())
                                               : mixedColor(groupColor(palette()), accent, 0.28));
     painter.drawRoundedRect(rect(), height() / 2.0, height() / 2.0);
     QLabel::paintEvent(event);
+}
+
+SelectableText::SelectableText(const QString& text, const QString& accessibleName) {
+    setPlainText(withoutDirectionMarks(text));
+    setAccessibleName(accessibleName);
+    setReadOnly(true);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setFocusPolicy(Qt::StrongFocus);
+    setTabChangesFocus(true);
+    setFrameShape(QFrame::NoFrame);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    document()->setDocumentMargin(0);
+    viewport()->setAutoFillBackground(false);
+    QPalette colors = palette();
+    colors.setColor(QPalette::Base, Qt::transparent);
+    colors.setColor(QPalette::Text, colors.color(QPalette::Active, QPalette::WindowText));
+    setPalette(colors);
+    fit();
+}
+
+QSize SelectableText::sizeHint() const {
+    return {fontMetrics().averageCharWidth() * preferredCharacters, height()};
+}
+
+QSize SelectableText::minimumSizeHint() const {
+    return {fontMetrics().averageCharWidth() * leastCharacters, height()};
+}
+
+void SelectableText::resizeEvent(QResizeEvent* event) {
+    QTextEdit::resizeEvent(event);
+    fit();
+}
+
+void SelectableText::focusOutEvent(QFocusEvent* event) {
+    QTextCursor cursor = textCursor();
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason) {
+        cursor.clearSelection();
+        setTextCursor(cursor);
+    }
+    QTextEdit::focusOutEvent(event);
+}
+
+void SelectableText::keyPressEvent(QKeyEvent* event) {
+    // The whole text is in sight here; scrolling is for the pane around it.
+    if (event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown)
+        event->ignore();
+    else
+        QTextEdit::keyPressEvent(event);
+}
+
+void SelectableText::wheelEvent(QWheelEvent* event) {
+    event->ignore();
+}
+
+void SelectableText::fit() {
+    document()->setTextWidth(viewport()->width());
+    const int wanted = static_cast<int>(std::ceil(document()->size().height()));
+    if (wanted != height())
+        setFixedHeight(wanted);
 }
 
 TextLabel* makeText(const QString& text, TextRole role) {
@@ -126,6 +219,7 @@ TextLabel* makeSectionTitle(const QString& text) {
     QFont font = label->font();
     font.setBold(true);
     label->setFont(font);
+    setAccessibleRole(*label, QAccessible::Heading);
     return label;
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QAccessible>
 #include <QLabel>
+#include <QTextEdit>
 
 #include <string_view>
 
@@ -11,6 +13,17 @@ namespace tavrin {
 inline QString qText(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
+
+/// `text` without the invisible marks that turn the direction of writing. In names they would rearrange the
+/// sentences around them.
+QString withoutDirectionMarks(QString text);
+
+/// The role that a screen reader is told instead of the usual one of such a widget. For widgets that have
+/// not been shown yet.
+void setAccessibleRole(QWidget& widget, QAccessible::Role role);
+
+/// Has a screen reader say the text now.
+void announce(QWidget& widget, const QString& text);
 
 /// A label that wraps its text anywhere if it must, so that a long word (a path, an identifier, a name
 /// without blanks) is never cut off. The text is shown as it is, never as markup.
@@ -48,6 +61,25 @@ protected:
 
 private:
     Ground ground_;
+};
+
+/// A text that can be selected and copied, by mouse and by keyboard. It wraps as `TextLabel` does and shows
+/// all of itself.
+class SelectableText final : public QTextEdit {
+public:
+    SelectableText(const QString& text, const QString& accessibleName);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+private:
+    void fit();
 };
 
 /// A text in the colour of ordinary or of less important text, or of a warning.

@@ -12,6 +12,9 @@ NameEditor::NameEditor(const QString& name, const QFont& font, const QString& wh
     : name_(name), callbacks_(std::move(callbacks)), label_(makeText(name)), field_(new TextField(what)),
       message_(makeText({}, TextRole::warning)) {
     label_->setFont(font);
+    // Nothing below moves when the field comes and goes: a click that ends the editing meets its button.
+    label_->setMinimumHeight(field_->minimumHeight());
+    label_->setAlignment(Qt::AlignVCenter);
     field_->installEventFilter(this);
     field_->hide();
     message_->hide();
@@ -28,17 +31,17 @@ bool NameEditor::isEditing() const {
     return !field_->isHidden();
 }
 
-QString NameEditor::editedText() const {
-    return field_->text();
+void NameEditor::setName(const QString& name) {
+    name_ = name;
+    label_->setText(name);
 }
 
-void NameEditor::startEditing(const std::optional<QString>& text) {
+void NameEditor::startEditing() {
     label_->hide();
-    field_->setText(text.value_or(name_));
+    field_->setText(name_);
     field_->show();
     field_->setFocus();
-    if (!text)
-        field_->selectAll();
+    field_->selectAll();
     showMessage();
 }
 

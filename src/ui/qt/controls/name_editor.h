@@ -27,17 +27,18 @@ public:
     /// What gets the focus when the editing ends. (A focus proxy would draw Tab past the controls between.)
     void setFocusAfterEditing(QWidget* widget) { focusAfterEditing_ = widget; }
 
-    bool isEditing() const;
-    QString editedText() const;
+    /// The name as it is now; what is being typed stays.
+    void setName(const QString& name);
 
-    /// Shows the field, with `text` in it (by default the name) and the focus.
-    void startEditing(const std::optional<QString>& text = {});
+    /// Shows the field with the name in it and the focus.
+    void startEditing();
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
+    bool isEditing() const;
     enum class OnRefusal { keepEditing, discard };
     void commit(OnRefusal onRefusal);
     void stopEditing();

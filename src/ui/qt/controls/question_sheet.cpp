@@ -40,7 +40,7 @@ QuestionSheet::QuestionSheet(QWidget& window, const DeletionQuestion& question,
     lines->addWidget(makeSectionTitle(qText(question.title)));
     lines->addWidget(makeText(qText(question.message), TextRole::secondary));
     lines->addSpacing(10);
-    lines->addLayout(makeAnswerLine(confirm_, cancel_));
+    lines->addWidget(makeAnswerLine(confirm_, cancel_));
     card->setFixedWidth(qMin(fontMetrics().averageCharWidth() * cardCharacters, window.width() - 40));
     auto* centring = new QVBoxLayout(this);
     centring->addWidget(card, 0, Qt::AlignCenter);

@@ -5,13 +5,16 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScrollArea>
 
 #include <vector>
 
 namespace tavrin {
 namespace {
 
-class SwitchRow final : public QWidget {
+constexpr int leastTextCharacters = 22; ///< beside a control; a narrower text stands above it
+
+class SwitchRow final : public StackingRow {
 public:
     explicit SwitchRow(SwitchControl* control) : control_(control) {}
 
@@ -33,30 +36,32 @@ void collectTabStops(const QLayout& layout, std::vector<QWidget*>& stops) {
         QWidget* widget = item->widget();
         if (!widget)
             continue;
-        if (widget->focusPolicy() & Qt::TabFocus)
+        if (widget->focusPolicy() != Qt::NoFocus)
             stops.push_back(widget);
-        if (const QLayout* inner = widget->layout())
+        if (const auto* area = qobject_cast<QScrollArea*>(widget))
+            widget = area->widget();
+        if (const QLayout* inner = widget ? widget->layout() : nullptr)
             collectTabStops(*inner, stops);
     }
 }
 
-void fillRow(QWidget& row, const QString& title, const QString& subtitle, QWidget* control) {
+void fillRow(StackingRow& row, const QString& title, QLabel* subtitle, QWidget* control) {
     auto* texts = new QVBoxLayout;
     texts->setSpacing(2);
     auto* label = makeText(title);
     texts->addWidget(label);
-    if (!subtitle.isEmpty())
-        texts->addWidget(makeText(subtitle, TextRole::secondary));
-    auto* line = new QHBoxLayout(&row);
-    setRowMargins(*line);
-    line->setSpacing(16);
-    line->addLayout(texts, 1);
+    if (subtitle)
+        texts->addWidget(subtitle);
     if (control) {
         label->nameControl(control);
-        if (!subtitle.isEmpty() && control->accessibleDescription().isEmpty())
-            control->setAccessibleDescription(subtitle);
-        line->addWidget(control, 0, Qt::AlignVCenter);
+        if (subtitle && control->accessibleDescription().isEmpty())
+            control->setAccessibleDescription(subtitle->text());
     }
+    row.fill(texts, control);
+}
+
+QLabel* subtitleOf(const QString& text) {
+    return text.isEmpty() ? nullptr : makeText(text, TextRole::secondary);
 }
 
 } // namespace
@@ -70,6 +75,19 @@ SettingsGroup::SettingsGroup(Frame frame) : rows_(new QVBoxLayout(this)), frame_
 void SettingsGroup::addRow(QWidget* row) {
     rows_->addWidget(row);
     row->show();
+}
+
+void SettingsGroup::setRows(const std::vector<QWidget*>& rows) {
+    for (int i = 0; i < static_cast<int>(rows.size()); ++i) {
+        QWidget* row = rows[static_cast<std::size_t>(i)];
+        if (QLayoutItem* there = rows_->itemAt(i); there && there->widget() == row)
+            continue;
+        rows_->removeWidget(row);
+        rows_->insertWidget(i, row);
+        row->show();
+    }
+    while (rows_->count() > static_cast<int>(rows.size()))
+        delete rows_->takeAt(rows_->count() - 1);
 }
 
 void SettingsGroup::clear() {
@@ -104,15 +122,47 @@ void SettingsGroup::paintEvent(QPaintEvent*) {
     }
 }
 
+void StackingRow::fill(QLayout* texts, QWidget* control) {
+    parts_ = new QHBoxLayout(this);
+    setRowMargins(*parts_);
+    parts_->setSpacing(16);
+    parts_->addLayout(texts, 1);
+    control_ = control;
+    if (control)
+        parts_->addWidget(control, 0, Qt::AlignVCenter);
+}
+
+void StackingRow::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    if (!control_)
+        return;
+    const int left = width() - 2 * rowMargin - parts_->spacing() - control_->sizeHint().width();
+    const bool isNarrow = left < fontMetrics().averageCharWidth() * leastTextCharacters;
+    parts_->setDirection(isNarrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    parts_->setAlignment(control_, isNarrow ? Qt::AlignLeft : Qt::AlignVCenter);
+    parts_->setSpacing(isNarrow ? 6 : 16);
+}
+
+QSize StackingRow::minimumSizeHint() const {
+    // What stands side by side now fits one above the other.
+    const QSize whole = QWidget::minimumSizeHint();
+    return {std::min(whole.width(), control_ ? control_->sizeHint().width() + 2 * rowMargin : whole.width()),
+            whole.height()};
+}
+
 QWidget* makeRow(const QString& title, const QString& subtitle, QWidget* control) {
-    auto* row = new QWidget;
+    return makeRow(title, subtitleOf(subtitle), control);
+}
+
+QWidget* makeRow(const QString& title, QLabel* subtitle, QWidget* control) {
+    auto* row = new StackingRow;
     fillRow(*row, title, subtitle, control);
     return row;
 }
 
 QWidget* makeSwitchRow(const QString& title, const QString& subtitle, SwitchControl* control) {
     auto* row = new SwitchRow(control);
-    fillRow(*row, title, subtitle, control);
+    fillRow(*row, title, subtitleOf(subtitle), control);
     return row;
 }
 

@@ -5,6 +5,8 @@
 #include <QVBoxLayout>
 #include <QWidget>
 
+#include <vector>
+
 namespace tavrin {
 
 class SwitchControl;
@@ -21,6 +23,9 @@ public:
 
     /// The group owns the row.
     void addRow(QWidget* row);
+    /// Puts these rows in this order, whatever stood there; the group owns them. Rows that stay keep the
+    /// focus and the pointer. Those that are gone are not deleted.
+    void setRows(const std::vector<QWidget*>& rows);
     /// Deletes all rows.
     void clear();
 
@@ -32,9 +37,26 @@ private:
     Frame frame_;
 };
 
+/// Texts and a control beside them, or one above the other when it is narrow.
+class StackingRow : public QWidget {
+public:
+    /// `control` may be null.
+    void fill(QLayout* texts, QWidget* control);
+
+    QSize minimumSizeHint() const override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    QBoxLayout* parts_ = nullptr;
+    QWidget* control_ = nullptr;
+};
+
 /// A row: text (and a smaller one under it) at the start, `control` at the end. The text is the control's
 /// label; `control` may be null.
 QWidget* makeRow(const QString& title, const QString& subtitle, QWidget* control);
+QWidget* makeRow(const QString& title, QLabel* subtitle, QWidget* control);
 
 /// As above with a switch that a click anywhere in the row turns.
 QWidget* makeSwitchRow(const QString& title, const QString& subtitle, SwitchControl* control);

@@ -4,6 +4,9 @@
 #include <QPainter>
 #include <QWidget>
 
+#include <algorithm>
+#include <cmath>
+
 namespace tavrin {
 namespace {
 
@@ -15,8 +18,17 @@ QColor textColor(const QPalette& palette) {
     return palette.color(QPalette::Active, QPalette::WindowText);
 }
 
-bool isDark(const QPalette& palette) {
-    return qGray(palette.color(QPalette::Window).rgb()) < 128;
+/// The ground on which a line or text is hardest to see: rows lie in groups and on the window.
+QColor nearerGround(const QColor& color, const QPalette& palette) {
+    const QColor group = groupColor(palette);
+    return contrast(color, group) < contrast(color, windowColor(palette)) ? group : windowColor(palette);
+}
+
+double luminance(const QColor& color) {
+    const auto linear = [](double value) {
+        return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
 } // namespace
@@ -24,6 +36,39 @@ bool isDark(const QPalette& palette) {
 QColor mixedColor(const QColor& a, const QColor& b, double share) {
     const auto mixed = [share](int from, int to) { return qRound(from + (to - from) * share); };
     return {mixed(a.red(), b.red()), mixed(a.green(), b.green()), mixed(a.blue(), b.blue())};
+}
+
+double contrast(const QColor& a, const QColor& b) {
+    const double first = luminance(a);
+    const double second = luminance(b);
+    return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
+}
+
+QColor withContrast(const QColor& color, const QColor& ground, double least) {
+    const QColor end = contrast(Qt::black, ground) > contrast(Qt::white, ground) ? Qt::black : Qt::white;
+    for (double share = 0; share < 1; share += 0.05)
+        if (const QColor mixed = mixedColor(color, end, share); contrast(mixed, ground) >= least)
+            return mixed;
+    return end;
+}
+
+QColor accentColor(const QPalette& palette) {
+    return palette.color(QPalette::Active, QPalette::Highlight);
+}
+
+QColor accentTextColor(const QPalette& palette) {
+    return withContrast(palette.color(QPalette::Active, QPalette::HighlightedText), accentColor(palette),
+                        textContrast);
+}
+
+QColor accentLineColor(const QPalette& palette) {
+    const QColor accent = accentColor(palette);
+    return withContrast(accent, nearerGround(accent, palette), shapeContrast);
+}
+
+QColor shapeColor(const QPalette& palette) {
+    const QColor line = mixedColor(windowColor(palette), textColor(palette), 0.34);
+    return withContrast(line, nearerGround(line, palette), shapeContrast);
 }
 
 QColor groupColor(const QPalette& palette) {
@@ -42,15 +87,12 @@ QColor badgeColor(const QPalette& palette) {
 }
 
 QColor secondaryTextColor(const QPalette& palette) {
-    const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
-    const QColor ground = palette.color(QPalette::Active, QPalette::Window);
-    const auto mixed = [](int a, int b) { return (a * 7 + b * 3) / 10; };
-    return QColor(mixed(text.red(), ground.red()), mixed(text.green(), ground.green()),
-                  mixed(text.blue(), ground.blue()));
+    const QColor text = mixedColor(textColor(palette), windowColor(palette), 0.3);
+    return withContrast(text, nearerGround(text, palette), textContrast);
 }
 
 QColor warningColor(const QPalette& palette) {
-    return isDark(palette) ? QColor(0xff8a80) : QColor(0xb3261e);
+    return withContrast(QColor(0xc6281c), nearerGround(QColor(0xc6281c), palette), textContrast);
 }
 
 int controlHeight(const QFontMetrics& metrics) {
@@ -76,8 +118,7 @@ void drawControlGround(QPainter& painter, const QWidget& control, bool isDown, c
 }
 
 void drawFieldGround(QPainter& painter, const QWidget& field, const QColor& ground) {
-    const QColor line = mixedColor(lineColor(field.palette()), textColor(field.palette()), 0.2);
-    painter.setPen(QPen(line, 1));
+    painter.setPen(QPen(shapeColor(field.palette()), 1));
     painter.setBrush(ground);
     painter.drawRoundedRect(QRectF(field.rect()).adjusted(0.5, 0.5, -0.5, -0.5), controlRadius,
                             controlRadius);
@@ -93,7 +134,7 @@ void drawFocusRing(QPainter& painter, const QRectF& rect, double radius, const Q
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(palette.color(QPalette::Active, QPalette::Highlight), 2));
+    painter.setPen(QPen(accentLineColor(palette), 2));
     painter.drawRoundedRect(rect.adjusted(1, 1, -1, -1), radius, radius);
     painter.restore();
 }

@@ -24,6 +24,23 @@ public:
 /// `share` of `b` (0 to 1) in `a`.
 QColor mixedColor(const QColor& a, const QColor& b, double share);
 
+/// How well one colour is told from the other, from 1 (not at all) to 21.
+double contrast(const QColor& a, const QColor& b);
+
+/// `color`, moved towards black or white as far as needed to be told from `ground` with that contrast.
+QColor withContrast(const QColor& color, const QColor& ground, double least);
+
+inline constexpr double textContrast = 4.5;
+inline constexpr double shapeContrast = 3;
+
+/// The desktop's accent, and what is written on it.
+QColor accentColor(const QPalette& palette);
+QColor accentTextColor(const QPalette& palette);
+/// The accent as a line or shape on the ground of rows or of the window.
+QColor accentLineColor(const QPalette& palette);
+/// The border of a field and the track of a switch that is off.
+QColor shapeColor(const QPalette& palette);
+
 /// The ground of grouped rows, a little apart from the window's.
 QColor groupColor(const QPalette& palette);
 /// Lines around and between rows.

@@ -34,8 +34,9 @@ QWidget* makeFactRow(const QString& name, const QString& value) {
     auto* label = makeText(name, TextRole::secondary);
     label->setFixedWidth(label->fontMetrics().averageCharWidth() * 19);
     line->addWidget(label, 0, Qt::AlignTop);
-    auto* text = makeText(value);
-    text->setAccessibleName(QStringLiteral("%1: %2").arg(name, value));
+    auto* text = new SelectableText(value, name);
+    // Tab leads to what is long; the rest is read with the screen reader's own keys.
+    text->setFocusPolicy(value.contains(QLatin1Char('\n')) ? Qt::StrongFocus : Qt::ClickFocus);
     line->addWidget(text, 1);
     return row;
 }
@@ -58,8 +59,8 @@ AdvancedPaneWidget::AdvancedPaneWidget(const SettingsCollaborators& collaborator
     buildLastAttempt();
     buildRestoring();
     buildTroubleshooting();
-    followLayoutWithTab(*this);
     showState();
+    followLayoutWithTab(*window());
     subscription_ = pane_.changed.connect([this] { showState(); });
 }
 
@@ -152,8 +153,7 @@ void AdvancedPaneWidget::showState() {
     const bool isGranted = pane_.isPermissionGranted();
     permissionIcon_->setPixmap(symbolIcon(isGranted ? QStringLiteral("checkmark.circle.fill")
                                                     : QStringLiteral("exclamationmark.triangle.fill"),
-                                          isGranted ? palette().color(QPalette::Active, QPalette::Highlight)
-                                                    : warningColor(palette()))
+                                          isGranted ? accentLineColor(palette()) : warningColor(palette()))
                                    .pixmap(QSize(side, side), devicePixelRatioF()));
     permissionTitle_->setText(qText(pane_.permissionTitle()));
     permissionMessage_->setText(qText(pane_.permissionMessage()));
@@ -187,6 +187,11 @@ void AdvancedPaneWidget::showLastAttempt() {
     QStringList errors;
     for (const std::string& error : attempt->result.errors)
         errors << qText(error);
+    QStringList notes;
+    for (const std::string& note : attempt->result.notes)
+        notes << qText(note);
+    if (!notes.isEmpty())
+        attemptRows_->addRow(makeFactRow(QStringLiteral("Notes"), notes.join(QLatin1Char('\n'))));
     if (!errors.isEmpty())
         attemptRows_->addRow(makeFactRow(QStringLiteral("Errors"), errors.join(QLatin1Char('\n'))));
 }

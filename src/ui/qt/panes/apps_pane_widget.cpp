@@ -39,7 +39,10 @@ QWidget* makeApplicationRow(const ListedApplication& application, QWidget* contr
 
 AppsPaneWidget::AppsPaneWidget(const SettingsCollaborators& collaborators)
     : pane_(collaborators.settingsStore, collaborators.windowProvider, collaborators.applicationCatalog,
-            collaborators.processIdentifier) {
+            collaborators.processIdentifier),
+      placeholder_(
+          ExclusionListView::placeholder(collaborators.desktopInformation.texts().exampleApplication)),
+      list_(new KeyboardList(this)), openList_(new KeyboardList(this)) {
     auto* excluded = new SettingsGroup;
     excludedRows_ = new SettingsGroup(SettingsGroup::Frame::none);
     excluded->addRow(excludedRows_);
@@ -61,7 +64,7 @@ QWidget* AppsPaneWidget::makeAddRow() {
     setRowMargins(*line);
     line->setSpacing(8);
     field_ = new TextField(QStringLiteral("Bundle ID"));
-    field_->setPlaceholderText(qText(ExclusionListView::placeholder));
+    field_->setPlaceholderText(qText(placeholder_));
     field_->setMaxLength(255);
     addButton_ = new ActionButton(QStringLiteral("Add App"));
     connect(field_, &QLineEdit::textChanged, this,
@@ -73,27 +76,30 @@ QWidget* AppsPaneWidget::makeAddRow() {
     return row;
 }
 
-QWidget* AppsPaneWidget::makeExcludedRow(const ListedApplication& application) {
+QAbstractButton* AppsPaneWidget::makeExcludedButton(const ListedApplication& application) {
     const QString name = QStringLiteral("Remove ") + qText(application.bundleIdentifier);
     auto* button = new SymbolButton(QStringLiteral("minus.circle.fill"), name, SymbolButton::Ground::onHover,
                                     warningColor(palette()));
     button->setToolTip(Qt::convertFromPlainText(name)); // any program may call itself anything
     connect(button, &QToolButton::clicked, this, [this, bundleID = application.bundleIdentifier] {
-        const std::string removed = bundleID;
-        field_->setFocus();
-        pane_.exclusions.remove(removed);
+        pane_.exclusions.remove(std::string(bundleID));
     });
-    return makeApplicationRow(application, button);
+    return button;
 }
 
-QWidget* AppsPaneWidget::makeOpenRow(const ListedApplication& application) {
+QAbstractButton* AppsPaneWidget::makeOpenButton(const ListedApplication& application) {
     auto* button = new ActionButton(QStringLiteral("Exclude"));
     button->setAccessibleName(QStringLiteral("Exclude %1").arg(qText(application.name)));
     connect(button, &QPushButton::clicked, this, [this, bundleID = application.bundleIdentifier] {
-        const std::string added = bundleID;
-        pane_.exclusions.addRunning(added);
+        pane_.exclusions.addRunning(std::string(bundleID));
     });
-    return makeApplicationRow(application, button);
+    return button;
+}
+
+KeyboardList::Row AppsPaneWidget::addRow(SettingsGroup& group, const ListedApplication& application,
+                                         QAbstractButton* button) {
+    group.addRow(makeApplicationRow(application, button));
+    return {button, qText(application.name), {}};
 }
 
 void AppsPaneWidget::showState() {
@@ -111,19 +117,29 @@ void AppsPaneWidget::showLists() {
     if (!areListsStale_ && excluded == shownExcluded_)
         return;
     areListsStale_ = false;
+    const bool hadFocusInList = list_->hasFocus();
+    const bool hadFocusInOpenList = openList_->hasFocus();
     const auto open = pane_.openApplications();
     shownExcluded_ = excluded;
     excludedRows_->clear();
     if (excluded.empty())
         excludedRows_->addRow(makeNoteRow(qText(ExclusionListView::emptyText)));
+    std::vector<KeyboardList::Row> rows;
     for (const ListedApplication& application : pane_.excludedApplications())
-        excludedRows_->addRow(makeExcludedRow(application));
+        rows.push_back(addRow(*excludedRows_, application, makeExcludedButton(application)));
+    list_->setRows(std::move(rows));
     openRows_->clear();
     if (open.empty())
         openRows_->addRow(makeNoteRow(QStringLiteral("No other apps have windows open.")));
+    rows.clear();
     for (const ListedApplication& application : open)
-        openRows_->addRow(makeOpenRow(application));
-    followLayoutWithTab(*this);
+        rows.push_back(addRow(*openRows_, application, makeOpenButton(application)));
+    openList_->setRows(std::move(rows));
+    followLayoutWithTab(*window());
+    // The row whose button was pressed is gone; the one in its place is next.
+    KeyboardList* focused = hadFocusInList ? list_ : hadFocusInOpenList ? openList_ : nullptr;
+    if (focused)
+        (focused->current() ? focused->current() : field_)->setFocus();
 }
 
 } // namespace tavrin

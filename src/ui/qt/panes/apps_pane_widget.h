@@ -1,9 +1,11 @@
 #pragma once
 
 #include "ui/apps_pane.h"
+#include "ui/qt/controls/keyboard_list.h"
 #include "ui/qt/panes/settings_pane_widget.h"
 #include "ui/user_interface.h"
 
+class QAbstractButton;
 class QLineEdit;
 class QPushButton;
 
@@ -21,12 +23,17 @@ public:
 
 private:
     QWidget* makeAddRow();
-    QWidget* makeExcludedRow(const ListedApplication& application);
-    QWidget* makeOpenRow(const ListedApplication& application);
+    QAbstractButton* makeExcludedButton(const ListedApplication& application);
+    QAbstractButton* makeOpenButton(const ListedApplication& application);
+    static KeyboardList::Row addRow(SettingsGroup& group, const ListedApplication& application,
+                                    QAbstractButton* button);
     void showState();
     void showLists();
 
     AppsPane pane_;
+    std::string placeholder_;
+    KeyboardList* list_;
+    KeyboardList* openList_;
     SettingsGroup* excludedRows_ = nullptr;
     SettingsGroup* openRows_ = nullptr;
     QLineEdit* field_ = nullptr;

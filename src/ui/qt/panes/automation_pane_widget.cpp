@@ -19,7 +19,7 @@ AutomationSettingsWidget::AutomationSettingsWidget(const SettingsCollaborators& 
                QStringLiteral("Tavrin auto-restores the default layout for the matched display setup when "
                               "events above are triggered."),
                setupRows_);
-    buildStartup();
+    buildStartup(qText(collaborators.desktopInformation.texts().launchAtLogin));
     rebuildSetups();
     subscription_ = view_.changed.connect([this] { showState(); });
 }
@@ -36,14 +36,11 @@ void AutomationSettingsWidget::buildEventSwitches() {
     addSection(sections(), QStringLiteral("Auto-Restore Events"), {}, rows);
 }
 
-void AutomationSettingsWidget::buildStartup() {
+void AutomationSettingsWidget::buildStartup(const QString& note) {
     const auto label = QStringLiteral("Launch Tavrin at login");
     launchSwitch_ = new SwitchControl(label);
     connect(launchSwitch_, &QCheckBox::toggled, this, [this](bool isOn) { view_.setLaunchAtLogin(isOn); });
-    auto* row = makeSwitchRow(label,
-                              QStringLiteral("First time you enable this, macOS may ask you to confirm in "
-                                             "System Settings > General > Login Items."),
-                              launchSwitch_);
+    auto* row = makeSwitchRow(label, note, launchSwitch_);
     launchError_ = makeText({}, TextRole::warning);
     launchError_->hide();
     auto* content = new QWidget;
@@ -78,12 +75,14 @@ void AutomationSettingsWidget::showState() {
                               : picker->findData(qText(chosen->second.text()));
         const QSignalBlocker blocker(picker);
         picker->setCurrentIndex(index < 0 ? 0 : index);
+        notes_.at(profileID)->setVisible(picker->currentIndex() == 0);
     }
 }
 
 void AutomationSettingsWidget::rebuildSetups() {
     shownSetups_ = view_.setups();
     pickers_.clear();
+    notes_.clear();
     setupRows_->clear();
     if (shownSetups_.empty())
         setupRows_->addRow(
@@ -91,9 +90,12 @@ void AutomationSettingsWidget::rebuildSetups() {
     for (const auto& setup : shownSetups_) {
         QComboBox* picker = makePicker(setup);
         pickers_[setup.profileID] = picker;
-        setupRows_->addRow(makeRow(qText(setup.name), {}, picker));
+        auto* note =
+            makeText(QStringLiteral("Nothing is restored automatically on this setup."), TextRole::secondary);
+        notes_[setup.profileID] = note;
+        setupRows_->addRow(makeRow(qText(setup.name), note, picker));
     }
-    followLayoutWithTab(*this);
+    followLayoutWithTab(*window());
 }
 
 QComboBox* AutomationSettingsWidget::makePicker(const AutomationSettingsView::Setup& setup) {

@@ -25,7 +25,7 @@ public:
 
 private:
     void buildEventSwitches();
-    void buildStartup();
+    void buildStartup(const QString& note);
     void showState();
     void rebuildSetups();
     QComboBox* makePicker(const AutomationSettingsView::Setup& setup);
@@ -37,6 +37,7 @@ private:
     SettingsGroup* setupRows_ = nullptr;
     std::vector<AutomationSettingsView::Setup> shownSetups_;
     std::map<Uuid, QComboBox*> pickers_;
+    std::map<Uuid, QLabel*> notes_; ///< beside a picker without a choice
     Token subscription_;
 };
 

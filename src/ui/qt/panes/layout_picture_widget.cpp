@@ -17,16 +17,25 @@ constexpr double cornerRadius = 2.5;
 constexpr double labelMargin = 3;
 constexpr double margin = 7;
 
+QFont smallFont(QFont font) {
+    if (font.pointSizeF() > 0)
+        font.setPointSizeF(font.pointSizeF() * 0.78);
+    return font;
+}
+
 } // namespace
 
-LayoutPictureWidget::LayoutPictureWidget(LayoutPicture picture,
-                                         const std::function<QIcon(const std::string&)>& iconOf)
-    : picture_(std::move(picture)) {
-    for (const LayoutPicture::Window& window : picture_.windows)
-        icons_.push_back(window.bundleIdentifier ? iconOf(*window.bundleIdentifier) : QIcon());
+LayoutPictureWidget::LayoutPictureWidget(std::function<QIcon(const std::string&)> iconOf)
+    : iconOf_(std::move(iconOf)) {
+    setAccessibleRole(*this, QAccessible::Graphic);
     setAccessibleName(QStringLiteral("Picture of the layout"));
-    setAccessibleDescription(qText(picture_.description()));
     setFixedSize(sizeHint());
+}
+
+void LayoutPictureWidget::setPicture(LayoutPicture picture) {
+    picture_ = std::move(picture);
+    setAccessibleDescription(qText(picture_.description()));
+    update();
 }
 
 QSize LayoutPictureWidget::sizeHint() const {
@@ -53,7 +62,7 @@ void LayoutPictureWidget::paintEvent(QPaintEvent*) {
     painter.setBrush(mixedColor(groupColor(palette()), palette().color(QPalette::WindowText), 0.05));
     painter.drawRoundedRect(rect(), 6, 6);
     QPainterPath ground;
-    const QColor accent = palette().color(QPalette::Active, QPalette::Highlight);
+    const QColor accent = accentColor(palette());
     for (const LayoutPicture::Screen& screen : picture_.screens) {
         const QRectF place = placed(screen.frame).adjusted(1, 1, -1, -1);
         ground.addRoundedRect(place, 4, 4);
@@ -64,12 +73,33 @@ void LayoutPictureWidget::paintEvent(QPaintEvent*) {
     painter.save();
     if (!picture_.screens.empty())
         painter.setClipPath(ground);
-    for (std::size_t i = 0; i < picture_.windows.size(); ++i)
-        drawWindow(painter, picture_.windows[i], icons_[i]);
+    // Icons are looked up when they are seen first.
+    for (const LayoutPicture::Window& window : picture_.windows)
+        drawWindow(painter, window, window.bundleIdentifier ? iconOf_(*window.bundleIdentifier) : QIcon());
+    for (const LayoutPicture::Screen& screen : picture_.screens)
+        drawScreenName(painter, screen);
     painter.restore();
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(mixedColor(lineColor(palette()), palette().color(QPalette::WindowText), 0.25), 1));
     painter.drawPath(ground);
+}
+
+void LayoutPictureWidget::drawScreenName(QPainter& painter, const LayoutPicture::Screen& screen) const {
+    if (screen.name.empty())
+        return;
+    const QFont small = smallFont(font());
+    const QFontMetricsF metrics(small);
+    const QString name =
+        metrics.elidedText(qText(screen.name), Qt::ElideRight, placed(screen.frame).width() - 8);
+    QRectF place(0, 0, metrics.horizontalAdvance(name) + 8, metrics.height());
+    place.moveBottomRight(placed(screen.frame).bottomRight() - QPointF(3, 3));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(mixedColor(groupColor(palette()), accentColor(palette()), 0.5));
+    painter.drawRoundedRect(place, 3, 3);
+    painter.setFont(small);
+    painter.setPen(withContrast(palette().color(QPalette::Active, QPalette::WindowText),
+                                painter.brush().color(), textContrast));
+    painter.drawText(place, Qt::AlignCenter, name);
 }
 
 void LayoutPictureWidget::drawWindow(QPainter& painter, const LayoutPicture::Window& window,
@@ -81,14 +111,12 @@ void LayoutPictureWidget::drawWindow(QPainter& painter, const LayoutPicture::Win
     painter.drawRoundedRect(frame, cornerRadius, cornerRadius);
     drawLabel(painter,
               placed(window.visibleFrame).adjusted(labelMargin, labelMargin, -labelMargin, -labelMargin),
-              qText(window.label), icon);
+              withoutDirectionMarks(qText(window.label)), icon);
 }
 
 void LayoutPictureWidget::drawLabel(QPainter& painter, const QRectF& space, const QString& label,
                                     const QIcon& icon) const {
-    QFont small = font();
-    if (small.pointSizeF() > 0)
-        small.setPointSizeF(small.pointSizeF() * 0.78);
+    const QFont small = smallFont(font());
     const QFontMetricsF metrics(small);
     const double iconSide =
         icon.isNull() ? 0 : std::min({space.width(), space.height(), metrics.height() * 1.5});

@@ -14,7 +14,9 @@ namespace tavrin {
 class LayoutPictureWidget final : public QWidget {
 public:
     /// `iconOf` gives the icon of an application; a null icon where there is none.
-    LayoutPictureWidget(LayoutPicture picture, const std::function<QIcon(const std::string&)>& iconOf);
+    explicit LayoutPictureWidget(std::function<QIcon(const std::string&)> iconOf);
+
+    void setPicture(LayoutPicture picture);
 
     QSize sizeHint() const override;
 
@@ -25,11 +27,12 @@ protected:
 private:
     /// Where a rectangle of the picture lies in the widget.
     QRectF placed(const Rect& rect) const;
+    void drawScreenName(QPainter& painter, const LayoutPicture::Screen& screen) const;
     void drawWindow(QPainter& painter, const LayoutPicture::Window& window, const QIcon& icon) const;
     void drawLabel(QPainter& painter, const QRectF& space, const QString& label, const QIcon& icon) const;
 
     LayoutPicture picture_;
-    std::vector<QIcon> icons_; ///< one per window of the picture
+    std::function<QIcon(const std::string&)> iconOf_;
 };
 
 } // namespace tavrin

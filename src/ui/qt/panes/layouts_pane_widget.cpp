@@ -3,19 +3,22 @@
 #include "ports/application_catalog.h"
 #include "ui/qt/controls/buttons.h"
 #include "ui/qt/controls/icons.h"
-#include "ui/qt/controls/labels.h"
-#include "ui/qt/controls/name_editor.h"
+#include "ui/qt/controls/inputs.h"
+#include "ui/qt/controls/keyboard_list.h"
 #include "ui/qt/controls/question_sheet.h"
 #include "ui/qt/controls/settings_group.h"
+#include "ui/qt/controls/style.h"
 #include "ui/qt/panes/layout_card_widget.h"
 
-#include <QMenu>
+#include <QApplication>
+#include <QShortcut>
 #include <QTimer>
 
 namespace tavrin {
 namespace {
 
 constexpr auto saveText = "Save Layout…";
+constexpr std::size_t cardsAtOnce = 6; ///< about what a window shows
 
 Rect placeOnDesktop(const QWidget& widget) {
     const QPoint corner = widget.mapToGlobal(QPoint(0, 0));
@@ -23,12 +26,49 @@ Rect placeOnDesktop(const QWidget& widget) {
             static_cast<double>(widget.width()), static_cast<double>(widget.height())};
 }
 
+void discard(QWidget& widget) {
+    // It may be the one whose button is being clicked.
+    widget.hide();
+    widget.deleteLater();
+}
+
 } // namespace
 
-LayoutsPaneWidget::LayoutsPaneWidget(const SettingsCollaborators& collaborators)
-    : pane_(collaborators), catalog_(collaborators.applicationCatalog) {
-    rebuild();
-    subscription_ = pane_.changed.connect([this] { rebuildSoon(); });
+LayoutsPaneWidget::LayoutsPaneWidget(const SettingsCollaborators& collaborators,
+                                     std::function<void()> showAdvancedPane)
+    : pane_(collaborators), catalog_(collaborators.applicationCatalog),
+      showAdvancedPane_(std::move(showAdvancedPane)), suggestion_(makeSuggestion()), note_(new QWidget),
+      emptyState_(makeEmptyState()), filter_(new TextField(QStringLiteral("Filter layouts"))),
+      noMatch_(makeText(QStringLiteral("No layout has this in its name."), TextRole::secondary)),
+      setupRows_(new QVBoxLayout), list_(new KeyboardList(this)) {
+    filter_->setPlaceholderText(filter_->accessibleName());
+    filter_->setClearButtonEnabled(true);
+    connect(filter_, &QLineEdit::textChanged, this,
+            [this](const QString& text) { pane_.setFilter(text.toStdString()); });
+    auto* find = new QShortcut(QKeySequence::Find, this);
+    connect(find, &QShortcut::activated, this, [this] { filter_->setFocus(Qt::ShortcutFocusReason); });
+
+    auto* noteLines = new QVBoxLayout(note_);
+    noteLines->setContentsMargins(0, 0, 0, 0);
+    auto* noteGroup = new SettingsGroup;
+    noteText_ = makeText({}, TextRole::secondary);
+    auto* noteRow = new QWidget;
+    auto* noteLine = new QHBoxLayout(noteRow);
+    setRowMargins(*noteLine);
+    noteLine->addWidget(noteText_);
+    noteGroup->addRow(noteRow);
+    noteLines->addWidget(noteGroup);
+
+    setupRows_->setSpacing(20);
+    sections().setSpacing(16);
+    sections().addWidget(suggestion_);
+    sections().addWidget(note_);
+    sections().addWidget(emptyState_);
+    sections().addWidget(filter_);
+    sections().addWidget(noMatch_);
+    sections().addLayout(setupRows_);
+    showContent();
+    subscription_ = pane_.changed.connect([this] { showContent(); });
 }
 
 LayoutsPaneWidget::~LayoutsPaneWidget() {
@@ -43,190 +83,202 @@ QPushButton* LayoutsPaneWidget::makeSaveButton() {
 }
 
 QWidget* LayoutsPaneWidget::makeHeaderControl() {
-    auto* button = makeSaveButton();
-    saveButton_ = button;
-    button->setVisible(!pane_.content().isEmpty());
-    return button;
+    saveButton_ = makeSaveButton();
+    showContent();
+    return saveButton_;
 }
 
-void LayoutsPaneWidget::rebuildSoon() {
-    if (isRebuildPending_)
-        return;
-    isRebuildPending_ = true;
-    QTimer::singleShot(0, this, [this] {
-        isRebuildPending_ = false;
-        rebuild();
-    });
-}
-
-void LayoutsPaneWidget::rebuild() {
-    // What the user is in the middle of goes on in the new content.
-    std::optional<std::pair<Uuid, QString>> edited;
-    for (const auto& [id, editor] : editors_)
-        if (editor->isEditing())
-            edited.emplace(id, editor->editedText());
-    const bool hadFocus = content_ && content_->isAncestorOf(focusWidget());
-    const QString focusedName = hadFocus ? focusWidget()->objectName() : QString();
-
-    editors_.clear();
-    delete content_;
-    content_ = new QWidget;
-    rows_ = new QVBoxLayout(content_);
-    rows_->setContentsMargins(0, 0, 0, 0);
-    rows_->setSpacing(0);
-    sections().addWidget(content_);
-    const LayoutsPaneContent& content = pane_.content();
-    if (content.suggestion)
-        addSuggestion(*content.suggestion);
-    if (content.isEmpty())
-        addEmptyState();
-    else if (!content.suggestion && !content.setups.front().isCurrent)
-        addNote(qText(content.currentSetupText));
-    for (const SetupCard& setup : content.setups)
-        addSetup(setup);
-    if (saveButton_)
-        saveButton_->setVisible(!content.isEmpty());
-    content_->show();
-    followLayoutWithTab(*this);
-
-    if (edited)
-        if (const auto editor = editors_.find(edited->first); editor != editors_.end())
-            return editor->second->startEditing(edited->second);
-    if (!hadFocus)
-        return;
-    auto* widget = focusedName.isEmpty() ? nullptr : content_->findChild<QWidget*>(focusedName);
-    if (!widget && content.isEmpty())
-        widget = content_->findChild<QWidget*>(QStringLiteral("save"));
-    if (!widget)
-        widget = saveButton_;
-    if (widget)
-        widget->setFocus();
-}
-
-void LayoutsPaneWidget::addSuggestion(const SetupSuggestion& suggestion) {
+QWidget* LayoutsPaneWidget::makeSuggestion() {
     auto* row = new QWidget;
     auto* line = new QHBoxLayout(row);
     setRowMargins(*line);
     line->setSpacing(12);
-    auto* icon = new QLabel;
-    const int side = fontMetrics().height() * 5 / 4;
-    icon->setPixmap(
-        symbolIcon(QStringLiteral("info.circle.fill"), palette().color(QPalette::Active, QPalette::Highlight))
-            .pixmap(QSize(side, side), devicePixelRatioF()));
-    line->addWidget(icon, 0, Qt::AlignTop);
+    line->addWidget(makeSymbol(QStringLiteral("info.circle.fill"), accentLineColor(palette())), 0,
+                    Qt::AlignTop);
     auto* texts = new QVBoxLayout;
     texts->setSpacing(2);
-    texts->addWidget(makeText(qText(suggestion.title)));
-    texts->addWidget(makeText(qText(suggestion.message), TextRole::secondary));
+    texts->addWidget(suggestionTitle_ = makeText({}));
+    texts->addWidget(suggestionMessage_ = makeText({}, TextRole::secondary));
     line->addLayout(texts, 1);
-    if (suggestion.canConfirm) {
-        auto* confirm = new ActionButton(QStringLiteral("Confirm"));
-        confirm->setObjectName(QStringLiteral("confirm"));
-        confirm->setAccessibleName(QStringLiteral("Confirm %1").arg(qText(suggestion.title)));
-        connect(confirm, &QPushButton::clicked, this, [this] { pane_.confirmSuggestion(); });
-        line->addWidget(confirm, 0, Qt::AlignVCenter);
-    }
     auto* group = new SettingsGroup;
     group->addRow(row);
-    addSection(*rows_, {}, {}, group);
+    return group;
 }
 
-void LayoutsPaneWidget::addNote(const QString& text) {
-    auto* group = new SettingsGroup;
-    group->addRow(makeNoteRow(text));
-    addSection(*rows_, {}, {}, group);
-}
-
-void LayoutsPaneWidget::addEmptyState() {
+QWidget* LayoutsPaneWidget::makeEmptyState() {
     auto* state = new QWidget;
     auto* lines = new QVBoxLayout(state);
-    lines->setContentsMargins(40, 70, 40, 40);
+    lines->setContentsMargins(40, 56, 40, 40);
     lines->setSpacing(18);
-    auto* icon = new QLabel;
-    const int side = fontMetrics().height() * 4;
-    icon->setPixmap(symbolIcon(QStringLiteral("rectangle.3.group"), secondaryTextColor(palette()))
-                        .pixmap(QSize(side, side), devicePixelRatioF()));
+    auto* icon = makeSymbol(QStringLiteral("rectangle.3.group"), secondaryTextColor(palette()), 4);
     icon->setAlignment(Qt::AlignCenter);
     auto* text = makeText(qText(LayoutsPane::emptyText), TextRole::secondary);
     text->setAlignment(Qt::AlignCenter);
-    auto* save = makeSaveButton();
-    save->setObjectName(QStringLiteral("save"));
+    emptySaveButton_ = makeSaveButton();
     lines->addWidget(icon);
     lines->addWidget(text);
-    lines->addWidget(save, 0, Qt::AlignHCenter);
-    rows_->addWidget(state);
+    lines->addWidget(emptySaveButton_, 0, Qt::AlignHCenter);
+    return state;
 }
 
-void LayoutsPaneWidget::addSetup(const SetupCard& setup) {
-    if (rows_->count() > 0)
-        rows_->addSpacing(24);
-    rows_->addWidget(makeSetupHeader(setup));
-    rows_->addSpacing(8);
-    auto* group = new SettingsGroup;
-    if (setup.layouts.empty())
-        group->addRow(makeNoteRow(qText(LayoutsPane::emptySetupText)));
-    for (const LayoutCard& layout : setup.layouts)
-        group->addRow(makeCard(setup, layout));
-    rows_->addWidget(group);
+void LayoutsPaneWidget::showContent() {
+    const LayoutsPaneContent& content = pane_.content();
+    suggestion_->setVisible(!content.suggestionTitle.empty());
+    suggestionTitle_->setText(qText(content.suggestionTitle));
+    suggestionMessage_->setText(qText(content.suggestionMessage));
+    const bool isRecognised = !content.setups.empty() && content.setups.front().isCurrent;
+    note_->setVisible(content.suggestionTitle.empty() && !content.setups.empty() && !isRecognised &&
+                      !content.isUnreadable && filter_->text().isEmpty());
+    noteText_->setText(qText(content.currentSetupText));
+    emptyState_->setVisible(content.isEmpty());
+    emptySaveButton_->setEnabled(content.canSave);
+    if (saveButton_) {
+        saveButton_->setVisible(!content.isEmpty());
+        saveButton_->setEnabled(content.canSave);
+    }
+    filter_->setVisible(content.offersFilter);
+    noMatch_->setVisible(content.offersFilter && content.setups.empty());
+    showSetups();
 }
 
-QWidget* LayoutsPaneWidget::makeSetupHeader(const SetupCard& setup) {
-    const Uuid id = setup.id;
-    QFont bold = font();
-    bold.setBold(true);
-    auto* name =
-        new NameEditor(qText(setup.name), bold, QStringLiteral("Name of the display setup"),
-                       {.refusal = [this](const std::string& text) { return pane_.setupNameRefusal(text); },
-                        .rename = [this, id](const std::string& text) { pane_.renameSetup(id, text); }});
-    editors_[id] = name;
-
-    auto* more =
-        new SymbolButton(QStringLiteral("ellipsis"), QStringLiteral("More for %1").arg(qText(setup.name)),
-                         SymbolButton::Ground::always);
-    more->setObjectName(qText(id.text()) + QStringLiteral("/setup"));
-    more->setToolTip(QStringLiteral("Rename, delete"));
-    auto* menu = new QMenu(more);
-    menu->addAction(QStringLiteral("Rename"), this, [name] { name->startEditing(); });
-    menu->addSeparator();
-    menu->addAction(QStringLiteral("Delete…"), this, [this, id] {
-        ask(pane_.setupDeletionQuestion(id), [this, id] { pane_.deleteSetup(id); });
-    });
-    more->setMenu(menu);
-    name->setFocusAfterEditing(more);
-
-    auto* texts = new QVBoxLayout;
-    texts->setSpacing(1);
-    texts->addWidget(name);
-    texts->addWidget(makeText(qText(setup.detail), TextRole::secondary));
-    auto* header = new QWidget;
-    auto* line = new QHBoxLayout(header);
-    line->setContentsMargins(0, 0, 0, 0);
-    line->setSpacing(8);
-    line->addLayout(texts, 1);
-    if (setup.isCurrent)
-        line->addWidget(new Badge(QStringLiteral("Connected now"), Badge::Ground::accented), 0,
-                        Qt::AlignVCenter);
-    line->addWidget(more, 0, Qt::AlignVCenter);
-    return header;
+void LayoutsPaneWidget::showSetups() {
+    const LayoutsPaneContent& content = pane_.content();
+    const bool hadFocus = list_->hasFocus();
+    cardBudget_ = cardsAtOnce;
+    for (auto section = sections_.begin(); section != sections_.end();) {
+        const bool isGone =
+            std::ranges::find(content.setups, section->first, &SetupCard::id) == content.setups.end();
+        if (isGone)
+            discard(*section->second->widget);
+        section = isGone ? sections_.erase(section) : std::next(section);
+    }
+    int place = 0;
+    for (const SetupCard& setup : content.setups) {
+        auto& section = sections_[setup.id];
+        if (!section)
+            section = makeSection(setup.id);
+        if (const auto* there = setupRows_->itemAt(place); !there || there->widget() != section->widget) {
+            setupRows_->removeWidget(section->widget);
+            setupRows_->insertWidget(place, section->widget);
+            section->widget->show();
+        }
+        ++place;
+        showSection(*section, setup);
+    }
+    updateList();
+    if (hadFocus && !list_->hasFocus() && list_->current() &&
+        (!QApplication::focusWidget() || !QApplication::focusWidget()->inherits("QLineEdit")))
+        list_->current()->setFocus();
+    else if (hadFocus && !list_->current() && emptySaveButton_->isVisible())
+        emptySaveButton_->setFocus();
 }
 
-QWidget* LayoutsPaneWidget::makeCard(const SetupCard& setup, const LayoutCard& layout) {
-    const Uuid id = layout.id;
-    const auto wanted =
-        layout.isDefault ? LayoutsPane::DefaultLayout::cleared : LayoutsPane::DefaultLayout::set;
-    auto* card = new LayoutCardWidget(
-        layout, pane_.now(),
+void LayoutsPaneWidget::showNextCards() {
+    isWaitingForCards_ = false;
+    showSetups();
+}
+
+std::unique_ptr<LayoutsPaneWidget::Section> LayoutsPaneWidget::makeSection(const Uuid& profileID) {
+    const Uuid id = profileID;
+    auto section = std::make_unique<Section>();
+    section->header = new SetupHeaderWidget(
+        {.toggleExpanded =
+             [this, id] {
+                 for (const SetupCard& setup : pane_.content().setups)
+                     if (setup.id == id)
+                         return pane_.setExpanded(id, !setup.isExpanded);
+             },
+         .confirm = [this, id] { pane_.confirmSetup(id); },
+         .askDelete = [this,
+                       id] { ask(pane_.setupDeletionQuestion(id), [this, id] { pane_.deleteSetup(id); }); },
+         .nameRefusal = [this](const std::string& text) { return pane_.setupNameRefusal(text); },
+         .rename = [this, id](const std::string& text) { pane_.renameSetup(id, text); }});
+    section->group = new SettingsGroup;
+    section->emptyNote = makeNoteRow(qText(LayoutsPane::emptySetupText));
+    section->emptyNote->setParent(section->group);
+    section->emptyNote->hide();
+    section->widget = new QWidget;
+    auto* lines = new QVBoxLayout(section->widget);
+    lines->setContentsMargins(0, 0, 0, 0);
+    lines->setSpacing(6);
+    lines->addWidget(section->header);
+    lines->addWidget(section->group);
+    return section;
+}
+
+LayoutCardWidget* LayoutsPaneWidget::makeCard(const Uuid& layoutID) {
+    const Uuid id = layoutID;
+    return new LayoutCardWidget(
         {.restore = [this, id] { pane_.restore(id); },
          .update = [this, id] { pane_.update(id); },
-         .toggleDefault = [this, id, wanted] { pane_.setDefault(id, wanted); },
+         .toggleDefault =
+             [this, id] {
+                 for (const SetupCard& setup : pane_.content().setups)
+                     for (const LayoutCard& layout : setup.layouts)
+                         if (layout.id == id)
+                             return pane_.setDefault(id, layout.isDefault
+                                                             ? LayoutsPane::DefaultLayout::cleared
+                                                             : LayoutsPane::DefaultLayout::set);
+             },
          .askDelete = [this,
                        id] { ask(pane_.layoutDeletionQuestion(id), [this, id] { pane_.deleteLayout(id); }); },
+         .showDetails = showAdvancedPane_,
          .nameRefusal = [this, id](const std::string& name) { return pane_.layoutNameRefusal(id, name); },
          .rename = [this, id](const std::string& name) { pane_.renameLayout(id, name); },
          .iconOf = [this](const std::string& identifier) { return icon(identifier); }});
-    card->setAccessibleName(QStringLiteral("%1, %2").arg(qText(layout.name), qText(setup.name)));
-    editors_[id] = &card->nameEditor();
-    return card;
+}
+
+void LayoutsPaneWidget::showSection(Section& section, const SetupCard& setup) {
+    section.header->showSetup(setup, pane_.content().isFoldable);
+    std::vector<QWidget*> rows;
+    for (const LayoutCard& layout : setup.layouts) {
+        auto& card = section.cards[layout.id];
+        if (!card) {
+            if (cardBudget_ == 0) {
+                // What cannot be seen yet waits until the window has been drawn.
+                section.cards.erase(layout.id);
+                if (!isWaitingForCards_)
+                    QTimer::singleShot(0, this, [this] { showNextCards(); });
+                isWaitingForCards_ = true;
+                break;
+            }
+            --cardBudget_;
+            card = makeCard(layout.id);
+        }
+        card->showCard(layout, qText(setup.name));
+        rows.push_back(card);
+    }
+    std::erase_if(section.cards, [&](const auto& entry) {
+        const bool isGone =
+            std::ranges::find(setup.layouts, entry.first, &LayoutCard::id) == setup.layouts.end();
+        if (isGone)
+            discard(*entry.second);
+        return isGone;
+    });
+    section.emptyNote->setVisible(setup.layoutCount == 0);
+    if (setup.layoutCount == 0)
+        rows.push_back(section.emptyNote);
+    section.group->setRows(rows);
+    section.group->setVisible(!rows.empty());
+}
+
+void LayoutsPaneWidget::updateList() {
+    std::vector<KeyboardList::Row> rows;
+    const QWidget* firstCard = nullptr;
+    for (const SetupCard& setup : pane_.content().setups) {
+        Section& section = *sections_.at(setup.id);
+        rows.push_back(section.header->row());
+        for (const LayoutCard& layout : setup.layouts)
+            if (const auto card = section.cards.find(layout.id); card != section.cards.end()) {
+                rows.push_back(card->second->row());
+                firstCard = firstCard ? firstCard : card->second;
+            }
+    }
+    const bool isFirstTime = !list_->current();
+    list_->setRows(std::move(rows));
+    if (isFirstTime && firstCard)
+        list_->setCurrent(firstCard);
+    followLayoutWithTab(*window());
 }
 
 void LayoutsPaneWidget::ask(const std::optional<DeletionQuestion>& question,

@@ -7,46 +7,73 @@
 #include <QPointer>
 
 #include <map>
+#include <memory>
 
 class QPushButton;
 
 namespace tavrin {
 
-class NameEditor;
+class KeyboardList;
+class LayoutCardWidget;
 class QuestionSheet;
+class SettingsGroup;
+class SetupHeaderWidget;
+class TextField;
+class TextLabel;
 
-/// The layouts pane.
+/// The layouts pane. Setups and cards are made once and changed in place: nothing is rebuilt under the
+/// pointer or the focus.
 class LayoutsPaneWidget final : public SettingsPaneWidget {
 public:
-    explicit LayoutsPaneWidget(const SettingsCollaborators& collaborators);
+    /// `showAdvancedPane` leads to the details of a restore.
+    LayoutsPaneWidget(const SettingsCollaborators& collaborators, std::function<void()> showAdvancedPane);
     ~LayoutsPaneWidget() override;
 
     void appear() override { pane_.appear(); }
     QWidget* makeHeaderControl() override;
 
 private:
-    /// Once, after whatever is going on: a change may come from a button that would be deleted.
-    void rebuildSoon();
-    void rebuild();
-    void addSuggestion(const SetupSuggestion& suggestion);
-    void addNote(const QString& text);
-    void addEmptyState();
-    void addSetup(const SetupCard& setup);
+    struct Section {
+        QWidget* widget = nullptr;
+        SetupHeaderWidget* header = nullptr;
+        SettingsGroup* group = nullptr;
+        QWidget* emptyNote = nullptr;
+        std::map<Uuid, LayoutCardWidget*> cards;
+    };
+
+    QWidget* makeSuggestion();
+    QWidget* makeEmptyState();
     QPushButton* makeSaveButton();
-    QWidget* makeSetupHeader(const SetupCard& setup);
-    QWidget* makeCard(const SetupCard& setup, const LayoutCard& layout);
+    void showContent();
+    void showSetups();
+    void showNextCards();
+    std::unique_ptr<Section> makeSection(const Uuid& profileID);
+    LayoutCardWidget* makeCard(const Uuid& layoutID);
+    void showSection(Section& section, const SetupCard& setup);
+    void updateList();
     void ask(const std::optional<DeletionQuestion>& question, std::function<void()> confirmed);
     QIcon icon(const std::string& bundleIdentifier);
 
     LayoutsPane pane_;
     ApplicationCatalog& catalog_;
-    QWidget* content_ = nullptr;
-    QVBoxLayout* rows_ = nullptr;
-    QPointer<QWidget> saveButton_;
-    QPointer<QuestionSheet> question_;    ///< while one is asked; it covers the whole window
-    std::map<Uuid, NameEditor*> editors_; ///< of layouts and setups
+    std::function<void()> showAdvancedPane_;
+    QWidget* suggestion_;
+    TextLabel* suggestionTitle_ = nullptr;
+    TextLabel* suggestionMessage_ = nullptr;
+    QWidget* note_;
+    TextLabel* noteText_ = nullptr;
+    QWidget* emptyState_;
+    QPushButton* emptySaveButton_ = nullptr;
+    TextField* filter_;
+    TextLabel* noMatch_;
+    QVBoxLayout* setupRows_;
+    KeyboardList* list_;
+    QPointer<QPushButton> saveButton_;
+    QPointer<QuestionSheet> question_; ///< while one is asked; it covers the whole window
+    std::map<Uuid, std::unique_ptr<Section>> sections_;
     std::map<std::string, QIcon> icons_;
-    bool isRebuildPending_ = false;
+    std::size_t cardBudget_ = 0; ///< cards that may still be made before the next ones are put off
+    bool isWaitingForCards_ = false;
     Token subscription_;
 };
 

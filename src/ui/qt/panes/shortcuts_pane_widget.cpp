@@ -7,6 +7,7 @@
 #include "ui/qt/panes/settings_pane_widget.h"
 
 #include <QPainter>
+#include <QStyle>
 
 namespace tavrin {
 
@@ -19,8 +20,8 @@ RecorderField::RecorderField(ShortcutRecorderView& view, SymbolButton* clearButt
 }
 
 QSize RecorderField::sizeHint() const {
-    const int text = fontMetrics().horizontalAdvance(QStringLiteral("Press shortcut…"));
-    return {text + 2 * clearButton_->sizeHint().width(), controlHeight(fontMetrics())};
+    const int text = fontMetrics().horizontalAdvance(QStringLiteral("⌃⌥⇧R  Ctrl+Alt+Shift+R"));
+    return {text + clearButton_->sizeHint().width() + 16, controlHeight(fontMetrics())};
 }
 
 void RecorderField::focusOutEvent(QFocusEvent* event) {
@@ -37,19 +38,35 @@ void RecorderField::paintEvent(QPaintEvent*) {
     if (hasFocus() || recorder.isRecording())
         drawFocusRing(painter, QRectF(rect()), controlRadius, colors);
     const bool isShortcut = recorder.combo() && !recorder.isRecording();
-    painter.setPen(isShortcut ? colors.color(QPalette::Text) : secondaryTextColor(colors));
-    painter.drawText(rect(), Qt::AlignCenter, text());
+    const QRect space = rect().adjusted(8, 0, -8, 0);
+    if (!isShortcut) {
+        painter.setPen(secondaryTextColor(colors));
+        painter.drawText(space, Qt::AlignCenter, text());
+        return;
+    }
+    // The symbols, and what they mean.
+    const auto start = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignVCenter;
+    painter.setPen(colors.color(QPalette::Text));
+    painter.drawText(space, start, text());
+    const int taken = fontMetrics().horizontalAdvance(text()) + fontMetrics().averageCharWidth() * 2;
+    const int button = clearButton_->width();
+    const bool isLeftToRight = layoutDirection() == Qt::LeftToRight;
+    const QRect rest =
+        isLeftToRight ? space.adjusted(taken, 0, -button, 0) : space.adjusted(button, 0, -taken, 0);
+    painter.setPen(secondaryTextColor(colors));
+    painter.drawText(
+        rest, start,
+        fontMetrics().elidedText(qText(shortcutInWords(*recorder.combo())), Qt::ElideRight, rest.width()));
 }
 
 ShortcutRecorderRow::ShortcutRecorderRow(const QString& title, const QString& subtitle, const QString& owner,
-                                         ShortcutRecorderView& view)
-    : owner_(owner), view_(view),
+                                         ShortcutRecorderView& view, const ShortcutsPane& pane)
+    : title_(title), owner_(owner), view_(view), pane_(pane),
       clearButton_(new SymbolButton(QStringLiteral("xmark.circle"),
                                     QStringLiteral("Clear shortcut of %1").arg(owner),
                                     SymbolButton::Ground::onHover, secondaryTextColor(palette()))),
-      field_(new RecorderField(view, clearButton_)), message_(makeText({}, TextRole::warning)) {
+      field_(new RecorderField(view, clearButton_)), message_(makeText({})) {
     clearButton_->setToolTip(QStringLiteral("Clear"));
-    message_->setAlignment(Qt::AlignRight);
 
     connect(field_, &QPushButton::clicked, this, [this] {
         field_->setFocus();
@@ -65,15 +82,8 @@ ShortcutRecorderRow::ShortcutRecorderRow(const QString& title, const QString& su
     texts->addWidget(makeText(title));
     if (!subtitle.isEmpty())
         texts->addWidget(makeText(subtitle, TextRole::secondary));
-    auto* line = new QHBoxLayout;
-    line->setSpacing(16);
-    line->addLayout(texts, 1);
-    line->addWidget(field_, 0, Qt::AlignVCenter);
-    auto* rows = new QVBoxLayout(this);
-    setRowMargins(*rows);
-    rows->setSpacing(6);
-    rows->addLayout(line);
-    rows->addWidget(message_);
+    texts->addWidget(message_);
+    fill(texts, field_);
 
     subscription_ = view_.changed.connect([this] { showState(); });
     showState();
@@ -81,8 +91,12 @@ ShortcutRecorderRow::ShortcutRecorderRow(const QString& title, const QString& su
 
 void ShortcutRecorderRow::showState() {
     const ShortcutRecorder& recorder = view_.recorder();
-    const QString words = recorder.combo() ? shortcutInWords(*recorder.combo()) : QStringLiteral("none");
-    const QString message = qText(recorder.validationMessage().value_or(""));
+    const QString words =
+        recorder.combo() ? qText(shortcutInWords(*recorder.combo())) : QStringLiteral("none");
+    const bool isRefused = recorder.validationMessage().has_value();
+    const QString message = qText(isRefused          ? *recorder.validationMessage()
+                                  : recorder.combo() ? pane_.note(*recorder.combo())
+                                                     : std::string());
     field_->setText(qText(recorder.text()));
     field_->setToolTip(recorder.combo() ? words : QString());
     field_->setAccessibleName(QStringLiteral("Shortcut of %1").arg(owner_));
@@ -91,34 +105,28 @@ void ShortcutRecorderRow::showState() {
                                          : QStringLiteral("%1 %2").arg(words, message));
     field_->update();
     clearButton_->setVisible(recorder.combo().has_value());
+    QPalette colors = palette();
+    colors.setColor(QPalette::WindowText,
+                    isRefused ? warningColor(palette()) : secondaryTextColor(palette()));
+    message_->setPalette(colors);
+    if (message_->text() != message && !message.isEmpty())
+        announce(*message_, message);
     message_->setText(message);
     message_->setVisible(!message.isEmpty());
 }
 
-QString shortcutInWords(const KeyCombo& combo) {
-    struct Name {
-        ModifierSet modifier;
-        const char* text;
-    };
-    QString words;
-    for (const Name& name : {Name{ModifierSet::control, "Ctrl+"}, Name{ModifierSet::option, "Alt+"},
-                             Name{ModifierSet::shift, "Shift+"}, Name{ModifierSet::command, "Super+"}})
-        if (combo.modifiers.contains(name.modifier))
-            words += QLatin1String(name.text);
-    return words + qText(KeyCombo::keyName(combo.keyCode));
+KeyboardList::Row ShortcutRecorderRow::row() {
+    return {field_, title_, {clearButton_}, [this] { return view_.recorder().isRecording(); }};
 }
 
 ShortcutsPaneWidget::ShortcutsPaneWidget(const SettingsCollaborators& collaborators)
-    : pane_({.shortcutManager = collaborators.shortcutManager,
-             .keyMonitors = collaborators.keyMonitors,
-             .profileStore = collaborators.profileStore,
-             .profileListViewModel = collaborators.profileListViewModel,
-             .currentProfileViewModel = collaborators.currentProfileViewModel}) {
+    : pane_(collaborators), list_(new KeyboardList(this)) {
     auto* autoDetect = new SettingsGroup;
     autoDetect_ = autoDetect;
     const QString title = qText(ShortcutsPane::autoDetectTitle);
-    autoDetect->addRow(new ShortcutRecorderRow(title, qText(ShortcutsPane::autoDetectExplanation), title,
-                                               pane_.recorder(std::nullopt)));
+    autoDetectRow_ = new ShortcutRecorderRow(title, qText(ShortcutsPane::autoDetectExplanation), title,
+                                             pane_.recorder(std::nullopt), pane_);
+    autoDetect->addRow(autoDetectRow_);
     addSection(sections(), QStringLiteral("Connected Display Setup"), {}, autoDetect);
     rebuildGroups();
     subscription_ = pane_.changed.connect([this] { rebuildGroups(); });
@@ -142,13 +150,16 @@ void ShortcutsPaneWidget::rebuildGroups() {
     rows->setContentsMargins(0, 22, 0, 0);
     rows->setSpacing(0);
     sections().addWidget(groups_);
+    std::vector<KeyboardList::Row> list{autoDetectRow_->row()};
     for (const ShortcutsPane::Group& group : pane_.groups()) {
         auto* recorders = new SettingsGroup;
         for (const ShortcutsPane::Row& row : group.rows) {
             const QString name = qText(row.title);
-            recorders->addRow(new ShortcutRecorderRow(name, {},
-                                                      QStringLiteral("%1, %2").arg(name, qText(group.title)),
-                                                      pane_.recorder(row.layoutID)));
+            auto* recorder =
+                new ShortcutRecorderRow(name, {}, QStringLiteral("%1, %2").arg(name, qText(group.title)),
+                                        pane_.recorder(row.layoutID), pane_);
+            recorders->addRow(recorder);
+            list.push_back(recorder->row());
         }
         addSection(*rows,
                    group.isCurrent ? QStringLiteral("%1 (connected)").arg(qText(group.title))
@@ -161,7 +172,8 @@ void ShortcutsPaneWidget::rebuildGroups() {
         addSection(*rows, QStringLiteral("Layouts"), {}, note);
     }
     groups_->show();
-    followLayoutWithTab(*this);
+    list_->setRows(std::move(list));
+    followLayoutWithTab(*window());
 }
 
 } // namespace tavrin

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/qt/controls/keyboard_list.h"
+#include "ui/qt/controls/settings_group.h"
 #include "ui/qt/controls/style.h"
 #include "ui/qt/panes/settings_pane_widget.h"
 #include "ui/shortcuts_pane.h"
@@ -31,26 +33,27 @@ private:
     SymbolButton* clearButton_;
 };
 
-/// A row with a title, the field that records its shortcut, and the reason of the last refusal beneath.
-class ShortcutRecorderRow final : public QWidget {
+/// A row with a title, the field that records its shortcut, and the reason of the last refusal.
+class ShortcutRecorderRow final : public StackingRow {
 public:
     /// `view` outlives the row. `owner` names the shortcut to a screen reader.
     ShortcutRecorderRow(const QString& title, const QString& subtitle, const QString& owner,
-                        ShortcutRecorderView& view);
+                        ShortcutRecorderView& view, const ShortcutsPane& pane);
+
+    KeyboardList::Row row();
 
 private:
     void showState();
 
+    QString title_;
     QString owner_;
     ShortcutRecorderView& view_;
+    const ShortcutsPane& pane_;
     SymbolButton* clearButton_;
     RecorderField* field_;
     QLabel* message_;
     Token subscription_;
 };
-
-/// The shortcut in the words printed on keyboards, for example "Ctrl+Alt+R".
-QString shortcutInWords(const KeyCombo& combo);
 
 /// The shortcuts pane.
 class ShortcutsPaneWidget final : public SettingsPaneWidget {
@@ -65,6 +68,8 @@ private:
     void rebuildGroups();
 
     ShortcutsPane pane_;
+    KeyboardList* list_;
+    ShortcutRecorderRow* autoDetectRow_ = nullptr;
     QWidget* autoDetect_ = nullptr;
     QWidget* groups_ = nullptr;
     Token subscription_;

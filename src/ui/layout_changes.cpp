@@ -1,0 +1,181 @@
+#include "ui/layout_changes.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tavrin {
+namespace {
+
+constexpr const char* undoLabel = "Undo";
+
+struct FailureTexts {
+    std::string operator()(CaptureError error) const {
+        switch (error) {
+        case CaptureError::emptyLayoutName:
+            return "the layout has no name";
+        case CaptureError::nameTooLong:
+            return "the name is too long";
+        case CaptureError::noWindowsFound:
+            return "no windows are open";
+        case CaptureError::noProfileMatched:
+            return "the display setup is gone";
+        }
+        return {};
+    }
+    std::string operator()(const StoreError& error) const { return std::visit(*this, error); }
+    std::string operator()(const ProfileStoreError& error) const {
+        return std::holds_alternative<LayoutNotFound>(error) ? "the layout is gone"
+                                                             : "the display setup is gone";
+    }
+    std::string operator()(const UnreadableFile& error) const {
+        return fmt::format("{} cannot be read ({})", error.file.filename().string(), error.reason());
+    }
+    std::string operator()(const EncodeFailed& error) const { return error.description; }
+    std::string operator()(const FileError& error) const {
+        return fmt::format("{} cannot be written ({})", std::filesystem::path(error.path).filename().string(),
+                           error.cause());
+    }
+};
+
+} // namespace
+
+std::string failureText(const CaptureService::Error& error) {
+    return std::visit(FailureTexts{}, error);
+}
+
+std::string windowCountText(std::size_t count) {
+    return fmt::format("{} window{}", count, count == 1 ? "" : "s");
+}
+
+void LayoutChanges::save(std::string_view name, const Uuid& profileID) {
+    const std::string wanted(name);
+    const Uuid setup = profileID;
+    auto old = before();
+    if (!old)
+        return reportFailure(old.error());
+    const auto captured = collaborators_.captureService.capture(wanted, SavedLayoutKind::appSpecific, setup);
+    if (!captured)
+        return reportFailure(captured.error());
+    const std::string count = windowCountText(captured->entries.size());
+    const auto isOfSetup = [&](const SavedLayout& layout) { return layout.profileID == setup; };
+    if (std::ranges::find(old->setups.layouts, captured->id, &SavedLayout::id) != old->setups.layouts.end())
+        offerUndo(fmt::format("Updated with {}.", count), setup, std::move(*old));
+    else if (std::ranges::none_of(old->setups.layouts, isOfSetup))
+        offerDefault(*captured);
+    else
+        tell(Notice{.text = fmt::format("Saved “{}” with {}.", captured->name, count)}, nullptr);
+    reload();
+}
+
+void LayoutChanges::update(const Uuid& layoutID) {
+    const auto layouts = collaborators_.profileStore.loadLayouts();
+    if (!layouts)
+        return reportFailure(layouts.error());
+    const auto layout = std::ranges::find(*layouts, layoutID, &SavedLayout::id);
+    if (layout == layouts->end())
+        return reportFailure(StoreError(LayoutNotFound{layoutID}));
+    save(layout->name, layout->profileID);
+}
+
+void LayoutChanges::deleteLayout(const Uuid& layoutID) {
+    const Uuid id = layoutID;
+    auto old = before();
+    const auto deleted = collaborators_.profileStore.deleteLayout(id);
+    if (!old || !deleted)
+        return reportFailure(old ? deleted.error() : old.error());
+    removeShortcutsOfMissingLayouts();
+    const auto layout = *std::ranges::find(old->setups.layouts, id, &SavedLayout::id);
+    offerUndo(fmt::format("Deleted layout “{}”.", layout.name), layout.profileID, std::move(*old));
+    reload();
+}
+
+void LayoutChanges::deleteSetup(const Uuid& profileID) {
+    const Uuid id = profileID;
+    auto old = before();
+    const auto deleted = collaborators_.profileStore.deleteProfile(id);
+    if (!old || !deleted)
+        return reportFailure(old ? deleted.error() : old.error());
+    removeShortcutsOfMissingLayouts();
+    const std::string name = std::ranges::find(old->setups.profiles, id, &MonitorProfile::id)->name;
+    offerUndo(fmt::format("Deleted display setup “{}”.", name), id, std::move(*old));
+    reload();
+}
+
+void LayoutChanges::reportFailure(const CaptureService::Error& error) {
+    tell(Notice{.text = fmt::format("Nothing was stored: {}.", failureText(error)),
+                .kind = Notice::Kind::failed},
+         nullptr);
+    reload();
+}
+
+void LayoutChanges::act() {
+    callCopy(action_);
+}
+
+std::expected<LayoutChanges::Before, StoreError> LayoutChanges::before() {
+    auto profiles = collaborators_.profileStore.loadProfiles();
+    if (!profiles)
+        return std::unexpected(profiles.error());
+    auto layouts = collaborators_.profileStore.loadLayouts();
+    if (!layouts)
+        return std::unexpected(layouts.error());
+    return Before{{std::move(*profiles), std::move(*layouts)},
+                  collaborators_.shortcutManager.layoutShortcuts.value()};
+}
+
+void LayoutChanges::tell(std::optional<Notice> told, std::function<void()> action) {
+    action_ = std::move(action);
+    // An offer without a loss behind it may be taken until the next change.
+    const bool expires = told && (told->isUndo || told->actionLabel.empty());
+    expiry_ = expires ? collaborators_.scheduler.after(noticeDuration, [this] { dismiss(); }) : Token();
+    notice.set(std::nullopt); // the same words again are news
+    notice.set(std::move(told));
+}
+
+void LayoutChanges::offerUndo(std::string text, const Uuid& profileID, Before before) {
+    tell(Notice{.text = std::move(text), .actionLabel = undoLabel, .isUndo = true},
+         [this, profileID, before = std::move(before)] { putBack(profileID, before); });
+}
+
+void LayoutChanges::offerDefault(const SavedLayout& layout) {
+    tell(Notice{.text = fmt::format("Saved “{}” with {}. Restore it whenever these displays are connected?",
+                                    layout.name, windowCountText(layout.entries.size())),
+                .actionLabel = "Restore Automatically"},
+         [this, profileID = layout.profileID, layoutID = layout.id] {
+             const auto done = collaborators_.profileStore.setDefaultLayout(profileID, layoutID);
+             if (!done)
+                 return reportFailure(done.error());
+             dismiss();
+             reload();
+         });
+}
+
+void LayoutChanges::putBack(const Uuid& profileID, const Before& before) {
+    const auto done = collaborators_.profileStore.putBack(profileID, before.setups);
+    if (!done)
+        return reportFailure(done.error());
+    ShortcutManager& shortcuts = collaborators_.shortcutManager;
+    for (const auto& [layoutID, combo] : before.shortcuts)
+        if (!shortcuts.layoutShortcuts.value().contains(layoutID))
+            shortcuts.setLayoutShortcut(combo, layoutID);
+    tell(Notice{.text = "Undone."}, nullptr);
+    reload();
+}
+
+void LayoutChanges::removeShortcutsOfMissingLayouts() {
+    const auto layouts = collaborators_.profileStore.loadLayouts();
+    if (!layouts)
+        return;
+    std::vector<Uuid> remaining;
+    for (const SavedLayout& layout : *layouts)
+        remaining.push_back(layout.id);
+    collaborators_.shortcutManager.pruneLayoutShortcuts(remaining);
+}
+
+void LayoutChanges::reload() {
+    collaborators_.currentProfileViewModel.refresh();
+    collaborators_.profileListViewModel.reload();
+}
+
+} // namespace tavrin
