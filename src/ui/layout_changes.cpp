@@ -1,5 +1,7 @@
 #include "ui/layout_changes.h"
 
+#include "base/fatal.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -9,39 +11,22 @@ namespace {
 
 constexpr const char* undoLabel = "Undo";
 
-struct FailureTexts {
-    std::string operator()(CaptureError error) const {
-        switch (error) {
-        case CaptureError::emptyLayoutName:
-            return "the layout has no name";
-        case CaptureError::nameTooLong:
-            return "the name is too long";
-        case CaptureError::noWindowsFound:
-            return "no windows are open";
-        case CaptureError::noProfileMatched:
-            return "the display setup is gone";
-        }
-        return {};
-    }
-    std::string operator()(const StoreError& error) const { return std::visit(*this, error); }
-    std::string operator()(const ProfileStoreError& error) const {
-        return std::holds_alternative<LayoutNotFound>(error) ? "the layout is gone"
-                                                             : "the display setup is gone";
-    }
-    std::string operator()(const UnreadableFile& error) const {
-        return fmt::format("{} cannot be read ({})", error.file.filename().string(), error.reason());
-    }
-    std::string operator()(const EncodeFailed& error) const { return error.description; }
-    std::string operator()(const FileError& error) const {
-        return fmt::format("{} cannot be written ({})", std::filesystem::path(error.path).filename().string(),
-                           error.cause());
-    }
-};
-
 } // namespace
 
 std::string failureText(const CaptureService::Error& error) {
-    return std::visit(FailureTexts{}, error);
+    if (const auto* stored = std::get_if<StoreError>(&error))
+        return fmt::format("Nothing was stored. {}", description(*stored));
+    switch (std::get<CaptureError>(error)) {
+    case CaptureError::emptyLayoutName:
+        return "Nothing was stored: the layout has no name.";
+    case CaptureError::nameTooLong:
+        return "Nothing was stored: the name is too long.";
+    case CaptureError::noWindowsFound:
+        return "Nothing was stored: no windows are open.";
+    case CaptureError::noProfileMatched:
+        return "Nothing was stored: the display setup is not there any more.";
+    }
+    fatal("a failure without a text");
 }
 
 std::string windowCountText(std::size_t count) {
@@ -103,9 +88,7 @@ void LayoutChanges::deleteSetup(const Uuid& profileID) {
 }
 
 void LayoutChanges::reportFailure(const CaptureService::Error& error) {
-    tell(Notice{.text = fmt::format("Nothing was stored: {}.", failureText(error)),
-                .kind = Notice::Kind::failed},
-         nullptr);
+    tell(Notice{.text = failureText(error), .kind = Notice::Kind::failed}, nullptr);
     reload();
 }
 

@@ -77,7 +77,7 @@ private:
     Token expiry_;
 };
 
-/// Why nothing was stored, as a part of a sentence.
+/// That nothing was stored, and why.
 std::string failureText(const CaptureService::Error& error);
 
 /// "1 window", "5 windows".

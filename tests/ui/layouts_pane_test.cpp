@@ -213,7 +213,7 @@ TEST_F(LayoutsPaneTest, SaysWhenNothingWasStored) {
              [&] { pane.update(workID); }, [&] { pane.deleteLayout(workID); },
              [&] { pane.deleteSetup(deskID); }, [&] { pane.renameLayout(workID, "Other"); },
              [&] { pane.setDefault(workID, LayoutsPane::DefaultLayout::set); }})
-        EXPECT_TRUE(attempt(action).starts_with("Nothing was stored: ")) << notice();
+        EXPECT_TRUE(attempt(action).starts_with("Nothing was stored. Cannot ")) << notice();
     files.failing.clear();
     EXPECT_EQ(shown(), shownBefore);
     EXPECT_EQ(shortcuts.layoutShortcuts.value().size(), 0U);

@@ -57,13 +57,13 @@ private:
     LayoutsPane pane_;
     ApplicationCatalog& catalog_;
     std::function<void()> showAdvancedPane_;
-    QWidget* suggestion_;
     TextLabel* suggestionTitle_ = nullptr;
     TextLabel* suggestionMessage_ = nullptr;
-    QWidget* note_;
-    TextLabel* noteText_ = nullptr;
-    QWidget* emptyState_;
     QPushButton* emptySaveButton_ = nullptr;
+    TextLabel* noteText_ = nullptr;
+    QWidget* suggestion_; // made of those above
+    QWidget* note_;
+    QWidget* emptyState_;
     TextField* filter_;
     TextLabel* noMatch_;
     QVBoxLayout* setupRows_;
