@@ -21,18 +21,18 @@ TEST(PopoverPlacementTest, StandsBesideItsAnchorInsideTheScreen) {
         QRect anchor;
         QPoint position;
     } cases[] = {
-        {"panel at the top", {600, 4, 22, 22}, {460, 32}},
-        {"panel at the bottom", {600, 774, 22, 22}, {460, 568}},
-        {"corner of a panel at the bottom", {1070, 774, 22, 22}, {800, 568}},
+        {"panel at the top", {600, 4, 22, 22}, {460, 36}},
+        {"panel at the bottom", {600, 774, 22, 22}, {460, 564}},
+        {"corner of a panel at the bottom", {1070, 774, 22, 22}, {794, 564}},
         {"panel at the left", {102, 400, 22, 22}, {130, 310}},
         {"panel at the right", {1074, 400, 22, 22}, {768, 310}},
         {"pointer in the upper half", {600, 200, 1, 1}, {450, 207}},
-        {"pointer in a corner", {100, 0, 1, 1}, {100, 30}},
-        {"anchor beyond the screen", {3000, 3000, 22, 22}, {800, 570}},
+        {"pointer in a corner", {100, 0, 1, 1}, {106, 36}},
+        {"anchor beyond the screen", {3000, 3000, 22, 22}, {794, 564}},
     };
     for (const auto& [situation, anchor, position] : cases)
         EXPECT_EQ(popoverPosition(anchor, size, screen, withoutPanels), position) << situation;
-    EXPECT_EQ(popoverPosition({5, 5, 1, 1}, {500, 500}, {0, 0, 300, 300}, {0, 0, 300, 300}), QPoint(0, 0))
+    EXPECT_EQ(popoverPosition({5, 5, 1, 1}, {500, 500}, {0, 0, 300, 300}, {0, 0, 300, 300}), QPoint(6, 6))
         << "too large for its screen: the beginning is seen";
 }
 

@@ -53,16 +53,16 @@ QColor withContrast(const QColor& color, const QColor& ground, double least) {
 }
 
 QColor accentColor(const QPalette& palette) {
-    return palette.color(QPalette::Active, QPalette::Highlight);
-}
-
-QColor accentTextColor(const QPalette& palette) {
-    return withContrast(palette.color(QPalette::Active, QPalette::HighlightedText), accentColor(palette),
+    return withContrast(palette.color(QPalette::Active, QPalette::Highlight), accentTextColor(palette),
                         textContrast);
 }
 
+QColor accentTextColor(const QPalette& palette) {
+    return palette.color(QPalette::Active, QPalette::HighlightedText);
+}
+
 QColor accentLineColor(const QPalette& palette) {
-    const QColor accent = accentColor(palette);
+    const QColor accent = palette.color(QPalette::Active, QPalette::Highlight);
     return withContrast(accent, nearerGround(accent, palette), shapeContrast);
 }
 

@@ -33,7 +33,7 @@ QColor withContrast(const QColor& color, const QColor& ground, double least);
 inline constexpr double textContrast = 4.5;
 inline constexpr double shapeContrast = 3;
 
-/// The desktop's accent, and what is written on it.
+/// The desktop's accent as a ground, and what is written on it.
 QColor accentColor(const QPalette& palette);
 QColor accentTextColor(const QPalette& palette);
 /// The accent as a line or shape on the ground of rows or of the window.

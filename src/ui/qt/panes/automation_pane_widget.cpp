@@ -12,7 +12,8 @@ AutomationSettingsWidget::AutomationSettingsWidget(const SettingsCollaborators& 
              .profileStore = collaborators.profileStore,
              .profileListViewModel = collaborators.profileListViewModel,
              .launchAtLoginService = collaborators.launchAtLoginService,
-             .scheduler = collaborators.scheduler}) {
+             .scheduler = collaborators.scheduler}),
+      layoutChanges_(collaborators.layoutChanges) {
     buildEventSwitches();
     setupRows_ = new SettingsGroup;
     addSection(sections(), QStringLiteral("Default Layout Per Setup"),
@@ -104,6 +105,7 @@ QComboBox* AutomationSettingsWidget::makePicker(const AutomationSettingsView::Se
     for (const auto& layout : setup.layouts)
         picker->addItem(qText(layout.name), qText(layout.layoutID.text()));
     connect(picker, &QComboBox::activated, this, [this, picker, profileID = setup.profileID] {
+        layoutChanges_.dismiss(); // what it offers may be this
         view_.chooseDefaultLayout(profileID, Uuid::parse(picker->currentData().toString().toStdString()));
     });
     return picker;

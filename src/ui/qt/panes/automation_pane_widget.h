@@ -31,6 +31,7 @@ private:
     QComboBox* makePicker(const AutomationSettingsView::Setup& setup);
 
     AutomationSettingsView view_;
+    LayoutChanges& layoutChanges_;
     std::vector<std::pair<bool AppSettings::*, SwitchControl*>> eventSwitches_;
     SwitchControl* launchSwitch_ = nullptr;
     QLabel* launchError_ = nullptr;

@@ -41,7 +41,7 @@ void LayoutPictureWidget::setPicture(LayoutPicture picture) {
 QSize LayoutPictureWidget::sizeHint() const {
     // The size follows the font, as everything beside the picture does.
     const int unit = fontMetrics().height();
-    return {unit * 15, unit * 8};
+    return {unit * 14, unit * 15 / 2};
 }
 
 QRectF LayoutPictureWidget::placed(const Rect& rect) const {

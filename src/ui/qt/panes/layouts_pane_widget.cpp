@@ -75,15 +75,11 @@ LayoutsPaneWidget::~LayoutsPaneWidget() {
     delete question_;
 }
 
-QPushButton* LayoutsPaneWidget::makeSaveButton() {
+QWidget* LayoutsPaneWidget::makeHeaderControl() {
     auto* button = new ActionButton(QString::fromUtf8(saveText), ActionButton::Role::suggested);
     connect(button, &QPushButton::clicked, this,
             [this, button] { pane_.saveLayout(placeOnDesktop(*button)); });
-    return button;
-}
-
-QWidget* LayoutsPaneWidget::makeHeaderControl() {
-    saveButton_ = makeSaveButton();
+    saveButton_ = button;
     showContent();
     return saveButton_;
 }
@@ -114,10 +110,8 @@ QWidget* LayoutsPaneWidget::makeEmptyState() {
     icon->setAlignment(Qt::AlignCenter);
     auto* text = makeText(qText(LayoutsPane::emptyText), TextRole::secondary);
     text->setAlignment(Qt::AlignCenter);
-    emptySaveButton_ = makeSaveButton();
     lines->addWidget(icon);
     lines->addWidget(text);
-    lines->addWidget(emptySaveButton_, 0, Qt::AlignHCenter);
     return state;
 }
 
@@ -131,11 +125,8 @@ void LayoutsPaneWidget::showContent() {
                       !content.isUnreadable && filter_->text().isEmpty());
     noteText_->setText(qText(content.currentSetupText));
     emptyState_->setVisible(content.isEmpty());
-    emptySaveButton_->setEnabled(content.canSave);
-    if (saveButton_) {
-        saveButton_->setVisible(!content.isEmpty());
+    if (saveButton_)
         saveButton_->setEnabled(content.canSave);
-    }
     filter_->setVisible(content.offersFilter);
     noMatch_->setVisible(content.offersFilter && content.setups.empty());
     showSetups();
@@ -169,8 +160,8 @@ void LayoutsPaneWidget::showSetups() {
     if (hadFocus && !list_->hasFocus() && list_->current() &&
         (!QApplication::focusWidget() || !QApplication::focusWidget()->inherits("QLineEdit")))
         list_->current()->setFocus();
-    else if (hadFocus && !list_->current() && emptySaveButton_->isVisible())
-        emptySaveButton_->setFocus();
+    else if (hadFocus && !list_->current() && saveButton_)
+        saveButton_->setFocus();
 }
 
 void LayoutsPaneWidget::showNextCards() {

@@ -43,7 +43,6 @@ private:
 
     QWidget* makeSuggestion();
     QWidget* makeEmptyState();
-    QPushButton* makeSaveButton();
     void showContent();
     void showSetups();
     void showNextCards();
@@ -59,7 +58,6 @@ private:
     std::function<void()> showAdvancedPane_;
     TextLabel* suggestionTitle_ = nullptr;
     TextLabel* suggestionMessage_ = nullptr;
-    QPushButton* emptySaveButton_ = nullptr;
     TextLabel* noteText_ = nullptr;
     QWidget* suggestion_; // made of those above
     QWidget* note_;
