@@ -170,7 +170,7 @@ TEST_F(SettingsWindowTest, NamesEveryControlAndCutsNothingOff) {
             window->resize(window->minimumSize());
             if (static_cast<SettingsPane>(row) == SettingsPane::advanced)
                 click(button("Troubleshooting"));
-            for (int pass = 0; pass < 3; ++pass) // rows that stack, and then the scroll bar
+            for (int pass = 0; pass < 12; ++pass) // rows that stack, and then the scroll bar
                 runEventLoopOnce();
             for (auto* widget : shown())
                 checkControl(*widget);

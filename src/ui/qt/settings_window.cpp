@@ -235,7 +235,7 @@ void QtSettingsWindow::fill() {
     pane_ = nullptr;
     content_ = new QWidget;
     buildSideList();
-    auto* line = new QFrame;
+    auto* line = new QWidget;
     line->setFixedWidth(1);
     line->setAutoFillBackground(true);
     QPalette linePalette = line->palette();

@@ -48,6 +48,10 @@ void setAccessibleRole(QWidget& widget, QAccessible::Role role) {
     }();
     static_cast<void>(isInstalled);
     widget.setProperty(roleProperty, static_cast<int>(role));
+    // A screen reader that listens may have asked before.
+    if (QAccessible::isActive())
+        if (auto* known = QAccessible::queryAccessibleInterface(&widget))
+            QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(known));
 }
 
 void announce(QWidget& widget, const QString& text) {

@@ -90,6 +90,7 @@ QWidget* LayoutCardWidget::makeButtonLine() {
     connect(restore_, &QPushButton::clicked, this, [this] { callCopy(callbacks_.restore); });
     more_ = new SymbolButton(QStringLiteral("ellipsis"), {}, SymbolButton::Ground::always);
     more_->setToolTip(QStringLiteral("Update, rename, default, delete"));
+    more_->setAccessibleDescription(QStringLiteral("Menu: update, rename, default, delete"));
     more_->setMenu(menu_);
     auto* content = new QWidget;
     auto* line = new QHBoxLayout(content);
@@ -199,6 +200,7 @@ SetupHeaderWidget::SetupHeaderWidget(Callbacks callbacks)
       menu_(new QMenu(this)) {
     setAccessibleRole(*this, QAccessible::ListItem);
     more_->setToolTip(QStringLiteral("Rename, delete"));
+    more_->setAccessibleDescription(QStringLiteral("Menu: rename, delete"));
     menu_->addAction(QStringLiteral("Rename"), this, [this] { nameEditor_->startEditing(); });
     menu_->addSeparator();
     menu_->addAction(QStringLiteral("Delete…"), this, [this] { callCopy(callbacks_.askDelete); });
