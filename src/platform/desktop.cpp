@@ -6,6 +6,7 @@
 #include "platform/desktop_texts.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_wall_clock.h"
+#include "platform/qt/desktop_colors.h"
 #include "platform/qt/qt_application_host.h"
 #include "platform/qt/qt_link_opener.h"
 #include "platform/qt/qt_local_key_monitor.h"
@@ -159,6 +160,7 @@ private:
     QtLinkOpener links_{helpPage(host_.bundlePath()), [this] { return catalog_.canOpenPages(); }};
     DesktopKeyMonitors keyMonitors_{*system_, host_, sessionEvents_};
     SessionInformation information_{*system_};
+    DesktopColors colors_{sessionBus_};
     ListedWindows windows_{*system_, catalog_, toolkit_->scheduler};
     WindowSystemScreens screens_{windows_};
     WindowSystemWindowList windowList_{windows_};
