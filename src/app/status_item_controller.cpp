@@ -78,37 +78,29 @@ void StatusItemController::showNormalIcon() {
 void StatusItemController::rebuildMenu() {
     rebuildTask_.release();
     const CurrentSetup& current = collaborators_.currentProfileViewModel.setup.value();
-    const auto& profiles = collaborators_.profileListViewModel.profiles.value();
-    // The list may be newer: choosing a default layout reads only it again.
+    const auto setups = collaborators_.profileStore.load();
+    const auto* unreadable = setups ? nullptr : std::get_if<UnreadableFile>(&setups.error());
+    // The file may be newer: choosing a default layout does not read the current setup again.
     auto matched = current.profile;
-    if (matched)
-        if (const auto listed = std::ranges::find(profiles, matched->id, &MonitorProfile::id);
-            listed != profiles.end())
-            matched = *listed;
-    collaborators_.statusItem.setMenu(statusItemMenu(
-        {.permission = collaborators_.permissionStatusViewModel.state.value(),
-         .currentProfileName = current.currentProfileName(),
-         .suggestedProfileName = current.suggestedProfileName(),
-         .matchExplanation = current.matchExplanation,
-         .requiresConfirmation = current.requiresConfirmation(),
-         .matchedProfile = std::move(matched),
-         .profiles = profiles,
-         .layouts = collaborators_.profileStore.loadLayouts().value_or(std::vector<SavedLayout>{}),
-         .layoutShortcuts = collaborators_.shortcutManager.layoutShortcuts.value(),
-         .version = collaborators_.host.shortVersion()}));
+    if (matched && setups)
+        if (const MonitorProfile* stored = setups->profile(matched->id))
+            matched = *stored;
+    collaborators_.statusItem.setMenu(
+        statusItemMenu({.permission = collaborators_.permissionStatusViewModel.state.value(),
+                        .currentProfileName = current.currentProfileName(),
+                        .suggestedProfileName = current.suggestedProfileName(),
+                        .matchExplanation = current.matchExplanation,
+                        .requiresConfirmation = current.requiresConfirmation(),
+                        .matchedProfile = std::move(matched),
+                        .setups = setups.value_or(SavedSetups{}),
+                        .unreadableFile = unreadable ? unreadable->file.filename().string() : std::string(),
+                        .layoutShortcuts = collaborators_.shortcutManager.layoutShortcuts.value(),
+                        .version = collaborators_.host.shortVersion()}));
 }
 
 void StatusItemController::rebuildMenuSoon() {
     // One refresh publishes several values; one menu is enough for them.
     rebuildTask_ = collaborators_.scheduler.after(Seconds{0}, [this] { rebuildMenu(); });
-}
-
-std::optional<SavedLayout> StatusItemController::layout(const Uuid& layoutID) {
-    const auto layouts = collaborators_.profileStore.loadLayouts();
-    if (!layouts)
-        return std::nullopt;
-    const auto found = std::ranges::find(*layouts, layoutID, &SavedLayout::id);
-    return found == layouts->end() ? std::nullopt : std::optional(*found);
 }
 
 std::string feedbackSymbol(const RestoreResult& result) {

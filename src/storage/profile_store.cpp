@@ -164,11 +164,11 @@ std::expected<void, StoreError> ProfileStore::setDefaultLayout(const Uuid& profi
                          [&](MonitorProfile& profile, Timestamp) { profile.defaultLayoutID = layoutID; });
 }
 
-std::expected<void, StoreError> ProfileStore::putBack(const Uuid& profileID, const StoredSetups& before) {
+std::expected<void, StoreError> ProfileStore::putBack(const Uuid& profileID, const SavedSetups& before) {
     const auto restore = [&](Layouts& layouts, Profiles& profiles) -> std::expected<void, StoreError> {
-        putBackRecords(layouts, before.layouts,
+        putBackRecords(layouts, before.layouts(),
                        [&](const SavedLayout& layout) { return layout.profileID == profileID; });
-        putBackRecords(profiles, before.profiles,
+        putBackRecords(profiles, before.profiles(),
                        [&](const MonitorProfile& profile) { return profile.id == profileID; });
         return {};
     };

@@ -6,12 +6,6 @@
 
 namespace tavrin {
 
-/// What the two files of the profile store held at some moment.
-struct StoredSetups {
-    std::vector<MonitorProfile> profiles;
-    std::vector<SavedLayout> layouts;
-};
-
 /// The owner of the profiles file and the layouts file. Every operation reads what it needs and writes back
 /// at once, under a lock that other programs respect; what it returns is what the files hold now. A file that
 /// cannot be read fails the operation before anything is written. Operations that change both files write
@@ -67,7 +61,7 @@ public:
 
     /// Makes a profile and its layouts what they were in `before`: records that changed since become as they
     /// were, those that are gone come back where they stood. Everything else stays as it is.
-    std::expected<void, StoreError> putBack(const Uuid& profileID, const StoredSetups& before);
+    std::expected<void, StoreError> putBack(const Uuid& profileID, const SavedSetups& before);
 
     /// Those of the two files that are there and cannot be read.
     std::vector<UnreadableFile> unreadableFiles();

@@ -43,10 +43,9 @@ void LayoutChanges::save(std::string_view name, const Uuid& profileID) {
     if (!captured)
         return reportFailure(captured.error());
     const std::string count = windowCountText(captured->entries.size());
-    const auto isOfSetup = [&](const SavedLayout& layout) { return layout.profileID == setup; };
-    if (std::ranges::find(old->setups.layouts, captured->id, &SavedLayout::id) != old->setups.layouts.end())
+    if (old->setups.layout(captured->id))
         offerUndo(fmt::format("Updated with {}.", count), setup, std::move(*old));
-    else if (std::ranges::none_of(old->setups.layouts, isOfSetup))
+    else if (old->setups.layoutsOf(setup).empty())
         offerDefault(*captured);
     else
         tell(Notice{.text = fmt::format("Saved “{}” with {}.", captured->name, count)}, nullptr);
@@ -54,11 +53,11 @@ void LayoutChanges::save(std::string_view name, const Uuid& profileID) {
 }
 
 void LayoutChanges::update(const Uuid& layoutID) {
-    const auto layouts = collaborators_.profileStore.loadLayouts();
-    if (!layouts)
-        return reportFailure(layouts.error());
-    const auto layout = std::ranges::find(*layouts, layoutID, &SavedLayout::id);
-    if (layout == layouts->end())
+    const auto setups = collaborators_.profileStore.load();
+    if (!setups)
+        return reportFailure(setups.error());
+    const SavedLayout* layout = setups->layout(layoutID);
+    if (!layout)
         return reportFailure(StoreError(LayoutNotFound{layoutID}));
     save(layout->name, layout->profileID);
 }
@@ -70,7 +69,7 @@ void LayoutChanges::deleteLayout(const Uuid& layoutID) {
     if (!old || !deleted)
         return reportFailure(old ? deleted.error() : old.error());
     removeShortcutsOfMissingLayouts();
-    const auto layout = *std::ranges::find(old->setups.layouts, id, &SavedLayout::id);
+    const SavedLayout layout = *old->setups.layout(id);
     offerUndo(fmt::format("Deleted layout “{}”.", layout.name), layout.profileID, std::move(*old));
     reload();
 }
@@ -82,7 +81,7 @@ void LayoutChanges::deleteSetup(const Uuid& profileID) {
     if (!old || !deleted)
         return reportFailure(old ? deleted.error() : old.error());
     removeShortcutsOfMissingLayouts();
-    const std::string name = std::ranges::find(old->setups.profiles, id, &MonitorProfile::id)->name;
+    const std::string name = old->setups.profile(id)->name;
     offerUndo(fmt::format("Deleted display setup “{}”.", name), id, std::move(*old));
     reload();
 }
@@ -97,14 +96,10 @@ void LayoutChanges::act() {
 }
 
 std::expected<LayoutChanges::Before, StoreError> LayoutChanges::before() {
-    auto profiles = collaborators_.profileStore.loadProfiles();
-    if (!profiles)
-        return std::unexpected(profiles.error());
-    auto layouts = collaborators_.profileStore.loadLayouts();
-    if (!layouts)
-        return std::unexpected(layouts.error());
-    return Before{{std::move(*profiles), std::move(*layouts)},
-                  collaborators_.shortcutManager.layoutShortcuts.value()};
+    auto setups = collaborators_.profileStore.load();
+    if (!setups)
+        return std::unexpected(setups.error());
+    return Before{std::move(*setups), collaborators_.shortcutManager.layoutShortcuts.value()};
 }
 
 void LayoutChanges::tell(std::optional<Notice> told, std::function<void()> action) {
@@ -147,11 +142,11 @@ void LayoutChanges::putBack(const Uuid& profileID, const Before& before) {
 }
 
 void LayoutChanges::removeShortcutsOfMissingLayouts() {
-    const auto layouts = collaborators_.profileStore.loadLayouts();
-    if (!layouts)
+    const auto setups = collaborators_.profileStore.load();
+    if (!setups)
         return;
     std::vector<Uuid> remaining;
-    for (const SavedLayout& layout : *layouts)
+    for (const SavedLayout& layout : setups->layouts())
         remaining.push_back(layout.id);
     collaborators_.shortcutManager.pruneLayoutShortcuts(remaining);
 }

@@ -61,7 +61,7 @@ public:
 
 private:
     struct Before {
-        StoredSetups setups;
+        SavedSetups setups;
         std::map<Uuid, KeyCombo> shortcuts;
     };
     std::expected<Before, StoreError> before();

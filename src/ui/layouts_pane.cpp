@@ -127,25 +127,24 @@ void LayoutsPane::update(const Uuid& layoutID) {
 
 void LayoutsPane::setDefault(const Uuid& layoutID, DefaultLayout wanted) {
     beginAction();
-    for (const SavedLayout& layout : storedLayouts())
-        if (layout.id == layoutID)
-            if (const auto done = collaborators_.profileStore.setDefaultLayout(
-                    layout.profileID, wanted == DefaultLayout::set ? std::optional(layout.id) : std::nullopt);
-                !done)
-                collaborators_.layoutChanges.reportFailure(done.error());
+    const SavedSetups setups = stored();
+    if (const SavedLayout* layout = setups.layout(layoutID))
+        if (const auto done = collaborators_.profileStore.setDefaultLayout(
+                layout->profileID, wanted == DefaultLayout::set ? std::optional(layout->id) : std::nullopt);
+            !done)
+            collaborators_.layoutChanges.reportFailure(done.error());
     reloadModels();
 }
 
 std::optional<std::string> LayoutsPane::layoutNameRefusal(const Uuid& layoutID, std::string_view name) const {
     if (auto refusal = nameRefusal(name, "Enter a name for this layout."))
         return refusal;
-    const auto layouts = storedLayouts();
-    const auto renamed = std::ranges::find(layouts, layoutID, &SavedLayout::id);
+    const SavedSetups setups = stored();
+    const SavedLayout* renamed = setups.layout(layoutID);
     // Saving finds the layout to replace by its name, ignoring case.
     const std::string wanted = lowercased(trimmed(name));
-    if (renamed != layouts.end() && std::ranges::any_of(layouts, [&](const SavedLayout& other) {
-            return other.profileID == renamed->profileID && other.id != layoutID &&
-                   lowercased(other.name) == wanted;
+    if (renamed && std::ranges::any_of(setups.layoutsOf(renamed->profileID), [&](const SavedLayout& other) {
+            return other.id != layoutID && lowercased(other.name) == wanted;
         }))
         return "Another layout of this display setup has this name.";
     return std::nullopt;
@@ -156,9 +155,9 @@ std::optional<std::string> LayoutsPane::setupNameRefusal(std::string_view name) 
 }
 
 void LayoutsPane::renameLayout(const Uuid& layoutID, std::string_view name) {
-    const auto layouts = storedLayouts();
-    const auto renamed = std::ranges::find(layouts, layoutID, &SavedLayout::id);
-    if (renamed == layouts.end() || renamed->name == trimmed(name) || layoutNameRefusal(layoutID, name))
+    const SavedSetups setups = stored();
+    const SavedLayout* renamed = setups.layout(layoutID);
+    if (!renamed || renamed->name == trimmed(name) || layoutNameRefusal(layoutID, name))
         return;
     beginAction();
     if (const auto done = collaborators_.profileStore.renameLayout(layoutID, name); !done)
@@ -177,9 +176,9 @@ void LayoutsPane::renameSetup(const Uuid& profileID, std::string_view name) {
 }
 
 std::optional<DeletionQuestion> LayoutsPane::layoutDeletionQuestion(const Uuid& layoutID) {
-    const auto layouts = storedLayouts();
-    const auto layout = std::ranges::find(layouts, layoutID, &SavedLayout::id);
-    if (layout == layouts.end())
+    const SavedSetups setups = stored();
+    const SavedLayout* layout = setups.layout(layoutID);
+    if (!layout)
         return std::nullopt;
     std::string message =
         fmt::format("The saved places of {} will be lost.", windowCountText(layout->entries.size()));
@@ -202,9 +201,8 @@ std::optional<DeletionQuestion> LayoutsPane::setupDeletionQuestion(const Uuid& p
     const auto& shortcuts = collaborators_.shortcutManager.layoutShortcuts.value();
     std::vector<std::string> names;
     std::size_t shortcutCount = 0;
-    for (const SavedLayout& layout : storedLayouts()) {
-        if (layout.profileID != profileID)
-            continue;
+    const SavedSetups setups = stored();
+    for (const SavedLayout& layout : setups.layoutsOf(profileID)) {
         names.push_back("“" + layout.name + "”");
         shortcutCount += shortcuts.count(layout.id);
     }
@@ -229,8 +227,8 @@ void LayoutsPane::deleteSetup(const Uuid& profileID) {
     collaborators_.layoutChanges.deleteSetup(profileID);
 }
 
-std::vector<SavedLayout> LayoutsPane::storedLayouts() const {
-    return collaborators_.profileStore.loadLayouts().value_or(std::vector<SavedLayout>{});
+SavedSetups LayoutsPane::stored() const {
+    return collaborators_.profileStore.load().value_or(SavedSetups{});
 }
 
 RestoreReport LayoutsPane::report(const RestoreResult& result, const Uuid& layoutID) const {
@@ -239,9 +237,9 @@ RestoreReport LayoutsPane::report(const RestoreResult& result, const Uuid& layou
         return report;
     report.isWarning = true;
     report.hasDetails = true;
-    const auto layouts = storedLayouts();
-    const auto layout = std::ranges::find(layouts, layoutID, &SavedLayout::id);
-    if (layout != layouts.end() && result.unmatchedCount > 0)
+    const SavedSetups setups = stored();
+    const SavedLayout* layout = setups.layout(layoutID);
+    if (layout && result.unmatchedCount > 0)
         if (const auto missing = missingApplications(*layout, collaborators_.windowProvider.currentWindows());
             !missing.empty())
             report.text += fmt::format(" Not open: {}.", listed(missing));
@@ -289,10 +287,10 @@ void LayoutsPane::readAgainSoon() {
 
 LayoutsPaneContent LayoutsPane::read() const {
     const CurrentSetup& current = collaborators_.currentProfileViewModel.setup.value();
-    const auto layouts = collaborators_.profileStore.loadLayouts();
+    const auto setups = collaborators_.profileStore.load();
     const auto& profiles = collaborators_.profileListViewModel.profiles.value();
     LayoutsPaneContent content{.currentSetupText = current.matchExplanation.value_or("")};
-    content.isUnreadable = !layouts || !collaborators_.profileStore.loadProfiles();
+    content.isUnreadable = !setups;
     content.canSave = !content.isUnreadable && collaborators_.permissionStatusViewModel.state.value() !=
                                                    AccessibilityPermissionState::denied;
     if (current.requiresConfirmation()) {
@@ -300,13 +298,13 @@ LayoutsPaneContent LayoutsPane::read() const {
                                               current.suggestedProfileName().value_or(""));
         content.suggestionMessage = content.currentSetupText;
     }
-    const std::size_t count = layouts ? layouts->size() : 0;
+    const std::size_t count = setups ? setups->layouts().size() : 0;
     content.offersFilter = count > manyLayouts;
     content.isFoldable = count > manyLayouts && profiles.size() > 1;
     if (content.isUnreadable)
         return content; // nothing is said of what nobody knows
     for (const MonitorProfile& profile : profiles) {
-        auto setup = readSetup(profile, *layouts, content.isFoldable);
+        auto setup = readSetup(profile, *setups, content.isFoldable);
         if (filter_.empty() || !setup.layouts.empty())
             content.setups.push_back(std::move(setup));
     }
@@ -315,7 +313,7 @@ LayoutsPaneContent LayoutsPane::read() const {
     return content;
 }
 
-SetupCard LayoutsPane::readSetup(const MonitorProfile& profile, const std::vector<SavedLayout>& layouts,
+SetupCard LayoutsPane::readSetup(const MonitorProfile& profile, const SavedSetups& setups,
                                  bool isFoldable) const {
     const CurrentSetup& current = collaborators_.currentProfileViewModel.setup.value();
     SetupCard setup{.id = profile.id,
@@ -335,8 +333,8 @@ SetupCard LayoutsPane::readSetup(const MonitorProfile& profile, const std::vecto
         collaborators_.permissionStatusViewModel.state.value() != AccessibilityPermissionState::denied;
     std::set<std::string> names;
     std::set<Uuid> ids;
-    for (const SavedLayout& layout : layouts) {
-        if (layout.profileID != profile.id || !ids.insert(layout.id).second)
+    for (const SavedLayout& layout : setups.layoutsOf(profile.id)) {
+        if (!ids.insert(layout.id).second)
             continue; // a damaged file may hold a layout twice
         ++setup.layoutCount;
         // A capture replaces the first layout of that name.

@@ -130,11 +130,10 @@ public:
     Signal<> changed;
 
 private:
-    /// The layouts as they are stored; empty when they cannot be read.
-    std::vector<SavedLayout> storedLayouts() const;
+    /// What is stored; empty when it cannot be read.
+    SavedSetups stored() const;
     LayoutsPaneContent read() const;
-    SetupCard readSetup(const MonitorProfile& profile, const std::vector<SavedLayout>& layouts,
-                        bool isFoldable) const;
+    SetupCard readSetup(const MonitorProfile& profile, const SavedSetups& setups, bool isFoldable) const;
     RestoreReport report(const RestoreResult& result, const Uuid& layoutID) const;
     void publish();
     /// Lets the models read again what an action left behind, and with them this pane.
