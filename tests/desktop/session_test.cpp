@@ -183,9 +183,10 @@ TEST_F(SessionTest, ARestartedWindowManagerDoesNotLoseThePendingRestore) {
 
 // A mirror image is one screen, and so are two panels that are used as one.
 TEST_F(SessionTest, ScreensOfSeveralOutputsCountOnce) {
-    begin({.displays = {firstDisplay, firstDisplay}});
+    begin({});
     ASSERT_TRUE(program().start());
     ASSERT_TRUE(client().open({.title = "one"}));
+    ASSERT_TRUE(outputs().plug(1, firstDisplay, secondMonitor));
     ASSERT_TRUE(program().saveLayout("Mirrored"));
     ASSERT_TRUE(outputs().unplug(1));
     ASSERT_TRUE(waitUntil([&] { return !program().offers("Mirrored"); }))
