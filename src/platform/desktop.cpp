@@ -75,7 +75,8 @@ public:
         return {.desktopName = variable("XDG_CURRENT_DESKTOP"),
                 .windowManagerName = system_.name(),
                 .sessionType = type.empty() ? QtProgram::windowProtocol() : type,
-                .toolkitVersion = QtProgram::toolkitVersion()};
+                .toolkitVersion = QtProgram::toolkitVersion(),
+                .shortcutObstacle = system_.keyObstacle()};
     }
 
     DesktopTexts texts() override { return desktopTexts(system_.obstacle()); }

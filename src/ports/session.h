@@ -91,6 +91,7 @@ struct DesktopFacts {
     std::string windowManagerName; ///< for example "Openbox"
     std::string sessionType;       ///< for example "x11"
     std::string toolkitVersion;    ///< for example "Qt 6.4.2"
+    std::string shortcutObstacle;  ///< why no shortcut can work here; empty when they can
 
     bool operator==(const DesktopFacts&) const = default;
 };

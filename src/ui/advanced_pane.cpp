@@ -137,7 +137,10 @@ void AdvancedPane::readReport() {
                            {"Desktop", orUnknown(desktop.desktopName)},
                            {"Window manager", orUnknown(desktop.windowManagerName)},
                            {"Session", orUnknown(desktop.sessionType)},
-                           {"Permission", permissionTitle()}},
+                           {"Permission", permissionTitle()},
+                           {"Shortcuts", desktop.shortcutObstacle.empty()
+                                             ? "Available"
+                                             : "Cannot work. " + desktop.shortcutObstacle}},
                .displays = describeDisplays(displays),
                .arrangementSignature = MonitorProfileMatcher{}.makeFingerprint(displays).arrangementSignature,
                .setup = current.matchExplanation.value_or("not looked at yet"),

@@ -65,6 +65,7 @@ TEST_F(AdvancedPaneTest, ReportsForTroubleshootingWithoutWindowTitles) {
     displays.snapshot.displays[1].stableID.reset();
     displays.snapshot.displays[1].isInternal = true;
     recordAttempt();
+    information.facts.shortcutObstacle = "This server shows no keys.";
     pane.setTroubleshootingExpanded(true);
     EXPECT_EQ(pane.report().text(),
               "Tavrin troubleshooting\n"
@@ -75,6 +76,7 @@ TEST_F(AdvancedPaneTest, ReportsForTroubleshootingWithoutWindowTitles) {
               "Window manager: Openbox\n"
               "Session: x11\n"
               "Permission: Checking Accessibility\n"
+              "Shortcuts: Cannot work. This server shows no keys.\n"
               "Data: /data\n"
               "\n"
               "Displays\n"

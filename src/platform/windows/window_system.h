@@ -138,6 +138,9 @@ public:
     /// Those of the watched combinations that are not delivered.
     virtual std::vector<RefusedKey> refusedKeys() = 0;
 
+    /// Why no combination at all can be delivered, as a sentence for the user; empty when they can.
+    virtual std::string keyObstacle() { return {}; }
+
     /// The position (evdev code) of the key that the toolkit reports by this native scan code; absent for
     /// none.
     virtual std::optional<std::uint32_t> keyPosition(std::uint32_t nativeScanCode) = 0;

@@ -44,10 +44,16 @@ void X11KeyWatch::watch(std::vector<KeyCombo> combos, std::function<void(const K
 
 std::vector<RefusedKey> X11KeyWatch::refusedKeys() const {
     std::vector<RefusedKey> refused;
-    if (!events_.server().extensions().hasRawKeys)
+    if (const auto reason = obstacle(); !reason.empty())
         for (const auto& combo : combos_)
-            refused.push_back({combo, "This X server does not show key presses to other programs."});
+            refused.push_back({combo, reason});
     return refused;
+}
+
+std::string X11KeyWatch::obstacle() const {
+    return events_.server().extensions().hasRawKeys
+               ? std::string()
+               : "This X server does not show key presses to other programs.";
 }
 
 void X11KeyWatch::start() {

@@ -17,9 +17,10 @@ class X11KeyWatch {
 public:
     X11KeyWatch(X11EventConnection& events, X11QueryConnection& query);
 
-    /// For both see `WindowSystem`.
+    /// For these see `WindowSystem`.
     void watch(std::vector<KeyCombo> combos, std::function<void(const KeyCombo&)> pressed);
     std::vector<RefusedKey> refusedKeys() const;
+    std::string obstacle() const;
 
     /// The number in the input layer of a key, by the server's number; absent when its position is unknown.
     std::optional<std::uint32_t> keyPosition(std::uint8_t key);
