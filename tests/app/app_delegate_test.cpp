@@ -12,35 +12,10 @@
 namespace tavrin {
 namespace {
 
-struct FakeScreens : ScreenList {
-    std::vector<Screen> screens() override {
-        const Rect frame{0, 0, 1920, 1080};
-        return {{frame, frame, 1, {{1, 2, 3, false, 1920, 1080}}}};
-    }
-};
-
-struct FakeWindowList : RawWindowList {
-    std::vector<RawWindowEntry> entries;
-    std::optional<std::vector<RawWindowEntry>> onScreenWindows() override { return entries; }
-};
-
 struct FakeTrust : AccessibilityTrust {
     bool trusted = true;
     bool isProcessTrusted() override { return trusted; }
     bool isProcessTrusted(Prompt) override { return trusted; }
-};
-
-struct FakeLoginItem : LoginItem {
-    LoginItemStatus current = LoginItemStatus::notRegistered;
-    bool fails = false;
-    LoginItemStatus status() override { return current; }
-    std::expected<void, PlatformError> registerItem() override {
-        if (fails)
-            return std::unexpected(PlatformError{1, "no"});
-        current = LoginItemStatus::enabled;
-        return {};
-    }
-    std::expected<void, PlatformError> unregisterItem() override { return {}; }
 };
 
 struct NoInstances : RunningInstances {
@@ -53,14 +28,14 @@ const Rect home{100, 100, 800, 600}, away{900, 300, 800, 600};
 
 class AppDelegateTest : public ::testing::Test {
 protected:
-    FakeScreens screens;
-    FakeWindowList windowList;
+    testing::FixedScreens screens;
+    testing::FixedRawWindows windowList;
     testing::FixedApplications applications;
     testing::FakeElements elements;
     FakeTrust trust;
     testing::FakeKeys keys;
     testing::FakeEvents events;
-    FakeLoginItem loginItem;
+    testing::FakeLoginItem loginItem;
     NoInstances instances;
     testing::FakeDefaults defaults;
     testing::FakeFileSystem files;
@@ -78,6 +53,8 @@ protected:
     std::shared_ptr<testing::FakeElements::Element> window;
 
     void SetUp() override {
+        const Rect frame{0, 0, 1920, 1080};
+        screens.list = {{frame, frame, 1, {{1, 2, 3, false, 1920, 1080}}}};
         defaults.integers["tavrin.beta.appDataResetVersion"] = 1;
         applications.applications = {{editor, "editor.desktop", "Editor", false}};
         window = elements.addWindow(editor, home, "notes");

@@ -8,11 +8,6 @@
 namespace tavrin {
 namespace {
 
-struct FixedRawWindows : RawWindowList {
-    std::optional<std::vector<RawWindowEntry>> entries;
-    std::optional<std::vector<RawWindowEntry>> onScreenWindows() override { return entries; }
-};
-
 RawWindowEntry raw(std::int64_t number, std::string owner, double width = 200, double height = 100) {
     return {.number = number,
             .ownerName = std::move(owner),
@@ -25,7 +20,7 @@ RawWindowEntry raw(std::int64_t number, std::string owner, double width = 200, d
 TEST(WindowListProvider, KeepsUsableWindowsSortedByApplication) {
     testing::FixedApplications applications;
     applications.applications = {{7, "files.desktop", "Files", false}};
-    FixedRawWindows list;
+    testing::FixedRawWindows list;
     WindowListProvider provider{list, applications};
     EXPECT_TRUE(provider.currentWindows().empty());
 

@@ -9,10 +9,7 @@
 namespace tavrin {
 namespace {
 
-struct FixedScreens : ScreenList {
-    std::vector<Screen> list;
-    std::vector<Screen> screens() override { return list; }
-};
+using testing::FixedScreens;
 
 Screen screen(Rect frame, std::vector<DisplayHardware> hardware, double scale = 1) {
     return {

@@ -4,6 +4,7 @@
 #include "ports/application_catalog.h"
 #include "ports/key_monitors.h"
 #include "ports/runtime.h"
+#include "ports/screen_list.h"
 #include "ports/services.h"
 #include "ports/session.h"
 #include "ports/window_elements.h"
@@ -45,6 +46,16 @@ struct FixedPermission : AccessibilityPermissionServicing {
         return state;
     }
     AccessibilityPermissionState recheckAccess() override { return state; }
+};
+
+struct FixedScreens : ScreenList {
+    std::vector<Screen> list;
+    std::vector<Screen> screens() override { return list; }
+};
+
+struct FixedRawWindows : RawWindowList {
+    std::optional<std::vector<RawWindowEntry>> entries;
+    std::optional<std::vector<RawWindowEntry>> onScreenWindows() override { return entries; }
 };
 
 struct FixedApplications : RunningApplications {
@@ -143,6 +154,26 @@ struct FakeCatalog : ApplicationCatalog {
 struct FixedDesktopInformation : DesktopInformation {
     DesktopFacts facts{"XFCE", "Openbox", "x11", "Qt 6"};
     DesktopFacts currentFacts() override { return facts; }
+};
+
+struct FakeLoginItem : LoginItem {
+    LoginItemStatus current = LoginItemStatus::notRegistered;
+    bool fails = false;
+    int changes = 0; ///< asked for, also those that failed
+    LoginItemStatus status() override { return current; }
+    std::expected<void, PlatformError> registerItem() override { return become(LoginItemStatus::enabled); }
+    std::expected<void, PlatformError> unregisterItem() override {
+        return become(LoginItemStatus::notRegistered);
+    }
+
+private:
+    std::expected<void, PlatformError> become(LoginItemStatus wanted) {
+        ++changes;
+        if (fails)
+            return std::unexpected(PlatformError{5, "no room"});
+        current = wanted;
+        return {};
+    }
 };
 
 struct FakeDefaults : UserDefaults {

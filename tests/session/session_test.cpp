@@ -164,29 +164,20 @@ TEST(AppDataReset, MovesTheFilesAwayOncePerVersion) {
 }
 
 TEST(LaunchAtLogin, CallsThePlatformOnlyWhenNeeded) {
-    struct Item : LoginItem {
-        LoginItemStatus current = LoginItemStatus::notRegistered;
-        std::string calls;
-        LoginItemStatus status() override { return current; }
-        std::expected<void, PlatformError> registerItem() override {
-            calls += "r";
-            return std::unexpected(PlatformError{13, "no"});
-        }
-        std::expected<void, PlatformError> unregisterItem() override {
-            calls += "u";
-            return {};
-        }
-    } item;
+    testing::FakeLoginItem item;
+    item.fails = true;
     LaunchAtLoginService service{item};
     EXPECT_TRUE(service.disable());
-    EXPECT_EQ(service.enable().error(), (PlatformError{13, "no"}));
-    item.current = LoginItemStatus::enabled;
+    EXPECT_EQ(item.changes, 0);
+    EXPECT_EQ(service.enable().error(), (PlatformError{5, "no room"}));
+    item.fails = false;
+    EXPECT_TRUE(service.enable() && service.isEnabled());
     EXPECT_TRUE(service.enable());
-    EXPECT_EQ(item.calls, "r");
+    EXPECT_EQ(item.changes, 2);
     item.current = LoginItemStatus::requiresApproval;
     EXPECT_FALSE(service.isEnabled());
     EXPECT_TRUE(service.disable());
-    EXPECT_EQ(item.calls, "ru");
+    EXPECT_EQ(item.current, LoginItemStatus::notRegistered);
 }
 
 } // namespace

@@ -11,24 +11,6 @@
 
 namespace tavrin::testing {
 
-struct FakeLoginItem : LoginItem {
-    LoginItemStatus current = LoginItemStatus::notRegistered;
-    bool fails = false;
-    LoginItemStatus status() override { return current; }
-    std::expected<void, PlatformError> registerItem() override { return become(LoginItemStatus::enabled); }
-    std::expected<void, PlatformError> unregisterItem() override {
-        return become(LoginItemStatus::notRegistered);
-    }
-
-private:
-    std::expected<void, PlatformError> become(LoginItemStatus wanted) {
-        if (fails)
-            return std::unexpected(PlatformError{5, "no room"});
-        current = wanted;
-        return {};
-    }
-};
-
 /// The whole program behind the panes, on the desk with two monitors. Two setups are saved: "Desk", which is
 /// connected, with the layouts "Work" and "Play", and "Home" with "Evening".
 class SettingsFixture {
