@@ -38,6 +38,6 @@ was plugged or unplugged, after wake and after unlock.
 .
 It only moves windows that are open; it never starts or closes an
 application. It needs an X11 session with a window manager that follows
-the EWMH standard.")
+the EWMH standard, or a Wayland session with sway.")
 
 include(CPack)

@@ -15,9 +15,9 @@
 #include "restore/running_application_resolver.h"
 #include "restore/window_mover.h"
 #include "session/accessibility_permission_service.h"
-#include "support/desktop/desktop.h"
 #include "support/desktop/tavrin_program.h"
 #include "support/desktop/wait.h"
+#include "support/desktop/x_desktop.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -71,7 +71,7 @@ public:
         }
     }
 
-    Desktop& desktop() { return desktop_; }
+    XDesktop& desktop() { return desktop_; }
     std::string display() { return desktop_.server().display().toStdString(); }
     const std::vector<xcb_window_t>& windows() const { return ids_; }
 
@@ -96,7 +96,7 @@ public:
     }
 
 private:
-    Desktop desktop_;
+    XDesktop desktop_;
     std::vector<std::unique_ptr<TestClient>> clients_;
     std::vector<xcb_window_t> ids_;
 };
@@ -160,7 +160,7 @@ private:
                              "tavrin"};
 };
 
-void runWmctrl(Desktop& desktop, const QStringList& arguments) {
+void runWmctrl(XDesktop& desktop, const QStringList& arguments) {
     QProcess wmctrl;
     wmctrl.setProcessEnvironment(desktop.environment());
     wmctrl.setStandardOutputFile(QProcess::nullDevice());
@@ -268,7 +268,7 @@ struct Start {
     double ownMiB = 0;
 };
 
-Start measureStart(Desktop& desktop, const QString& program) {
+Start measureStart(XDesktop& desktop, const QString& program) {
     Process process;
     Start start;
     start.milliseconds = timed([&] {
@@ -286,7 +286,7 @@ Start measureStart(Desktop& desktop, const QString& program) {
 }
 
 void measureStarts(const QString& folder) {
-    Desktop desktop({.name = "bench"});
+    XDesktop desktop({.name = "bench"});
     std::vector<Start> own, empty;
     for (int round = 0; round < 11; ++round) {
         own.push_back(measureStart(desktop, folder + "/tavrin"));
@@ -310,7 +310,7 @@ void measureStarts(const QString& folder) {
 }
 
 void measureIdleness() {
-    Desktop desktop({.name = "bench"});
+    XDesktop desktop({.name = "bench"});
     TavrinProgram program(desktop);
     const auto client = desktop.startClient();
     if (!client->open({}) || !program.start() || !program.saveLayout("Work") ||

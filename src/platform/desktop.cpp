@@ -21,7 +21,9 @@
 #include "ports/key_monitors.h"
 #include "ports/session.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
@@ -114,6 +116,8 @@ public:
             std::fprintf(stderr, "tavrin: the connection to the window system is lost\n");
             toolkit_->program.exit(EXIT_FAILURE);
         }));
+        if (QtProgram::windowProtocol() == "wayland")
+            host_.setBringForward([this](const auto& window) { return bringForward(window); });
         observers_.push_back(host_.observeDidBecomeActive(emit(SystemEvent::didBecomeActive)));
         constexpr std::chrono::milliseconds patience{500};
         sessionBus_.open(patience);
@@ -129,6 +133,47 @@ public:
     }
 
 private:
+    /// Through the window system, as with anybody's window.
+    bool bringForward(const QtApplicationHost::OwnWindow& own) {
+        const auto listing = system_->list();
+        if (!listing)
+            return true; // nothing more can be done
+        const auto window = std::ranges::find_if(listing->windows, [&](const DesktopWindow& listed) {
+            return listed.application.pid == getpid() && listed.title == own.title;
+        });
+        if (window == listing->windows.end())
+            return false;
+        if (own.isPopover && !window->isTiled)
+            if (const auto frame = popoverFrame(window->frame))
+                system_->place(std::vector{WindowPlacement{window->id, *frame}}, Seconds{0.5});
+        system_->activate(window->id, {});
+        return true;
+    }
+
+    /// Below the pointer, else in the corner beside the panel. Desktop space; absent without a screen.
+    std::optional<Rect> popoverFrame(const Rect& now) {
+        constexpr double gap = 8;
+        const auto screens = system_->screens();
+        const auto pointer = system_->pointer();
+        const DesktopScreen* screen = nullptr;
+        for (const auto& candidate : screens)
+            if (pointer ? overlapArea(candidate.frame, {pointer->x, pointer->y, 1, 1}) > 0
+                        : candidate.isPrimary)
+                screen = &candidate;
+        if (!screen)
+            return std::nullopt;
+        const auto& area = screen->workArea;
+        const bool isPanelBelow = area.maxY() < screen->frame.maxY();
+        const double left = pointer ? pointer->x - now.width / 2 : area.maxX();
+        const double top = pointer ? pointer->y + gap : isPanelBelow ? area.maxY() : area.minY();
+        const auto within = [](double value, double least, double most) {
+            return std::max(least, std::min(value, most));
+        };
+        return Rect{std::round(within(left, area.minX() + gap, area.maxX() - now.width - gap)),
+                    std::round(within(top, area.minY() + gap, area.maxY() - now.height - gap)), now.width,
+                    now.height};
+    }
+
     std::function<void()> emit(SystemEvent event) {
         return [this, event] { events_.emit(event); };
     }

@@ -2,6 +2,7 @@
 
 #include "platform/desktop.h"
 #include "platform/kwin/kwin_window_system.h"
+#include "platform/sway/sway_window_system.h"
 #include "platform/unsupported.h"
 #include "platform/x11/x11_window_system.h"
 
@@ -51,6 +52,14 @@ std::expected<std::unique_ptr<OpenedPlatform>, std::string> openKWin(int& argc, 
 } // namespace
 
 std::expected<std::unique_ptr<OpenedPlatform>, std::string> openPlatform(int& argc, char** argv) {
+    if (isSet("WAYLAND_DISPLAY") && SwayWindowSystem::reach(variable("SWAYSOCK"))) {
+        auto toolkit = waylandToolkit(argc, argv);
+        auto sway = SwayWindowSystem::open({.socketPath = variable("SWAYSOCK"), .systemRoot = systemRoot()},
+                                           toolkit->eventLoop, toolkit->scheduler);
+        if (!sway)
+            return std::unexpected(sway.error());
+        return makeDesktop(std::move(toolkit), std::move(*sway));
+    }
     if (isSet("WAYLAND_DISPLAY") && isPlasma())
         return openKWin(argc, argv);
     // Qt ends the process without a word to its caller when there is no server, so the server is asked first.

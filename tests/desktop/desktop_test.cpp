@@ -19,7 +19,7 @@ void DesktopTest::begin(Desktop::Options options) {
     options.name = std::string(test->test_suite_name()) + "." + test->name();
     for (auto& letter : options.name)
         letter = letter == '/' ? '-' : letter;
-    desktop_ = std::make_unique<Desktop>(options);
+    desktop_ = Desktop::open(options);
 }
 
 // A sanitizer's complaint counts even where the program went on, or nobody looked at how it ended.

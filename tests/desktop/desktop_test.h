@@ -2,6 +2,7 @@
 
 #include "support/desktop/tavrin_program.h"
 #include "support/desktop/wait.h"
+#include "support/desktop/x_desktop.h"
 
 #include <gtest/gtest.h>
 
@@ -17,13 +18,18 @@ protected:
     void begin(Desktop::Options options = {});
     void TearDown() override;
 
+    /// Leaves the case out on desktops without it.
+    bool lacks(Ability ability) { return !desktop_->has(ability); }
+
     Desktop& desktop() { return *desktop_; }
     Windows& windows() { return desktop_->windows(); }
     Outputs& outputs() { return desktop_->outputs(); }
     Tray& tray() { return desktop_->tray(); }
+    /// Of a case that is about X, with `needs(Ability::xDesktop)`.
+    XDesktop& xDesktop() { return dynamic_cast<XDesktop&>(*desktop_); }
 
     /// Where the window is seen now; an empty rectangle when it is gone.
-    Rect seen(xcb_window_t window) { return windows().visibleFrame(window).value_or(Rect{}); }
+    Rect seen(const WindowHandle& window) { return windows().visibleFrame(window).value_or(Rect{}); }
 
 private:
     void lookForComplaints();

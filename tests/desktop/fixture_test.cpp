@@ -16,7 +16,7 @@ TEST_F(FixtureTest, WindowsAppearWhereAskedAndAreMeasuredAsSeen) {
 
     const auto plain = client->open({.title = "plain", .frame = {200, 150, 400, 300}});
     ASSERT_TRUE(plain);
-    EXPECT_EQ(seen(*plain), windows().outermost(*plain));
+    EXPECT_EQ(seen(*plain), xDesktop().windows().outermost(*plain));
     EXPECT_GT(seen(*plain).height, 300) << "the title bar belongs to the frame";
 
     const auto shadowed = client->open({.title = "shadowed",
@@ -26,11 +26,11 @@ TEST_F(FixtureTest, WindowsAppearWhereAskedAndAreMeasuredAsSeen) {
     ASSERT_TRUE(shadowed);
     EXPECT_EQ(seen(*shadowed), (Rect{326, 223, 400, 300}));
 
-    for (const auto window : {*plain, *shadowed}) {
-        EXPECT_TRUE(windows().place(window, {700, 400, 520, 410}));
+    for (const auto& window : {*plain, *shadowed}) {
+        EXPECT_TRUE(xDesktop().windows().place(window, {700, 400, 520, 410}));
         EXPECT_EQ(seen(window), (Rect{700, 400, 520, 410}));
     }
-    EXPECT_EQ(windows().outermost(*plain), (Rect{700, 400, 520, 410}));
+    EXPECT_EQ(xDesktop().windows().outermost(*plain), (Rect{700, 400, 520, 410}));
 }
 
 TEST_F(FixtureTest, RequestedPropertiesReachTheServer) {
@@ -46,35 +46,35 @@ TEST_F(FixtureTest, RequestedPropertiesReachTheServer) {
     auto& x = desktop().x();
     EXPECT_EQ(x.text(*window, "WM_CLASS"), std::string("Editor\0Editor\0", 14));
     EXPECT_EQ(x.text(*window, "_GTK_APPLICATION_ID"), "org.example.Editor");
-    EXPECT_EQ(windows().processOf(*window), 4321U);
+    EXPECT_EQ(xDesktop().windows().processOf(*window), 4321U);
     EXPECT_EQ(x.cardinals(*window, "_NET_WM_WINDOW_TYPE"), std::vector{x.atom("_NET_WM_WINDOW_TYPE_DIALOG")});
     EXPECT_TRUE(client->retitle(*window, "second"));
-    EXPECT_EQ(windows().find("second"), window);
+    EXPECT_EQ(xDesktop().windows().find("second"), window);
 
     const auto hints = x.cardinals(*window, "WM_NORMAL_HINTS");
     ASSERT_GT(hints.size(), 10U);
     EXPECT_EQ(std::pair(hints[9], hints[10]), std::pair(9U, 18U)) << "the size steps";
 
-    EXPECT_TRUE(windows().maximise(*window));
+    EXPECT_TRUE(xDesktop().windows().maximise(*window));
     EXPECT_TRUE(client->destroy(*window));
-    EXPECT_TRUE(waitUntil([&] { return windows().managed().empty(); }));
+    EXPECT_TRUE(waitUntil([&] { return xDesktop().windows().managed().empty(); }));
 }
 
 TEST_F(FixtureTest, MonitorsComeAndGoWithTheirIdentity) {
     begin({.displays = {{0, 0, 1920, 1080}, {1920, 0, 1280, 1024}}});
-    EXPECT_EQ(outputs().areas(), (std::vector<Rect>{{0, 0, 1920, 1080}, {1920, 0, 1280, 1024}}));
-    if (desktop().server().kind() == XServer::Kind::dummyOutputs) {
-        const auto block = outputs().edid(1);
+    EXPECT_EQ(xDesktop().outputs().areas(), (std::vector<Rect>{{0, 0, 1920, 1080}, {1920, 0, 1280, 1024}}));
+    if (xDesktop().server().kind() == XServer::Kind::dummyOutputs) {
+        const auto block = xDesktop().outputs().edid(1);
         ASSERT_EQ(block.size(), 128U);
         EXPECT_EQ(block[12], 2) << "the serial number";
     }
 
-    ASSERT_TRUE(outputs().unplug(1));
-    EXPECT_EQ(outputs().areas(), (std::vector<Rect>{{0, 0, 1920, 1080}}));
-    ASSERT_TRUE(outputs().plug(2, {1920, 0, 2560, 1440}));
-    ASSERT_TRUE(outputs().plug(0, {0, 0, 1280, 720}));
-    EXPECT_EQ(outputs().areas(), (std::vector<Rect>{{0, 0, 1280, 720}, {1920, 0, 2560, 1440}}));
-    EXPECT_TRUE(outputs().edid(2).empty());
+    ASSERT_TRUE(xDesktop().outputs().unplug(1));
+    EXPECT_EQ(xDesktop().outputs().areas(), (std::vector<Rect>{{0, 0, 1920, 1080}}));
+    ASSERT_TRUE(xDesktop().outputs().plug(2, {1920, 0, 2560, 1440}));
+    ASSERT_TRUE(xDesktop().outputs().plug(0, {0, 0, 1280, 720}));
+    EXPECT_EQ(xDesktop().outputs().areas(), (std::vector<Rect>{{0, 0, 1280, 720}, {1920, 0, 2560, 1440}}));
+    EXPECT_TRUE(xDesktop().outputs().edid(2).empty());
 }
 
 TEST_F(FixtureTest, WindowsThatVanishAndHangDoSo) {
@@ -84,12 +84,13 @@ TEST_F(FixtureTest, WindowsThatVanishAndHangDoSo) {
     const auto second = client->open({.title = "second"});
     ASSERT_TRUE(first && second);
     ASSERT_TRUE(client->vanishOnMove({*first, *second}));
-    ASSERT_TRUE(windows().place(*second, {600, 500, 400, 300}));
-    EXPECT_TRUE(waitUntil([&] { return !windows().find("first"); }));
-    EXPECT_TRUE(windows().find("second"));
+    ASSERT_TRUE(xDesktop().windows().place(*second, {600, 500, 400, 300}));
+    EXPECT_TRUE(waitUntil([&] { return !xDesktop().windows().find("first"); }));
+    EXPECT_TRUE(xDesktop().windows().find("second"));
 
     client->hang();
-    EXPECT_TRUE(windows().place(*second, {100, 100, 500, 400})) << "the window manager moves it all the same";
+    EXPECT_TRUE(xDesktop().windows().place(*second, {100, 100, 500, 400}))
+        << "the window manager moves it all the same";
 }
 
 TEST_F(FixtureTest, MovesAreCountedButRaisesAreNot) {
@@ -99,10 +100,10 @@ TEST_F(FixtureTest, MovesAreCountedButRaisesAreNot) {
     const auto upper = client->open({.title = "upper", .frame = {150, 150, 300, 200}});
     ASSERT_TRUE(lower && upper);
     desktop().x().takeMoves();
-    windows().activate(*lower);
-    ASSERT_TRUE(waitUntil([&] { return windows().managed().back() == *lower; }));
+    xDesktop().windows().activate(*lower);
+    ASSERT_TRUE(waitUntil([&] { return WindowHandle(xDesktop().windows().managed().back()) == *lower; }));
     EXPECT_TRUE(desktop().x().takeMoves().empty());
-    ASSERT_TRUE(windows().place(*lower, {400, 400, 320, 260}));
+    ASSERT_TRUE(xDesktop().windows().place(*lower, {400, 400, 320, 260}));
     EXPECT_FALSE(desktop().x().takeMoves().empty());
 }
 
@@ -112,10 +113,10 @@ TEST_F(FixtureTest, TypedKeysReachTheFocusedTerminal) {
     const auto terminal = desktop().startProgram(
         "xterm", {"-T", "typist", "-e", "sh", "-c", "read line; printf %s \"$line\" > " + file});
     ASSERT_TRUE(terminal);
-    const auto window = windows().waitForTitle("typist");
+    const auto window = xDesktop().windows().waitForTitle("typist");
     ASSERT_TRUE(window);
-    windows().activate(*window);
-    ASSERT_TRUE(waitUntil([&] { return windows().processWithKeyboard() == terminal->pid(); }));
+    xDesktop().windows().activate(*window);
+    ASSERT_TRUE(waitUntil([&] { return xDesktop().windows().processWithKeyboard() == terminal->pid(); }));
     EXPECT_TRUE(desktop().keyboard().type("Two Words, 2!"));
     EXPECT_TRUE(desktop().keyboard().press(Keyboard::returnKey));
     ASSERT_EQ(terminal->waitForExit(), 0);

@@ -26,23 +26,23 @@ protected:
     }
 
     /// Opens a window and puts it where it is seen at `frame`.
-    xcb_window_t open(WindowRequest request, const Rect& frame) {
+    WindowHandle open(WindowRequest request, const Rect& frame) {
         const auto window = client().open(request);
         EXPECT_TRUE(window && windows().place(*window, frame)) << request.title;
-        return window.value_or(XCB_NONE);
+        return window.value_or(WindowHandle());
     }
 
     enum class Hiding { minimised, onAnotherDesktop };
-    bool hide(xcb_window_t window, Hiding how) {
+    bool hide(WindowHandle window, Hiding how) {
         if (how == Hiding::onAnotherDesktop)
-            return windows().sendToDesktop(window, 1);
-        windows().minimise(window);
-        return waitUntil([&] { return windows().hasState(window, "_NET_WM_STATE_HIDDEN"); });
+            return xDesktop().windows().sendToDesktop(window, 1);
+        xDesktop().windows().minimise(window);
+        return waitUntil([&] { return xDesktop().windows().hasState(window, "_NET_WM_STATE_HIDDEN"); });
     }
 
-    std::vector<Rect> seenAll(const std::vector<xcb_window_t>& all) {
+    std::vector<Rect> seenAll(const std::vector<WindowHandle>& all) {
         std::vector<Rect> frames;
-        for (const auto window : all)
+        for (const auto& window : all)
             frames.push_back(seen(window));
         return frames;
     }
@@ -57,7 +57,7 @@ TEST_P(EveryKindOfWindow, ComesBackToThePixel) {
     const auto terminal = desktop().startProgram("xterm", {"-T", "terminal"});
     const auto xterm = windows().waitForTitle("terminal");
     ASSERT_TRUE(terminal && xterm);
-    const std::vector<xcb_window_t> all{
+    const std::vector<WindowHandle> all{
         open({.applicationClass = "Editor", .title = "plain"}, {100, 80, 500, 400}),
         open({.applicationClass = "Editor", .title = "dialog", .type = "DIALOG"}, {640, 80, 320, 240}),
         open({.applicationClass = "Player", .title = "bare", .isDecorated = false}, {40, 560, 480, 360}),
@@ -90,7 +90,7 @@ INSTANTIATE_TEST_SUITE_P(Displays, EveryKindOfWindow, ::testing::Values(oneDispl
 
 TEST_F(RestoreTest, WindowsOfALostDisplayAllEndInsideTheOneThatIsLeft) {
     beginWith(twoDisplays);
-    const std::vector<xcb_window_t> all{
+    const std::vector<WindowHandle> all{
         open({.title = "left"}, {100, 100, 600, 500}),
         open({.title = "right"}, {2100, 100, 900, 700}),
         open({.title = "corner"}, {3120, 900, 400, 300}),
@@ -100,14 +100,14 @@ TEST_F(RestoreTest, WindowsOfALostDisplayAllEndInsideTheOneThatIsLeft) {
     ASSERT_TRUE(outputs().unplug(1));
     ASSERT_TRUE(waitUntil([&] { return !program().offers("Desk"); })) << "another setup is connected now";
     ASSERT_TRUE(program().restoreBy({"Other Display Setups", "2-Display Setup", "Desk"}));
-    for (const auto window : all)
+    for (const auto& window : all)
         EXPECT_TRUE(contains(oneDisplay.front(), seen(window)))
             << windows().title(window) << " at " << ::testing::PrintToString(seen(window));
 }
 
 TEST_F(RestoreTest, WindowsWithOneTitleFillAllTheirPlaces) {
     beginWith(oneDisplay);
-    std::vector<xcb_window_t> all;
+    std::vector<WindowHandle> all;
     for (const double x : {50, 650, 1250})
         all.push_back(open({.title = "Untitled"}, {x, 200, 500, 400}));
     const auto saved = seenAll(all);
@@ -120,16 +120,18 @@ TEST_F(RestoreTest, WindowsWithOneTitleFillAllTheirPlaces) {
 
 TEST_F(RestoreTest, OnlyWhatIsSeenIsSaved) {
     beginWith(oneDisplay);
+    if (lacks(Ability::xDesktop))
+        GTEST_SKIP() << "about X";
     const auto seenOne = open({.applicationClass = "Editor", .title = "seen"}, {100, 100, 600, 500});
     const auto minimised = open({.applicationClass = "Files", .title = "minimised"}, {200, 200, 600, 500});
     const auto shaded = open({.applicationClass = "Mail", .title = "shaded"}, {300, 300, 600, 500});
     const auto elsewhere = open({.applicationClass = "Map", .title = "elsewhere"}, {400, 300, 600, 500});
-    ASSERT_TRUE(windows().sendToDesktop(elsewhere, 1));
-    windows().minimise(minimised);
-    windows().shade(shaded);
+    ASSERT_TRUE(xDesktop().windows().sendToDesktop(elsewhere, 1));
+    xDesktop().windows().minimise(minimised);
+    xDesktop().windows().shade(shaded);
     ASSERT_TRUE(waitUntil([&] {
-        return windows().hasState(minimised, "_NET_WM_STATE_HIDDEN") &&
-               windows().hasState(shaded, "_NET_WM_STATE_SHADED");
+        return xDesktop().windows().hasState(minimised, "_NET_WM_STATE_HIDDEN") &&
+               xDesktop().windows().hasState(shaded, "_NET_WM_STATE_SHADED");
     }));
     ASSERT_TRUE(program().saveLayout("Work"));
     const auto entries = program().payload("layouts.json")[0]["entries"].toArray();
@@ -139,22 +141,36 @@ TEST_F(RestoreTest, OnlyWhatIsSeenIsSaved) {
 
 TEST_F(RestoreTest, WindowsOnEveryMonitorAreSavedWhereEachHasADesktopOfItsOwn) {
     begin({.displays = twoDisplays, .windowManager = "i3"});
+    if (lacks(Ability::xDesktop))
+        GTEST_SKIP() << "about X";
     ASSERT_TRUE(program().start());
     const auto left = open({.applicationClass = "Editor", .title = "left"}, {100, 100, 600, 500});
     const auto right = open({.applicationClass = "Mail", .title = "right"}, {2100, 100, 900, 700});
     open({.applicationClass = "Map", .title = "hidden"}, {300, 300, 600, 500});
-    const auto away = desktop().startProgram("i3-msg", {"[title=\"hidden\"] move container to workspace 9"});
-    ASSERT_TRUE(away && away->waitForExit() == 0);
-    const auto saved = seenAll({left, right});
+    const auto tiled = open({.applicationClass = "Term", .title = "tiled"}, {2000, 100, 500, 400});
+    const auto tell = [&](const QString& command) {
+        const auto teller = desktop().startProgram("i3-msg", {command});
+        return teller && teller->waitForExit() == 0;
+    };
+    ASSERT_TRUE(tell("[title=\"hidden\"] move container to workspace 9") &&
+                tell("[title=\"tiled\"] floating disable"));
+    ASSERT_TRUE(waitUntil([&] { return seen(tiled).width == twoDisplays[1].width; }));
+    const auto saved = seenAll({left, right, tiled});
     ASSERT_TRUE(program().saveLayout("Work"));
-    EXPECT_EQ(program().payload("layouts.json")[0]["entries"].toArray().size(), 2);
+    EXPECT_EQ(program().payload("layouts.json")[0]["entries"].toArray().size(), 3);
+    // A tiled one can only be brought to its monitor, where i3 has all of it to give.
+    ASSERT_TRUE(tell(QString("[title=\"tiled\"] move container to output ") +
+                     QString::fromStdString(outputs().name(0))));
+    ASSERT_TRUE(waitUntil([&] { return seen(tiled).x < twoDisplays[1].x; }));
     ASSERT_TRUE(windows().place(left, {50, 400, 500, 400}) && windows().place(right, {2500, 300, 600, 500}));
     ASSERT_TRUE(program().restoreLayout("Work"));
-    EXPECT_EQ(seenAll({left, right}), saved);
+    EXPECT_EQ(seenAll({left, right, tiled}), saved);
 }
 
 TEST_F(RestoreTest, AMaximisedWindowGoesBackToItsFrame) {
     beginWith(oneDisplay);
+    if (lacks(Ability::largeXWindows))
+        GTEST_SKIP() << "about frames that this desktop does not tell";
     const auto wasNormal = open({.applicationClass = "Mail", .title = "normal"}, {300, 200, 700, 500});
     const auto wasMaximised = open({.applicationClass = "Map", .title = "maximised"}, {500, 300, 600, 400});
     ASSERT_TRUE(windows().maximise(wasMaximised));
@@ -171,6 +187,8 @@ TEST_F(RestoreTest, AMaximisedWindowGoesBackToItsFrame) {
 // Nothing but its number tells the listed window from its hidden twin.
 TEST_F(RestoreTest, TheWindowThatIsSeenMovesAndItsHiddenTwinStays) {
     beginWith(oneDisplay);
+    if (lacks(Ability::xDesktop))
+        GTEST_SKIP() << "about X";
     const Rect saved{200, 150, 600, 400}, astray{900, 500, 500, 350};
     const auto first = open({.title = "Untitled"}, saved), second = open({.title = "Untitled"}, astray);
     for (const auto how : {Hiding::minimised, Hiding::onAnotherDesktop})
@@ -184,13 +202,15 @@ TEST_F(RestoreTest, TheWindowThatIsSeenMovesAndItsHiddenTwinStays) {
             ASSERT_TRUE(program().restoreLayout(name));
             EXPECT_EQ(seen(seenOne), saved);
             // Openbox moves a window about while it draws how it is minimised.
-            ASSERT_TRUE(windows().show(hiddenOne));
+            ASSERT_TRUE(xDesktop().windows().show(hiddenOne));
             EXPECT_TRUE(waitUntil([&] { return seen(hiddenOne) == astray; })) << "the hidden one moved";
         }
 }
 
 TEST_F(RestoreTest, AWindowThatMakesItselfFullscreenAgainIsNoSuccess) {
     beginWith(oneDisplay);
+    if (lacks(Ability::xDesktop))
+        GTEST_SKIP() << "about X";
     const auto window = open({.title = "film"}, {300, 200, 700, 500});
     ASSERT_TRUE(program().saveLayout("Film"));
     ASSERT_TRUE(windows().place(window, {100, 100, 600, 400}));
@@ -209,7 +229,7 @@ TEST_F(RestoreTest, AWindowThatVanishesHalfWayStopsNoOther) {
     const auto second = open({.title = "second"}, {600, 100, 400, 300});
     const Rect saved = seen(bystander);
     ASSERT_TRUE(program().saveLayout("Work"));
-    for (const auto window : {bystander, first, second})
+    for (const auto& window : {bystander, first, second})
         ASSERT_TRUE(windows().place(window, {300, 500, 350, 280}));
     ASSERT_TRUE(client().vanishOnMove({first, second}));
     ASSERT_TRUE(program().restoreLayout("Work"));
@@ -226,7 +246,7 @@ TEST_F(RestoreTest, AHungApplicationStopsNoOther) {
     const auto lively = open({.applicationClass = "Zebra", .title = "lively"}, {900, 500, 500, 400});
     const auto saved = seenAll({*stuck, lively});
     ASSERT_TRUE(program().saveLayout("Work"));
-    for (const auto window : {*stuck, lively})
+    for (const auto& window : {*stuck, lively})
         ASSERT_TRUE(windows().place(window, {300, 300, 350, 280}));
     hanging->hang();
     ASSERT_TRUE(program().restoreLayout("Work"));
@@ -249,6 +269,8 @@ TEST_F(RestoreTest, SavingUnderTheNameInOtherCapitalsReplacesTheLayout) {
 
 TEST_F(RestoreTest, NothingMovesWhenEverythingIsInPlace) {
     beginWith(twoDisplays);
+    if (lacks(Ability::xDesktop))
+        GTEST_SKIP() << "about X";
     const auto nearby = open({.title = "nearby"}, {100, 100, 400, 300});
     open({.applicationClass = "Bare", .title = "far", .isDecorated = false}, {2200, 300, 600, 500});
     ASSERT_TRUE(program().saveLayout("Still"));

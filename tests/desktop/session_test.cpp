@@ -36,7 +36,7 @@ protected:
         ASSERT_TRUE(windows().place(window_, {120, 140, 360, 280}));
     }
 
-    xcb_window_t window() const { return window_; }
+    WindowHandle window() const { return window_; }
 
     /// The outcome of exactly one restore shows, and no second one follows.
     void expectOneRestore() {
@@ -55,7 +55,7 @@ protected:
     }
 
 private:
-    xcb_window_t window_ = XCB_NONE;
+    WindowHandle window_;
 };
 
 // The whole menu, line by line, on the way from the first start to several setups.
@@ -124,7 +124,9 @@ TEST_F(SessionTest, TheMenuTellsTheStateItemByItem) {
                                 "        * Talk\n" +
                                     foot);
 
-    desktop().stopWindowManager();
+    if (lacks(Ability::xDesktop))
+        return;
+    xDesktop().stopWindowManager();
     ASSERT_TRUE(waitUntil([&] { return shownMenu().starts_with("Accessibility"); }));
     EXPECT_EQ(program().menu(), "Accessibility access is required\n"
                                 "* Open Accessibility Settings [,]\n"
@@ -142,36 +144,42 @@ TEST_F(SessionTest, TheMenuTellsTheStateItemByItem) {
 // Without a window manager nothing can be read or moved. Once asked to check, the program keeps looking.
 TEST_F(SessionTest, PermissionFollowsTheWindowManager) {
     begin({.hasWindowManager = false});
+    if (lacks(Ability::xDesktop))
+        GTEST_SKIP() << "about X";
     ASSERT_TRUE(program().start());
     EXPECT_THAT(program().menu(), StartsWith("Accessibility access is required"));
     ASSERT_TRUE(tray().choose({"Recheck Permission"}));
-    ASSERT_TRUE(desktop().startWindowManager());
+    ASSERT_TRUE(xDesktop().startWindowManager());
     EXPECT_TRUE(waitUntil([&] { return shownMenu().starts_with("Current Display Setup"); }));
 
-    desktop().stopWindowManager();
+    xDesktop().stopWindowManager();
     EXPECT_TRUE(waitUntil([&] { return shownMenu().starts_with("Accessibility access is required"); }));
-    ASSERT_TRUE(desktop().startWindowManager());
+    ASSERT_TRUE(xDesktop().startWindowManager());
     EXPECT_TRUE(waitUntil([&] { return shownMenu().starts_with("Current Display Setup"); }));
 }
 
 // Any program may write the property by which window managers announce themselves.
 TEST_F(SessionTest, AForgedAnnouncementDoesNotHideWhatComesAfterIt) {
     begin({});
+    if (lacks(Ability::xDesktop))
+        GTEST_SKIP() << "about X";
     ASSERT_TRUE(program().start());
     const auto root = desktop().x().root();
     const auto truth = desktop().x().cardinals(root, "_NET_SUPPORTING_WM_CHECK").at(0);
-    for (const auto window : {root, truth}) {
+    for (const auto& window : {root, truth}) {
         desktop().x().setCardinals(root, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, {window});
         for (int look = 0; look < 2; ++look)
             EXPECT_THAT(program().menu(), StartsWith("Current Display Setup"));
     }
-    desktop().stopWindowManager();
+    xDesktop().stopWindowManager();
     EXPECT_TRUE(waitUntil([&] { return shownMenu().starts_with("Accessibility access is required"); }));
 }
 
 // The variables of another session may have come along (nested servers, remote desktops, user services).
 TEST_F(SessionTest, TheServerSaysWhetherItIsABridgeNotTheEnvironment) {
     begin({});
+    if (lacks(Ability::xDesktop))
+        GTEST_SKIP() << "about X";
     desktop().setVariable("XDG_SESSION_TYPE", "wayland");
     desktop().setVariable("WAYLAND_DISPLAY", "wayland-elsewhere");
     ASSERT_TRUE(program().start());
@@ -180,12 +188,14 @@ TEST_F(SessionTest, TheServerSaysWhetherItIsABridgeNotTheEnvironment) {
 
 TEST_F(SessionTest, ARestartedWindowManagerDoesNotLoseThePendingRestore) {
     begin({.displays = {firstDisplay, secondDisplay}});
+    if (lacks(Ability::xDesktop))
+        GTEST_SKIP() << "about X";
     ASSERT_TRUE(program().start());
     const Rect saved{2300, 200, 700, 600};
     saveAndStray("Desk", saved);
     ASSERT_TRUE(outputs().unplug(1) && outputs().plug(1, secondDisplay, secondMonitor));
-    desktop().stopWindowManager();
-    ASSERT_TRUE(desktop().startWindowManager() && windows().waitUntilManaged(window()));
+    xDesktop().stopWindowManager();
+    ASSERT_TRUE(xDesktop().startWindowManager() && xDesktop().windows().waitUntilManaged(window()));
     EXPECT_TRUE(program().waitForFeedback());
     EXPECT_EQ(seen(window()), saved);
 }
@@ -193,6 +203,8 @@ TEST_F(SessionTest, ARestartedWindowManagerDoesNotLoseThePendingRestore) {
 // A mirror image is one screen, and so are two panels that are used as one.
 TEST_F(SessionTest, ScreensOfSeveralOutputsCountOnce) {
     begin({});
+    if (lacks(Ability::xDesktop))
+        GTEST_SKIP() << "about X";
     ASSERT_TRUE(program().start());
     ASSERT_TRUE(client().open({.title = "one"}));
     ASSERT_TRUE(outputs().plug(1, firstDisplay, secondMonitor));
@@ -265,13 +277,15 @@ TEST_F(SessionTest, WakingAndUnlockingRestoreWhenTheUserWantsIt) {
     EXPECT_TRUE(program().waitForFeedback());
     EXPECT_EQ(seen(window()), saved) << "after unlocking";
 
+    if (lacks(Ability::xDesktop))
+        return;
     // A start at login, where the window manager comes later.
     ASSERT_TRUE(program().waitForRest() && tray().choose({"Quit Tavrin"}));
     ASSERT_EQ(program().process().waitForExit(), 0);
     ASSERT_TRUE(windows().place(window(), {120, 140, 360, 280}));
-    desktop().stopWindowManager();
+    xDesktop().stopWindowManager();
     logind.beginSession();
-    ASSERT_TRUE(program().start() && desktop().startWindowManager());
+    ASSERT_TRUE(program().start() && xDesktop().startWindowManager());
     expectOneRestore();
     EXPECT_EQ(seen(window()), saved) << "after logging in";
 }
@@ -371,7 +385,9 @@ class EmbeddingPanelTest : public SessionTest, public ::testing::WithParamInterf
 TEST_P(EmbeddingPanelTest, GetsTheIconAndAClickOpensTheMenu) {
     const bool isPanelFirst = GetParam();
     begin({.hasTray = false});
-    EmbeddingPanel panel(desktop().server().display().toStdString());
+    if (lacks(Ability::xDesktop))
+        GTEST_SKIP() << "about X";
+    EmbeddingPanel panel(xDesktop().server().display().toStdString());
     ASSERT_TRUE(!isPanelFirst || panel.appear());
     ASSERT_TRUE(program().launch());
     ASSERT_TRUE(isPanelFirst || (program().waitUntilRegistered() && panel.appear()));

@@ -10,8 +10,8 @@ namespace tavrin::desktop {
 
 namespace {
 
-constexpr xcb_keysym_t tabKey = 0xff09, rightKey = 0xff53, downKey = 0xff54, f2Key = 0xffbf,
-                       deleteKey = 0xffff, spaceKey = ' ';
+constexpr std::uint32_t tabKey = 0xff09, rightKey = 0xff53, downKey = 0xff54, f2Key = 0xffbf,
+                        deleteKey = 0xffff, spaceKey = ' ';
 constexpr int keyR = 15, control = 0x40000;
 constexpr auto settingsTitle = "Tavrin Settings";
 constexpr std::chrono::milliseconds attemptLimit{2000};
@@ -34,12 +34,12 @@ protected:
         dataChanges_.addPath(desktop().home() + "/.local/share/Tavrin");
     }
 
-    xcb_window_t window() const { return window_; }
-    std::optional<xcb_window_t> settingsWindow() { return windows().find(settingsTitle); }
+    WindowHandle window() const { return window_; }
+    std::optional<WindowHandle> settingsWindow() { return windows().find(settingsTitle); }
 
     bool closeSettings() {
         if (const auto shown = settingsWindow())
-            desktop().x().askWindowManager(*shown, "_NET_CLOSE_WINDOW", {});
+            windows().close(*shown);
         return waitUntil([&] { return !settingsWindow(); });
     }
     /// Opens the window anew on that pane, with the focus in the list of panes.
@@ -48,7 +48,7 @@ protected:
                waitUntil([&] { return windows().processWithKeyboard() == program().process().pid(); }) &&
                press(downKey, pane);
     }
-    bool press(xcb_keysym_t key, int times = 1) {
+    bool press(std::uint32_t key, int times = 1) {
         for (; times > 0; --times)
             if (!desktop().keyboard().press(key))
                 return false;
@@ -86,7 +86,7 @@ protected:
     }
 
 private:
-    xcb_window_t window_ = XCB_NONE;
+    WindowHandle window_;
     QFileSystemWatcher dataChanges_; ///< wakes whoever waits for them
 };
 
@@ -118,7 +118,7 @@ TEST_F(SettingsTest, LeavingInTheMiddleOfARecordingEndsIt) {
 
     const auto clickFirstPane = [&] {
         const Rect frame = windows().visibleFrame(*settingsWindow()).value_or(Rect{});
-        const auto titleBar = windows().frameExtents(*settingsWindow())[2];
+        const auto titleBar = xDesktop().windows().frameExtents(*settingsWindow())[2];
         Mouse(desktop().x()).click({frame.x + 40, frame.y + titleBar + 18, 60, 18});
         return true;
     };

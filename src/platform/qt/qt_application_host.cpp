@@ -74,6 +74,8 @@ void QtApplicationHost::activate() {
     if (!front)
         return;
     raiseWindow(*front);
+    if (bringForward_)
+        return bringForward(front, 40);
     // A window manager refuses the focus to a request older than the user's last action, and Qt dates its
     // requests by the last event that came from the server. A menu shown by another process leaves it with
     // none, so one is provoked by writing a property, and the request is made again with its date.
@@ -86,6 +88,15 @@ void QtApplicationHost::activate() {
         if (front && front->isVisible())
             raiseWindow(*front);
     });
+}
+
+void QtApplicationHost::bringForward(QPointer<QWidget> window, int attempts) {
+    if (!window || !window->isVisible() || attempts == 0 ||
+        bringForward_(
+            {.title = window->windowTitle().toStdString(), .isPopover = window->windowType() == Qt::Tool}))
+        return;
+    // No event tells when the compositor has taken the window up.
+    QTimer::singleShot(25, this, [this, window, attempts] { bringForward(window, attempts - 1); });
 }
 
 void QtApplicationHost::terminate() {

@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QWidget>
 #include <QWindow>
 
 class QApplication;
@@ -27,6 +28,17 @@ public:
     /// `handler` is called every time the program comes to the front until the token is released.
     Token observeDidBecomeActive(std::function<void()> handler);
 
+    /// A window of this program that is to come to the front.
+    struct OwnWindow {
+        std::string title;
+        bool isPopover = false; ///< stands beside the status item, or in a corner
+    };
+    /// Where the toolkit can neither place its windows nor give them the focus: `bringForward` does it, and
+    /// answers false while the window is not there yet.
+    void setBringForward(std::function<bool(const OwnWindow&)> bringForward) {
+        bringForward_ = std::move(bringForward);
+    }
+
     /// Nothing to do: task bars and switchers list windows, and an accessory program shows none.
     void setActivationPolicy(ActivationPolicy policy) override;
 
@@ -37,7 +49,9 @@ public:
 
 private:
     void focusMoved(QWindow* window);
+    void bringForward(QPointer<QWidget> window, int attempts);
 
+    std::function<bool(const OwnWindow&)> bringForward_;
     Signal<> didBecomeActive_;
     QPointer<QWindow> window_; ///< the one that had the focus last; none when another program has it
 };

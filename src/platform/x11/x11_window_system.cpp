@@ -1,5 +1,6 @@
 #include "platform/x11/x11_window_system.h"
 
+#include "platform/x11/x11_property.h"
 #include "platform/x11/x11_reply.h"
 
 #include <utility>
@@ -55,6 +56,11 @@ std::expected<WindowListing, WindowSystemObstacle> X11WindowSystem::list() {
     for (const auto* window : table_.windows())
         if (window->kind)
             listing.windows.push_back(desktopWindow(*window));
+    if (auto* tiling = i3()) {
+        const auto tiled = tiling->tiled();
+        for (auto& window : listing.windows)
+            window.isTiled = tiled.contains(static_cast<std::uint32_t>(window.id));
+    }
     if (const auto* active = table_.activeWindow(); active && active->kind)
         listing.activeWindow = active->id;
     return listing;
@@ -73,7 +79,44 @@ std::vector<PlacementOutcome> X11WindowSystem::place(std::span<const WindowPlace
                                                      Seconds patience) {
     if (obstacle())
         return std::vector(placements.size(), PlacementOutcome::refused);
-    return mover_.place(placements, patience);
+    auto* tiling = i3();
+    const auto tiled = tiling ? tiling->place(placements) : std::map<WindowID, PlacementOutcome>();
+    if (tiled.empty())
+        return mover_.place(placements, patience);
+    std::vector<WindowPlacement> others;
+    for (const auto& placement : placements)
+        if (!tiled.contains(placement.window))
+            others.push_back(placement);
+    const auto moved = mover_.place(others, patience);
+    std::vector<PlacementOutcome> outcomes;
+    auto next = moved.begin();
+    for (const auto& placement : placements) {
+        const auto found = tiled.find(placement.window);
+        outcomes.push_back(found == tiled.end() ? *next++ : found->second);
+    }
+    return outcomes;
+}
+
+// i3 says that it moved a tiled window, and does not. Its own protocol tells which these are.
+I3TiledWindows* X11WindowSystem::i3() {
+    if (windowManager_.facts().name != "i3") {
+        i3_.reset();
+        return nullptr;
+    }
+    // Another one after i3 has been restarted.
+    constexpr std::string_view property = "I3_SOCKET_PATH";
+    constexpr std::size_t pathLimit = 256;
+    auto* c = query_.get();
+    const auto atom =
+        owned(xcb_intern_atom_reply(c, xcb_intern_atom(c, 1, property.size(), property.data()), nullptr));
+    const auto path = owned(xcb_get_property_reply(
+        c, requestProperty(c, query_.root(), atom ? atom->atom : xcb_atom_t{XCB_ATOM_NONE}, pathLimit),
+        nullptr));
+    auto socket = text(path.get(), pathLimit).value_or("");
+    if (!i3_ || socket != i3Socket_)
+        i3_ = std::make_unique<I3TiledWindows>(socket);
+    i3Socket_ = std::move(socket);
+    return i3_.get();
 }
 
 std::vector<DesktopScreen> X11WindowSystem::screens() {

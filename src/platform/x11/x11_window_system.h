@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/i3/i3_tiled_windows.h"
 #include "platform/windows/window_system.h"
 #include "platform/x11/x11_desktop_watch.h"
 #include "platform/x11/x11_key_watch.h"
@@ -41,6 +42,7 @@ private:
                     EventLoop& eventLoop, Scheduler& scheduler);
 
     DesktopWindow desktopWindow(const X11Window& window) const;
+    I3TiledWindows* i3();
 
     X11QueryConnection query_;
     X11EventConnection events_;
@@ -50,6 +52,8 @@ private:
     X11Screens screens_;
     X11DesktopWatch desktopWatch_;
     X11KeyWatch keyWatch_;
+    std::unique_ptr<I3TiledWindows> i3_;
+    std::string i3Socket_;
 };
 
 } // namespace tavrin

@@ -70,12 +70,7 @@ bool TavrinProgram::offers(const std::string& layout) {
 }
 
 std::optional<Rect> TavrinProgram::formArea() {
-    auto& windows = desktop_.windows();
-    const auto pid = static_cast<std::uint32_t>(process_->pid());
-    for (const auto window : windows.shown())
-        if (windows.processOf(window) == pid)
-            return windows.outermost(window);
-    return std::nullopt;
+    return desktop_.windows().areaOfProcess(process_->pid());
 }
 
 bool TavrinProgram::openSaveForm() {

@@ -6,9 +6,11 @@
 
 namespace tavrin::desktop {
 
-TestClient::TestClient(Windows& windows, const QProcessEnvironment& environment, const QString& log)
+TestClient::TestClient(Windows& windows, QStringList command, const QProcessEnvironment& environment,
+                       const QString& log)
     : windows_(windows) {
-    process_.start(TAVRIN_TEST_CLIENT, {}, environment, log, Process::Output::readHere);
+    const auto program = command.takeFirst();
+    process_.start(program, command, environment, log, Process::Output::readHere);
 }
 
 std::optional<std::string> TestClient::ask(const std::string& command) {
@@ -16,7 +18,7 @@ std::optional<std::string> TestClient::ask(const std::string& command) {
     return process_.readLine();
 }
 
-std::optional<xcb_window_t> TestClient::open(const WindowRequest& request) {
+std::optional<WindowHandle> TestClient::open(const WindowRequest& request) {
     std::string command = fmt::format("open\tclass={}\ttitle={}\tx={}\ty={}\twidth={}\theight={}",
                                       request.applicationClass, request.title, request.frame.x,
                                       request.frame.y, request.frame.width, request.frame.height);
@@ -35,31 +37,35 @@ std::optional<xcb_window_t> TestClient::open(const WindowRequest& request) {
     const auto answer = ask(command);
     if (!answer)
         return std::nullopt;
-    const auto window = static_cast<xcb_window_t>(std::strtoul(answer->c_str(), nullptr, 10));
-    if (!window || !windows_.waitUntilManaged(window))
-        return std::nullopt;
+    const auto window = windows_.waitForOpened(
+        static_cast<std::uint32_t>(std::strtoul(answer->c_str(), nullptr, 10)), pid(), request.title);
+    if (window)
+        names_[window->id()] = *answer;
     return window;
 }
 
-bool TestClient::retitle(xcb_window_t window, const std::string& title) {
-    return ask(fmt::format("retitle\t{}\t{}", window, title)) == "done";
+bool TestClient::retitle(const WindowHandle& window, const std::string& title) {
+    return ask(fmt::format("retitle\t{}\t{}", names_[window.id()], title)) == "done";
 }
 
-bool TestClient::destroy(xcb_window_t window) {
-    return ask(fmt::format("destroy\t{}", window)) == "done";
+bool TestClient::destroy(const WindowHandle& window) {
+    return ask(fmt::format("destroy\t{}", names_[window.id()])) == "done";
 }
 
-void TestClient::startFlood(xcb_window_t window, const std::string& property, int count) {
+void TestClient::startFlood(const WindowHandle& window, const std::string& property, int count) {
     windows_.ignore(window);
-    process_.writeLine(fmt::format("flood\t{}\t{}\t{}", window, property, count));
+    process_.writeLine(fmt::format("flood\t{}\t{}\t{}", names_[window.id()], property, count));
 }
 
-bool TestClient::vanishOnMove(const std::vector<xcb_window_t>& windows) {
-    return ask(fmt::format("vanish-on-move\t{}", fmt::join(windows, "\t"))) == "done";
+bool TestClient::vanishOnMove(const std::vector<WindowHandle>& windows) {
+    std::string command = "vanish-on-move";
+    for (const auto& window : windows)
+        command += '\t' + names_[window.id()];
+    return ask(command) == "done";
 }
 
-bool TestClient::stayFullscreen(xcb_window_t window) {
-    return ask(fmt::format("stay-fullscreen\t{}", window)) == "done" &&
+bool TestClient::stayFullscreen(const WindowHandle& window) {
+    return ask(fmt::format("stay-fullscreen\t{}", names_[window.id()])) == "done" &&
            waitUntil([&] { return windows_.isFullscreen(window); });
 }
 

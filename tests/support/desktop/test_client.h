@@ -3,7 +3,10 @@
 #include "support/desktop/process.h"
 #include "support/desktop/windows.h"
 
+#include <array>
 #include <csignal>
+#include <map>
+#include <vector>
 
 namespace tavrin::desktop {
 
@@ -23,23 +26,25 @@ struct WindowRequest {
 /// An application of the test's making: one process with any number of windows.
 class TestClient {
 public:
-    TestClient(Windows& windows, const QProcessEnvironment& environment, const QString& log);
+    /// `command` starts the client program, with its arguments.
+    TestClient(Windows& windows, QStringList command, const QProcessEnvironment& environment,
+               const QString& log);
 
     bool isRunning() const { return process_.isRunning(); }
     qint64 pid() const { return process_.pid(); }
 
     /// Opens a window and waits until the window manager has taken it up.
-    std::optional<xcb_window_t> open(const WindowRequest& request);
-    bool retitle(xcb_window_t window, const std::string& title);
-    bool destroy(xcb_window_t window);
+    std::optional<WindowHandle> open(const WindowRequest& request);
+    bool retitle(const WindowHandle& window, const std::string& title);
+    bool destroy(const WindowHandle& window);
     /// Changes a property of the window so many times, as fast as the server takes it. Ends with `endFlood`;
     /// until then nothing else can be asked.
-    void startFlood(xcb_window_t window, const std::string& property, int count);
+    void startFlood(const WindowHandle& window, const std::string& property, int count);
     bool endFlood() { return process_.readLine() == "done"; }
     /// From now on the first move of one of these windows makes all the others disappear.
-    bool vanishOnMove(const std::vector<xcb_window_t>& windows);
+    bool vanishOnMove(const std::vector<WindowHandle>& windows);
     /// Makes the window fullscreen, and again whenever somebody makes it leave that state.
-    bool stayFullscreen(xcb_window_t window);
+    bool stayFullscreen(const WindowHandle& window);
 
     /// The process stops answering; its windows stay on the screen.
     void hang() { process_.sendSignal(SIGSTOP); }
@@ -50,6 +55,7 @@ private:
 
     Windows& windows_;
     Process process_;
+    std::map<std::string, std::string> names_; ///< what the client calls its windows, by their handles
 };
 
 } // namespace tavrin::desktop

@@ -1,67 +1,69 @@
 #pragma once
 
-#include "support/desktop/x_connection.h"
+#include "base/geometry.h"
 
+#include <QtGlobal>
+
+#include <cstdint>
 #include <optional>
-#include <set>
+#include <string>
 
 namespace tavrin::desktop {
 
+/// A window's name for itself on its desktop. On X that is its number, so the two turn into each other.
+class WindowHandle {
+public:
+    WindowHandle() = default;
+    WindowHandle(std::string id) : id_(std::move(id)) {}
+    WindowHandle(std::uint32_t xWindow) : id_(std::to_string(xWindow)) {}
+    operator std::uint32_t() const {
+        return static_cast<std::uint32_t>(std::strtoul(id_.c_str(), nullptr, 10));
+    }
+
+    const std::string& id() const { return id_; }
+    bool operator==(const WindowHandle&) const = default;
+
+private:
+    std::string id_;
+};
+
 /// The windows on the desktop as a person sees and handles them. Frames are what is visible of a window:
-/// title bar and borders included, client-side shadows left out; root pixels, top-left origin.
+/// title bar and borders included, client-side shadows left out; points from the top left of the whole
+/// desktop, y downwards.
 class Windows {
 public:
-    explicit Windows(XConnection& connection) : x_(connection) {}
+    virtual ~Windows() = default;
 
-    /// The windows that the window manager keeps, bottom to top.
-    std::vector<xcb_window_t> managed();
-    /// Every window that is on the screen now, with or without the window manager.
-    std::vector<xcb_window_t> shown();
-    std::optional<xcb_window_t> find(const std::string& title);
-    std::optional<xcb_window_t> waitForTitle(const std::string& title);
-    bool waitUntilManaged(xcb_window_t window);
+    virtual std::optional<WindowHandle> find(const std::string& title) = 0;
+    virtual std::optional<WindowHandle> waitForTitle(const std::string& title) = 0;
+    /// Waits until the desktop has taken up a window that a client opened. `number` is the X window's; 0 for
+    /// a window of another kind, which is told by its process and title.
+    virtual std::optional<WindowHandle> waitForOpened(std::uint32_t number, qint64 pid,
+                                                      const std::string& title) = 0;
 
-    std::string title(xcb_window_t window);
-    std::uint32_t processOf(xcb_window_t window);          ///< as the window itself says; 0 when it does not
-    std::optional<Rect> visibleFrame(xcb_window_t window); ///< absent when the window is gone
-    bool isMaximised(xcb_window_t window);
+    virtual std::string title(const WindowHandle& window) = 0;
+    /// Absent when the window is gone.
+    virtual std::optional<Rect> visibleFrame(const WindowHandle& window) = 0;
+    /// Where a window of that process is on the screen, menus and the like included; absent without one.
+    virtual std::optional<Rect> areaOfProcess(qint64 pid) = 0;
 
     /// Drags and resizes a window so that it is seen at `frame`, and waits until it is there. Windows with
     /// size increments take the nearest size.
-    bool place(xcb_window_t window, const Rect& frame);
-    bool maximise(xcb_window_t window);
-    bool unmaximise(xcb_window_t window);
-    void activate(xcb_window_t window);
-    void minimise(xcb_window_t window);
-    void shade(xcb_window_t window);
-    /// Waits until the window manager says that the window is on that desktop, counted from 0.
-    bool sendToDesktop(xcb_window_t window, std::uint32_t desktop);
-    bool hasState(xcb_window_t window, const std::string& state); ///< by its whole name, "_NET_WM_STATE_…"
+    virtual bool place(const WindowHandle& window, const Rect& frame) = 0;
+    /// The same without waiting.
+    virtual void tell(const WindowHandle& window, const Rect& frame) = 0;
+    /// Makes a window as large as its monitor, or ends that, and waits until it is so.
+    virtual bool maximise(const WindowHandle& window) = 0;
+    virtual bool unmaximise(const WindowHandle& window) = 0;
+    virtual void activate(const WindowHandle& window) = 0;
+    virtual void close(const WindowHandle& window) = 0;
 
     /// From now on the window's changes wake nobody here.
-    void ignore(xcb_window_t window);
-    bool isFullscreen(xcb_window_t window);
-    /// Brings back a window that is minimised or on another desktop.
-    bool show(xcb_window_t window);
+    virtual void ignore(const WindowHandle&) {}
+    virtual bool isFullscreen(const WindowHandle& window) = 0;
 
     /// The process of the window that gets the keys now; 0 when none says so.
-    std::uint32_t processWithKeyboard();
-
-    /// The title bar and borders, and the client-side shadows: left, right, top, bottom; zeros when absent.
-    std::array<std::uint32_t, 4> frameExtents(xcb_window_t window);
-    std::array<std::uint32_t, 4> shadows(xcb_window_t window);
-
-    /// The rectangle of the ancestor directly below the root, as the server knows it.
-    std::optional<Rect> outermost(xcb_window_t window);
-
-private:
-    std::optional<Rect> clientArea(xcb_window_t window);
-    bool isViewable(xcb_window_t window);
-    bool changeMaximised(xcb_window_t window, bool isWanted);
-    void follow(xcb_window_t window);
-
-    XConnection& x_;
-    std::set<xcb_window_t> followed_;
+    virtual qint64 processWithKeyboard() = 0;
 };
 
 } // namespace tavrin::desktop

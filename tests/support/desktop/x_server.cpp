@@ -41,7 +41,7 @@ constexpr auto xorg = "/usr/lib/xorg/Xorg";
 
 } // namespace
 
-bool XServer::start(const QString& directory, const QProcessEnvironment& environment) {
+bool XServer::start(const QString& directory, const QProcessEnvironment& environment, Kind wanted) {
     const QString configurationFile = directory + "/xorg.conf";
     QFile file(configurationFile);
     if (!file.open(QIODevice::WriteOnly))
@@ -52,7 +52,7 @@ bool XServer::start(const QString& directory, const QProcessEnvironment& environ
     const QStringList common{"-displayfd", "1", "-nolisten", "tcp", "-noreset"};
     // Where the dummy driver cannot be had, tests of plain monitors can still run.
     kind_ = Kind::dummyOutputs;
-    if (!qEnvironmentVariableIsSet("TAVRIN_TEST_XVFB") &&
+    if (wanted == kind_ && !qEnvironmentVariableIsSet("TAVRIN_TEST_XVFB") &&
         launch(xorg, common + QStringList{"-config", configurationFile, "-logfile", directory + "/Xorg.log"},
                directory, environment))
         return true;

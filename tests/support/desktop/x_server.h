@@ -15,7 +15,8 @@ public:
     static constexpr int maximumHeight = 4096;
 
     /// Writes its configuration and logs into `directory`; false when neither server starts.
-    bool start(const QString& directory, const QProcessEnvironment& environment);
+    bool start(const QString& directory, const QProcessEnvironment& environment,
+               Kind wanted = Kind::dummyOutputs);
 
     Kind kind() const { return kind_; }
     const QString& display() const { return display_; } ///< such as ":7"

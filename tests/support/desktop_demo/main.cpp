@@ -4,6 +4,7 @@
 #include "support/desktop/screenshot.h"
 #include "support/desktop/tavrin_program.h"
 #include "support/desktop/wait.h"
+#include "support/desktop/x_desktop.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -36,7 +37,7 @@ const std::vector<Application> applications{
 
 struct OpenWindow {
     std::unique_ptr<Process> process;
-    xcb_window_t window = XCB_NONE;
+    WindowHandle window;
     Rect saved;
 };
 
@@ -122,7 +123,7 @@ private:
                 for (const auto window : windows.managed())
                     if (windows.processOf(window) == pid)
                         opened.window = window;
-                return opened.window != XCB_NONE && windows.waitUntilManaged(opened.window);
+                return opened.window != WindowHandle() && windows.waitUntilManaged(opened.window);
             });
             if (!isShown)
                 return stopped(application.program.toStdString() + " opened no window");
@@ -201,7 +202,7 @@ private:
     }
 
     QString folder_;
-    Desktop desktop_{{.name = "demo", .displays = displays}};
+    XDesktop desktop_{{.name = "demo", .displays = displays}};
     TavrinProgram program_{desktop_};
     std::vector<OpenWindow> open_;
 };

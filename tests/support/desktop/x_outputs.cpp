@@ -1,4 +1,4 @@
-#include "support/desktop/outputs.h"
+#include "support/desktop/x_outputs.h"
 
 #include <xcb/xcbext.h>
 
@@ -14,11 +14,11 @@ bool succeeded(xcb_connection_t* connection, xcb_void_cookie_t cookie) {
 
 } // namespace
 
-std::string Outputs::name(int output) const {
+std::string XOutputs::name(int output) {
     return "DUMMY" + std::to_string(output);
 }
 
-std::optional<Outputs::Slot> Outputs::slot(int output) {
+std::optional<XOutputs::Slot> XOutputs::slot(int output) {
     auto* c = x_.raw();
     const auto cookie = xcb_randr_get_screen_resources_current(c, x_.root());
     Reply<xcb_randr_get_screen_resources_current_reply_t> resources{
@@ -30,7 +30,7 @@ std::optional<Outputs::Slot> Outputs::slot(int output) {
                 xcb_randr_get_screen_resources_current_crtcs(resources.get())[output]};
 }
 
-xcb_randr_mode_t Outputs::mode(int width, int height) {
+xcb_randr_mode_t XOutputs::mode(int width, int height) {
     auto* c = x_.raw();
     const std::string wanted = "desktop-" + std::to_string(width) + "x" + std::to_string(height);
     const auto cookie = xcb_randr_get_screen_resources_current(c, x_.root());
@@ -61,7 +61,7 @@ xcb_randr_mode_t Outputs::mode(int width, int height) {
     return created ? created->mode : XCB_NONE;
 }
 
-bool Outputs::setCrtc(const Slot& slot, std::int16_t left, std::int16_t top, xcb_randr_mode_t mode) {
+bool XOutputs::setCrtc(const Slot& slot, std::int16_t left, std::int16_t top, xcb_randr_mode_t mode) {
     auto* c = x_.raw();
     const auto cookie =
         xcb_randr_set_crtc_config(c, slot.crtc, XCB_CURRENT_TIME, XCB_CURRENT_TIME, left, top, mode,
@@ -70,7 +70,7 @@ bool Outputs::setCrtc(const Slot& slot, std::int16_t left, std::int16_t top, xcb
     return reply && reply->status == XCB_RANDR_SET_CONFIG_SUCCESS;
 }
 
-bool Outputs::fitScreen(const std::vector<Rect>& areas) {
+bool XOutputs::fitScreen(const std::vector<Rect>& areas) {
     Rect whole;
     for (const Rect& area : areas)
         whole = unionOf(whole, area);
@@ -89,7 +89,7 @@ bool Outputs::fitScreen(const std::vector<Rect>& areas) {
                                                           height * 254U / 960U));
 }
 
-bool Outputs::plug(int output, const Rect& area, const std::optional<MonitorIdentity>& identity) {
+bool XOutputs::plug(int output, const Rect& area, const std::optional<MonitorIdentity>& identity) {
     if (kind_ == XServer::Kind::virtualFramebuffer)
         return setMonitor(output, area);
     auto* c = x_.raw();
@@ -118,14 +118,14 @@ bool Outputs::plug(int output, const Rect& area, const std::optional<MonitorIden
     return done;
 }
 
-void Outputs::probe() {
+void XOutputs::probe() {
     auto* c = x_.raw();
     const Reply<xcb_randr_get_screen_resources_reply_t> resources{
         xcb_randr_get_screen_resources_reply(c, xcb_randr_get_screen_resources(c, x_.root()), nullptr)};
     x_.sync();
 }
 
-bool Outputs::unplug(int output) {
+bool XOutputs::unplug(int output) {
     auto* c = x_.raw();
     bool done = false;
     if (kind_ == XServer::Kind::virtualFramebuffer) {
@@ -139,7 +139,7 @@ bool Outputs::unplug(int output) {
     return done;
 }
 
-bool Outputs::setMonitor(int output, const Rect& area) {
+bool XOutputs::setMonitor(int output, const Rect& area) {
     auto* c = x_.raw();
     const auto target = slot(0);
     if (!target)
@@ -175,7 +175,7 @@ bool Outputs::setMonitor(int output, const Rect& area) {
     return done;
 }
 
-bool Outputs::makePrimary(int output) {
+bool XOutputs::makePrimary(int output) {
     const auto target = slot(output);
     if (!target)
         return false;
@@ -185,7 +185,7 @@ bool Outputs::makePrimary(int output) {
     return done;
 }
 
-std::vector<Rect> Outputs::areas() {
+std::vector<Rect> XOutputs::areas() {
     auto* c = x_.raw();
     Reply<xcb_randr_get_monitors_reply_t> reply{
         xcb_randr_get_monitors_reply(c, xcb_randr_get_monitors(c, x_.root(), 1), nullptr)};
@@ -199,7 +199,7 @@ std::vector<Rect> Outputs::areas() {
     return areas;
 }
 
-std::vector<std::uint8_t> Outputs::edid(int output) {
+std::vector<std::uint8_t> XOutputs::edid(int output) {
     const auto target = slot(output);
     if (!target)
         return {};

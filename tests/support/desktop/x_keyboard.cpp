@@ -1,10 +1,10 @@
-#include "support/desktop/keyboard.h"
+#include "support/desktop/x_keyboard.h"
 
 #include <xcb/xtest.h>
 
 namespace tavrin::desktop {
 
-std::optional<Keyboard::Stroke> Keyboard::strokeFor(xcb_keysym_t symbol) {
+std::optional<XKeyboard::Stroke> XKeyboard::strokeFor(xcb_keysym_t symbol) {
     auto* c = x_.raw();
     const auto* setup = xcb_get_setup(c);
     const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
@@ -20,11 +20,11 @@ std::optional<Keyboard::Stroke> Keyboard::strokeFor(xcb_keysym_t symbol) {
     return std::nullopt;
 }
 
-void Keyboard::send(std::uint8_t type, xcb_keycode_t code) {
+void XKeyboard::send(std::uint8_t type, xcb_keycode_t code) {
     xcb_test_fake_input(x_.raw(), type, code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
 }
 
-bool Keyboard::press(xcb_keysym_t symbol) {
+bool XKeyboard::press(std::uint32_t symbol) {
     const auto stroke = strokeFor(symbol);
     if (!stroke)
         return false;
@@ -36,23 +36,21 @@ bool Keyboard::press(xcb_keysym_t symbol) {
     return true;
 }
 
-bool Keyboard::pressWith(xcb_keysym_t modifier, xcb_keysym_t symbol) {
-    const auto held = strokeFor(modifier);
+bool XKeyboard::pressWith(std::vector<std::uint32_t> modifiers, std::uint32_t symbol) {
+    std::vector<xcb_keycode_t> held;
+    for (const auto modifier : modifiers)
+        if (const auto stroke = strokeFor(modifier))
+            held.push_back(stroke->code);
     const auto stroke = strokeFor(symbol);
-    if (!held || !stroke)
+    if (held.size() != modifiers.size() || !stroke)
         return false;
-    send(XCB_KEY_PRESS, held->code);
+    for (const auto code : held)
+        send(XCB_KEY_PRESS, code);
     send(XCB_KEY_PRESS, stroke->code);
     send(XCB_KEY_RELEASE, stroke->code);
-    send(XCB_KEY_RELEASE, held->code);
+    for (const auto code : held)
+        send(XCB_KEY_RELEASE, code);
     x_.sync();
-    return true;
-}
-
-bool Keyboard::type(std::string_view text) {
-    for (const char character : text)
-        if (!press(static_cast<unsigned char>(character))) // in ASCII the symbol is the character
-            return false;
     return true;
 }
 

@@ -1,4 +1,4 @@
-#include "support/desktop/windows.h"
+#include "support/desktop/x_windows.h"
 
 #include "support/desktop/wait.h"
 
@@ -23,12 +23,12 @@ bool fillsEvenly(const Rect& visible, const Rect& outermost) {
 
 } // namespace
 
-void Windows::follow(xcb_window_t window) {
+void XWindows::follow(xcb_window_t window) {
     if (followed_.insert(window).second)
         x_.watch(window);
 }
 
-std::vector<xcb_window_t> Windows::managed() {
+std::vector<xcb_window_t> XWindows::managed() {
     auto windows = x_.cardinals(x_.root(), "_NET_CLIENT_LIST_STACKING");
     // xfwm4 writes the stacking order only once something has been raised.
     for (const auto window : x_.cardinals(x_.root(), "_NET_CLIENT_LIST"))
@@ -39,7 +39,7 @@ std::vector<xcb_window_t> Windows::managed() {
     return windows;
 }
 
-std::vector<xcb_window_t> Windows::shown() {
+std::vector<xcb_window_t> XWindows::shown() {
     auto windows = managed();
     auto* c = x_.raw();
     const Reply<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(c, xcb_query_tree(c, x_.root()), nullptr)};
@@ -51,25 +51,36 @@ std::vector<xcb_window_t> Windows::shown() {
     return windows;
 }
 
-std::string Windows::title(xcb_window_t window) {
+std::string XWindows::title(const WindowHandle& window) {
     auto text = x_.text(window, "_NET_WM_NAME");
     return text.empty() ? x_.text(window, "WM_NAME") : text;
 }
 
-std::optional<xcb_window_t> Windows::find(const std::string& wanted) {
+std::optional<WindowHandle> XWindows::find(const std::string& wanted) {
     for (const auto window : managed())
         if (title(window) == wanted)
             return window;
     return std::nullopt;
 }
 
-std::optional<xcb_window_t> Windows::waitForTitle(const std::string& wanted) {
-    std::optional<xcb_window_t> found;
+std::optional<WindowHandle> XWindows::waitForTitle(const std::string& wanted) {
+    std::optional<WindowHandle> found;
     waitUntil([&] { return (found = find(wanted)) && isViewable(*found); });
     return found;
 }
 
-bool Windows::waitUntilManaged(xcb_window_t window) {
+std::optional<WindowHandle> XWindows::waitForOpened(std::uint32_t number, qint64, const std::string&) {
+    return waitUntilManaged(number) ? std::optional<WindowHandle>(number) : std::nullopt;
+}
+
+std::optional<Rect> XWindows::areaOfProcess(qint64 pid) {
+    for (const auto window : shown())
+        if (processOf(window) == pid)
+            return outermost(window);
+    return std::nullopt;
+}
+
+bool XWindows::waitUntilManaged(xcb_window_t window) {
     // It is shown only after it has been put in its place.
     return waitUntil([&] {
         const auto windows = managed();
@@ -77,12 +88,12 @@ bool Windows::waitUntilManaged(xcb_window_t window) {
     });
 }
 
-std::uint32_t Windows::processOf(xcb_window_t window) {
+std::uint32_t XWindows::processOf(xcb_window_t window) {
     const auto pid = x_.cardinals(window, "_NET_WM_PID");
     return pid.empty() ? 0 : pid.front();
 }
 
-std::array<std::uint32_t, 4> Windows::frameExtents(xcb_window_t window) {
+std::array<std::uint32_t, 4> XWindows::frameExtents(xcb_window_t window) {
     std::array<std::uint32_t, 4> sides{};
     const auto values = x_.cardinals(window, "_NET_FRAME_EXTENTS");
     if (values.size() == sides.size())
@@ -90,7 +101,7 @@ std::array<std::uint32_t, 4> Windows::frameExtents(xcb_window_t window) {
     return sides;
 }
 
-std::array<std::uint32_t, 4> Windows::shadows(xcb_window_t window) {
+std::array<std::uint32_t, 4> XWindows::shadows(xcb_window_t window) {
     std::array<std::uint32_t, 4> sides{};
     const auto values = x_.cardinals(window, "_GTK_FRAME_EXTENTS");
     if (values.size() == sides.size())
@@ -98,7 +109,7 @@ std::array<std::uint32_t, 4> Windows::shadows(xcb_window_t window) {
     return sides;
 }
 
-std::optional<Rect> Windows::clientArea(xcb_window_t window) {
+std::optional<Rect> XWindows::clientArea(xcb_window_t window) {
     auto* c = x_.raw();
     const auto geometryCookie = xcb_get_geometry(c, window);
     const auto originCookie = xcb_translate_coordinates(c, window, x_.root(), 0, 0);
@@ -111,7 +122,7 @@ std::optional<Rect> Windows::clientArea(xcb_window_t window) {
                 double(geometry->height)};
 }
 
-std::optional<Rect> Windows::visibleFrame(xcb_window_t window) {
+std::optional<Rect> XWindows::visibleFrame(const WindowHandle& window) {
     const auto area = clientArea(window);
     if (!area)
         return std::nullopt;
@@ -124,7 +135,7 @@ std::optional<Rect> Windows::visibleFrame(xcb_window_t window) {
                 area->height + growTop + double(bottom) - double(shadowBottom)};
 }
 
-std::optional<Rect> Windows::outermost(xcb_window_t window) {
+std::optional<Rect> XWindows::outermost(xcb_window_t window) {
     auto* c = x_.raw();
     while (true) {
         const Reply<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(c, xcb_query_tree(c, window), nullptr)};
@@ -143,24 +154,24 @@ std::optional<Rect> Windows::outermost(xcb_window_t window) {
                 double(geometry->height) + 2 * geometry->border_width};
 }
 
-bool Windows::isViewable(xcb_window_t window) {
+bool XWindows::isViewable(xcb_window_t window) {
     auto* c = x_.raw();
     const Reply<xcb_get_window_attributes_reply_t> attributes{
         xcb_get_window_attributes_reply(c, xcb_get_window_attributes(c, window), nullptr)};
     return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
-bool Windows::hasState(xcb_window_t window, const std::string& state) {
+bool XWindows::hasState(xcb_window_t window, const std::string& state) {
     const auto states = x_.cardinals(window, "_NET_WM_STATE");
     return std::find(states.begin(), states.end(), x_.atom(state)) != states.end();
 }
 
-bool Windows::isMaximised(xcb_window_t window) {
+bool XWindows::isMaximised(xcb_window_t window) {
     return hasState(window, "_NET_WM_STATE_MAXIMIZED_VERT") &&
            hasState(window, "_NET_WM_STATE_MAXIMIZED_HORZ");
 }
 
-bool Windows::place(xcb_window_t window, const Rect& frame) {
+bool XWindows::place(const WindowHandle& window, const Rect& frame) {
     follow(window);
     const auto now = visibleFrame(window);
     const auto area = clientArea(window);
@@ -191,15 +202,15 @@ bool Windows::place(xcb_window_t window, const Rect& frame) {
     });
 }
 
-bool Windows::maximise(xcb_window_t window) {
+bool XWindows::maximise(const WindowHandle& window) {
     return changeMaximised(window, true);
 }
 
-bool Windows::unmaximise(xcb_window_t window) {
+bool XWindows::unmaximise(const WindowHandle& window) {
     return changeMaximised(window, false);
 }
 
-bool Windows::changeMaximised(xcb_window_t window, bool isWanted) {
+bool XWindows::changeMaximised(xcb_window_t window, bool isWanted) {
     follow(window);
     const auto before = visibleFrame(window);
     x_.askWindowManager(window, "_NET_WM_STATE",
@@ -213,37 +224,49 @@ bool Windows::changeMaximised(xcb_window_t window, bool isWanted) {
     });
 }
 
-void Windows::activate(xcb_window_t window) {
+void XWindows::tell(const WindowHandle& window, const Rect& frame) {
+    const auto number = [](double value) { return static_cast<std::uint32_t>(value); };
+    constexpr std::uint32_t allParts = 0xf00;
+    x_.askWindowManager(window, "_NET_MOVERESIZE_WINDOW",
+                        {northWestGravity | allParts | sourceIsPager << 12, number(frame.x), number(frame.y),
+                         number(frame.width), number(frame.height)});
+}
+
+void XWindows::close(const WindowHandle& window) {
+    x_.askWindowManager(window, "_NET_CLOSE_WINDOW", {});
+}
+
+void XWindows::activate(const WindowHandle& window) {
     x_.askWindowManager(window, "_NET_ACTIVE_WINDOW", {sourceIsPager, XCB_CURRENT_TIME, 0, 0, 0});
 }
 
-void Windows::minimise(xcb_window_t window) {
+void XWindows::minimise(xcb_window_t window) {
     constexpr std::uint32_t iconicState = 3;
     x_.askWindowManager(window, "WM_CHANGE_STATE", {iconicState, 0, 0, 0, 0});
 }
 
-void Windows::shade(xcb_window_t window) {
+void XWindows::shade(xcb_window_t window) {
     x_.askWindowManager(window, "_NET_WM_STATE", {1, x_.atom("_NET_WM_STATE_SHADED"), 0, sourceIsPager, 0});
 }
 
-bool Windows::sendToDesktop(xcb_window_t window, std::uint32_t desktop) {
+bool XWindows::sendToDesktop(xcb_window_t window, std::uint32_t desktop) {
     follow(window);
     x_.askWindowManager(x_.root(), "_NET_NUMBER_OF_DESKTOPS", {desktop + 1, 0, 0, 0, 0});
     x_.askWindowManager(window, "_NET_WM_DESKTOP", {desktop, sourceIsPager, 0, 0, 0});
     return waitUntil([&] { return x_.cardinals(window, "_NET_WM_DESKTOP") == std::vector{desktop}; });
 }
 
-void Windows::ignore(xcb_window_t window) {
+void XWindows::ignore(const WindowHandle& window) {
     followed_.insert(window);
     x_.ignore(window);
 }
 
-bool Windows::isFullscreen(xcb_window_t window) {
+bool XWindows::isFullscreen(const WindowHandle& window) {
     follow(window);
     return hasState(window, "_NET_WM_STATE_FULLSCREEN");
 }
 
-bool Windows::show(xcb_window_t window) {
+bool XWindows::show(xcb_window_t window) {
     follow(window);
     const auto current = x_.cardinals(x_.root(), "_NET_CURRENT_DESKTOP");
     if (!current.empty())
@@ -254,7 +277,7 @@ bool Windows::show(xcb_window_t window) {
     });
 }
 
-std::uint32_t Windows::processWithKeyboard() {
+qint64 XWindows::processWithKeyboard() {
     auto* c = x_.raw();
     const Reply<xcb_get_input_focus_reply_t> focus{
         xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr)};

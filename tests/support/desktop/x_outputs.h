@@ -1,7 +1,6 @@
 #pragma once
 
-#include "support/desktop/edid.h"
-#include "support/desktop/x_connection.h"
+#include "support/desktop/desktop.h"
 #include "support/desktop/x_server.h"
 
 #include <xcb/randr.h>
@@ -10,23 +9,20 @@
 
 namespace tavrin::desktop {
 
-/// The monitors of a private X server, plugged and unplugged as a person would. All rectangles are in root
-/// pixels, top-left origin. Outputs are numbered from 0. Every change is finished when the call returns.
-class Outputs {
+/// The monitors of a private X server, in root pixels. On a virtual framebuffer these are bare monitors,
+/// which have no EDID.
+class XOutputs final : public Outputs {
 public:
-    Outputs(XConnection& connection, XServer::Kind kind) : x_(connection), kind_(kind) {}
+    XOutputs(XConnection& connection, XServer::Kind kind) : x_(connection), kind_(kind) {}
 
-    /// Plugs a monitor in, or moves or resizes one that is there. Without an identity it sends no EDID.
-    /// On a virtual framebuffer this makes a bare monitor, which has no EDID.
-    bool plug(int output, const Rect& area, const std::optional<MonitorIdentity>& identity = {});
-    bool unplug(int output);
+    bool plug(int output, const Rect& area, const std::optional<MonitorIdentity>& identity = {}) override;
+    bool unplug(int output) override;
+    std::vector<Rect> areas() override;
+    std::string name(int output) override;
+
     bool makePrimary(int output);
-
-    /// The areas of all monitors in the server's order.
-    std::vector<Rect> areas();
     /// The identification block that a client reads from the output; empty when it has none.
     std::vector<std::uint8_t> edid(int output);
-    std::string name(int output) const;
 
 private:
     struct Slot {
