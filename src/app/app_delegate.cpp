@@ -121,6 +121,11 @@ void AppDelegate::applicationDidFinishLaunching() {
 
     permissionSubscription_ = permissionStatusViewModel_.state.subscribe(
         [this](AccessibilityPermissionState state) { permissionChanged(state); });
+    // What failed may have been chosen in the menu; its notice is in the settings window.
+    noticeSubscription_ = layoutChanges_.notice.subscribe([this](const auto& notice) {
+        if (notice && notice->kind == LayoutChanges::Notice::Kind::failed)
+            settingsWindowController_.bringForward();
+    });
     if (observers_.empty())
         for (const SystemEvent event :
              {SystemEvent::screenParametersChanged, SystemEvent::didWake, SystemEvent::screenIsUnlocked,

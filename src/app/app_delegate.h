@@ -67,6 +67,7 @@ private:
     std::unique_ptr<StatusItemController> statusItemController_; ///< null until launch has finished
     std::vector<Token> observers_;
     Token permissionSubscription_;
+    Token noticeSubscription_;
 };
 
 } // namespace tavrin

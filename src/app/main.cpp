@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+
 namespace {
 
 constexpr const char* bundleIdentifier = "org.tavrin.Tavrin";

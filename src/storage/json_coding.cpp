@@ -48,8 +48,7 @@ std::string Path::text() const {
 }
 
 DecodingError::DecodingError(const Path& path, std::string_view problem)
-    : std::runtime_error((path.text().empty() ? std::string("the file") : path.text()) + ": " +
-                         std::string(problem)) {}
+    : std::runtime_error((path.text().empty() ? "" : path.text() + ": ") + std::string(problem)) {}
 
 void parse(std::string_view bytes, const std::function<void(const Value&)>& read) {
     if (bytes.starts_with(byteOrderMark))

@@ -65,24 +65,31 @@ void LayoutChanges::update(const Uuid& layoutID) {
 void LayoutChanges::deleteLayout(const Uuid& layoutID) {
     const Uuid id = layoutID;
     auto old = before();
-    const auto deleted = collaborators_.profileStore.deleteLayout(id);
-    if (!old || !deleted)
-        return reportFailure(old ? deleted.error() : old.error());
+    if (!old)
+        return reportFailure(old.error());
+    const SavedLayout* layout = old->setups.layout(id);
+    if (!layout)
+        return reportFailure(StoreError(LayoutNotFound{id}));
+    if (const auto deleted = collaborators_.profileStore.deleteLayout(id); !deleted)
+        return reportFailure(deleted.error());
     removeShortcutsOfMissingLayouts();
-    const SavedLayout layout = *old->setups.layout(id);
-    offerUndo(fmt::format("Deleted layout “{}”.", layout.name), layout.profileID, std::move(*old));
+    const Uuid setup = layout->profileID;
+    offerUndo(fmt::format("Deleted layout “{}”.", layout->name), setup, std::move(*old));
     reload();
 }
 
 void LayoutChanges::deleteSetup(const Uuid& profileID) {
     const Uuid id = profileID;
     auto old = before();
-    const auto deleted = collaborators_.profileStore.deleteProfile(id);
-    if (!old || !deleted)
-        return reportFailure(old ? deleted.error() : old.error());
+    if (!old)
+        return reportFailure(old.error());
+    const MonitorProfile* profile = old->setups.profile(id);
+    if (!profile)
+        return reportFailure(StoreError(ProfileNotFound{id}));
+    if (const auto deleted = collaborators_.profileStore.deleteProfile(id); !deleted)
+        return reportFailure(deleted.error());
     removeShortcutsOfMissingLayouts();
-    const std::string name = old->setups.profile(id)->name;
-    offerUndo(fmt::format("Deleted display setup “{}”.", name), id, std::move(*old));
+    offerUndo(fmt::format("Deleted display setup “{}”.", profile->name), id, std::move(*old));
     reload();
 }
 

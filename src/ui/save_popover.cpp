@@ -49,10 +49,12 @@ void CapturePopoverController::show(std::optional<Rect> beside) {
     profileListViewModel_.reload();
     if (!profileID)
         return layoutChanges_.reportFailure(profileID.error());
+    const auto setups = profileStore_.load();
+    if (!setups)
+        return layoutChanges_.reportFailure(setups.error());
     std::vector<std::string> existingNames;
-    if (const auto setups = profileStore_.load())
-        for (const SavedLayout& layout : setups->layoutsOf(*profileID))
-            existingNames.push_back(layout.name);
+    for (const SavedLayout& layout : setups->layoutsOf(*profileID))
+        existingNames.push_back(layout.name);
     const std::weak_ptr weak = self_;
     popover_.show(std::make_shared<SaveLayoutPopoverView>(
                       std::move(existingNames),

@@ -21,12 +21,14 @@ void Troubles::refresh() {
     auto files = collaborators_.profileStore.unreadableFiles();
     for (auto& file : collaborators_.settingsStore.unreadableFiles())
         files.push_back(std::move(file));
-    for (const UnreadableFile& file : files)
-        list.push_back({Trouble::Kind::dataFile,
-                        fmt::format("“{}” cannot be read", file.file.filename().string()),
-                        fmt::format("{} What it holds is not shown, and nothing is stored in it until it can "
-                                    "be read again or is set aside.",
-                                    file.reason())});
+    for (const UnreadableFile& file : files) {
+        const std::string reason = file.reason();
+        list.push_back(
+            {Trouble::Kind::dataFile, fmt::format("“{}” cannot be read", file.file.filename().string()),
+             fmt::format("The reason: {}{} What it holds is not shown, and nothing is stored in it "
+                         "until it can be read again or is set aside.",
+                         reason, reason.ends_with('.') ? "" : ".")});
+    }
     if (list == list_)
         return;
     list_ = std::move(list);

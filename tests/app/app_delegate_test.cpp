@@ -135,6 +135,25 @@ TEST_F(AppDelegateTest, ShowsOnceThatItRunsWhereNoIconCan) {
     }
 }
 
+TEST_F(AppDelegateTest, ShowsThatNothingWasStored) {
+    AppDelegate delegate{platform, interface};
+    delegate.applicationDidFinishLaunching();
+    item.chosen(MenuAction::saveCurrentLayout, {});
+    const auto form = interface.popoverShown;
+    ASSERT_TRUE(form);
+    files.files["/data/Tavrin/layouts.json"] = "broken";
+    host.log.clear();
+    form->setLayoutName("Work");
+    form->save();
+    EXPECT_EQ(host.log, "regular window0 activate ") << "the notice is in the settings window";
+
+    host.open = true;
+    host.log.clear();
+    item.chosen(MenuAction::saveCurrentLayout, {});
+    EXPECT_FALSE(interface.popoverShown) << "no name is asked for in vain";
+    EXPECT_EQ(host.log, "activate ") << "the pane that is open stays";
+}
+
 TEST_F(AppDelegateTest, WorksWhileThePermissionLasts) {
     trust.trusted = false;
     ASSERT_TRUE(settings.save({.autoDetectShortcut = KeyCombo{15, ModifierSet::control}}));

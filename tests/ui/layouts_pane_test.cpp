@@ -218,7 +218,8 @@ TEST_F(LayoutsPaneTest, SaysWhenNothingWasStored) {
     EXPECT_EQ(shown(), shownBefore);
     EXPECT_EQ(shortcuts.layoutShortcuts.value().size(), 0U);
 
-    files.files["/data/layouts.json"] = "{";
+    files.files["/data/layouts.json"] =
+        R"({"payload": [], "schemaVersion": 2, "updatedAt": "2026-03-01T09:30:00Z"})";
     pane.appear();
     EXPECT_TRUE(pane.content().isUnreadable);
     EXPECT_FALSE(pane.content().canSave);
@@ -226,6 +227,9 @@ TEST_F(LayoutsPaneTest, SaysWhenNothingWasStored) {
     Troubles troubles(collaborators);
     ASSERT_EQ(troubles.list().size(), 1U);
     EXPECT_EQ(troubles.list()[0].title, "“layouts.json” cannot be read");
+    EXPECT_EQ(troubles.list()[0].message,
+              "The reason: it was written by another version of the program (format 2). What it holds is not "
+              "shown, and nothing is stored in it until it can be read again or is set aside.");
     troubles.setFilesAside();
     EXPECT_TRUE(troubles.list().empty());
     EXPECT_EQ(shown(), "Desk:. Home:. ");
