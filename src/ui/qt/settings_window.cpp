@@ -80,14 +80,18 @@ public:
             painter->drawRoundedRect(row, controlRadius, controlRadius);
         }
         const int side = iconSide(option);
-        const QRect iconPlace(qRound(row.left()) + 10, option.rect.center().y() - side / 2, side, side);
+        const QRect iconPlace = QStyle::visualRect(
+            option.direction, option.rect,
+            QRect(option.rect.left() + 18, option.rect.center().y() - side / 2, side, side));
         index.data(Qt::DecorationRole)
             .value<QIcon>()
             .paint(painter, iconPlace, Qt::AlignCenter, isAccented ? QIcon::Selected : QIcon::Normal);
         painter->setPen(isAccented ? accentTextColor(option.palette)
                                    : option.palette.color(QPalette::Active, QPalette::WindowText));
-        painter->drawText(option.rect.adjusted(iconPlace.right() + 12, 0, -12, 0), Qt::AlignVCenter,
-                          index.data().toString());
+        const QRect textPlace =
+            QStyle::visualRect(option.direction, option.rect, option.rect.adjusted(30 + side, 0, -12, 0));
+        drawTextLine(*painter, textPlace, option.direction, Qt::AlignVCenter | Qt::AlignLeft,
+                     index.data().toString());
         painter->restore();
     }
 

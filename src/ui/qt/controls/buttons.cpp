@@ -57,7 +57,7 @@ void ActionButton::paintEvent(QPaintEvent*) {
                                 controlRadius - 2);
     }
     painter.setPen(ink);
-    painter.drawText(rect(), Qt::AlignCenter, text());
+    drawTextLine(painter, rect(), layoutDirection(), Qt::AlignCenter, text());
 }
 
 bool pressFocusedControl(const QKeyEvent& event) {
@@ -134,8 +134,8 @@ void FoldRow::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     const bool isLeftToRight = layoutDirection() == Qt::LeftToRight;
     painter.setPen(palette().color(QPalette::Active, QPalette::WindowText));
-    painter.drawText(rect().adjusted(rowMargin, 0, -rowMargin, 0),
-                     Qt::AlignVCenter | (isLeftToRight ? Qt::AlignLeft : Qt::AlignRight), text());
+    drawTextLine(painter, rect().adjusted(rowMargin, 0, -rowMargin, 0), layoutDirection(),
+                 Qt::AlignVCenter | Qt::AlignLeft, text());
 
     painter.save();
     const double side = fontMetrics().height() * 0.3;

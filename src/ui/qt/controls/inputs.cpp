@@ -6,7 +6,6 @@
 
 #include <QAbstractItemView>
 #include <QPainter>
-#include <QStyle>
 #include <QWheelEvent>
 
 namespace tavrin {
@@ -88,8 +87,8 @@ void ChoiceBox::paintEvent(QPaintEvent*) {
     const QRect space = rect().adjusted(isLeftToRight ? sideMargin : arrowSpace, 0,
                                         isLeftToRight ? -arrowSpace : -sideMargin, 0);
     painter.setPen(ink);
-    painter.drawText(
-        space, Qt::AlignVCenter | QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft),
+    drawTextLine(
+        painter, space, layoutDirection(), Qt::AlignVCenter | Qt::AlignLeft,
         fontMetrics().elidedText(withoutDirectionMarks(currentText()), Qt::ElideRight, space.width()));
 }
 

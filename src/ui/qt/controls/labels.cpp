@@ -115,7 +115,7 @@ QString TextLabel::brokenText() const {
 QSizeF TextLabel::lay(QTextLayout& layout, double width) const {
     QTextOption option(QStyle::visualAlignment(layoutDirection(), alignment()) & Qt::AlignHorizontal_Mask);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    option.setTextDirection(layoutDirection());
+    option.setTextDirection(layout.text().isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
     layout.setTextOption(option);
     QSizeF size(0, 0);
     layout.beginLayout();

@@ -2,6 +2,7 @@
 
 #include <QFontMetrics>
 #include <QPainter>
+#include <QStyle>
 #include <QWidget>
 
 #include <algorithm>
@@ -128,6 +129,13 @@ QColor controlTextColor(const QWidget& control) {
     const QPalette& palette = control.palette();
     return control.isEnabled() ? textColor(palette)
                                : mixedColor(groupColor(palette), textColor(palette), 0.45);
+}
+
+void drawTextLine(QPainter& painter, const QRect& space, Qt::LayoutDirection direction,
+                  Qt::Alignment alignment, const QString& text) {
+    painter.setLayoutDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    painter.drawText(
+        space, static_cast<int>(QStyle::visualAlignment(direction, alignment)) | Qt::AlignAbsolute, text);
 }
 
 void drawFocusRing(QPainter& painter, const QRectF& rect, double radius, const QPalette& palette) {

@@ -4,6 +4,7 @@
 #include <QPalette>
 
 class QFontMetrics;
+class QRect;
 class QPainter;
 class QRectF;
 class QWidget;
@@ -64,6 +65,11 @@ void drawControlGround(QPainter& painter, const QWidget& control, bool isDown, c
 void drawFieldGround(QPainter& painter, const QWidget& field, const QColor& ground);
 /// The text of a control, greyed when it cannot be used.
 QColor controlTextColor(const QWidget& control);
+
+/// One line of text in its own direction of writing. `alignment` counts from the start of a line in
+/// `direction`.
+void drawTextLine(QPainter& painter, const QRect& space, Qt::LayoutDirection direction,
+                  Qt::Alignment alignment, const QString& text);
 
 /// The ring around a control that has the keyboard's focus.
 void drawFocusRing(QPainter& painter, const QRectF& rect, double radius, const QPalette& palette);

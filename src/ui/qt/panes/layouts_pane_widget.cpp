@@ -265,10 +265,11 @@ void LayoutsPaneWidget::updateList() {
                 firstCard = firstCard ? firstCard : card->second;
             }
     }
-    const bool isFirstTime = !list_->current();
     list_->setRows(std::move(rows));
-    if (isFirstTime && firstCard)
+    // The first card is what one comes for, once there is one.
+    if (firstCard && !hadCards_ && !list_->hasFocus())
         list_->setCurrent(firstCard);
+    hadCards_ = firstCard;
     followLayoutWithTab(*window());
 }
 

@@ -72,6 +72,7 @@ private:
     std::map<std::string, QIcon> icons_;
     std::size_t cardBudget_ = 0; ///< cards that may still be made before the next ones are put off
     bool isWaitingForCards_ = false;
+    bool hadCards_ = false;
     Token subscription_;
 };
 

@@ -7,7 +7,6 @@
 #include "ui/qt/panes/settings_pane_widget.h"
 
 #include <QPainter>
-#include <QStyle>
 
 namespace tavrin {
 
@@ -41,21 +40,21 @@ void RecorderField::paintEvent(QPaintEvent*) {
     const QRect space = rect().adjusted(8, 0, -8, 0);
     if (!isShortcut) {
         painter.setPen(secondaryTextColor(colors));
-        painter.drawText(space, Qt::AlignCenter, text());
+        drawTextLine(painter, space, layoutDirection(), Qt::AlignCenter, text());
         return;
     }
     // The symbols, and what they mean.
-    const auto start = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignVCenter;
+    const auto start = Qt::AlignLeft | Qt::AlignVCenter;
     painter.setPen(colors.color(QPalette::Text));
-    painter.drawText(space, start, text());
+    drawTextLine(painter, space, layoutDirection(), start, text());
     const int taken = fontMetrics().horizontalAdvance(text()) + fontMetrics().averageCharWidth() * 2;
     const int button = clearButton_->width();
     const bool isLeftToRight = layoutDirection() == Qt::LeftToRight;
     const QRect rest =
         isLeftToRight ? space.adjusted(taken, 0, -button, 0) : space.adjusted(button, 0, -taken, 0);
     painter.setPen(secondaryTextColor(colors));
-    painter.drawText(
-        rest, start,
+    drawTextLine(
+        painter, rest, layoutDirection(), start,
         fontMetrics().elidedText(qText(shortcutInWords(*recorder.combo())), Qt::ElideRight, rest.width()));
 }
 
