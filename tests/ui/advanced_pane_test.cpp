@@ -44,22 +44,6 @@ TEST_F(AdvancedPaneTest, ShowsTheLastAttemptInFull) {
                                       "Could not resolve PID for Mail\n");
 }
 
-TEST_F(AdvancedPaneTest, SavesTheClusterSwitchAlone) {
-    AppSettings saved{.autoRestoreOnWake = true, .excludedBundleIDs = {"a.b"}};
-    ASSERT_TRUE(settings.save(saved));
-    pane.appear();
-    EXPECT_TRUE(pane.clustersExtraAppWindows());
-    pane.setClustersExtraAppWindows(false);
-    saved.clusterExtraAppWindows = false;
-    EXPECT_EQ(*settings.load(), saved);
-    EXPECT_FALSE(pane.clustersExtraAppWindows());
-    for (const char* failing : {"writeFlushed", "read"}) {
-        files.failing = {failing};
-        pane.setClustersExtraAppWindows(true);
-        EXPECT_FALSE(pane.clustersExtraAppWindows()) << failing;
-    }
-}
-
 TEST_F(AdvancedPaneTest, ReportsForTroubleshootingWithoutWindowTitles) {
     windows.windows = {testing::window(1, "Editor", "diary", {0, 0, 500, 500})};
     displays.snapshot.displays[1].stableID.reset();

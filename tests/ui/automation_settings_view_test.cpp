@@ -11,19 +11,6 @@ protected:
     void failWrites() { files.failing = {"writeFlushed"}; }
 };
 
-TEST_F(AutomationSettingsTest, SavesEachSwitchAtOnceAndLeavesTheRestOfTheFileAlone) {
-    view.appear();
-    for (const auto& [label, field] : AutomationSettingsView::eventSwitches) {
-        AppSettings expected = *settings.load();
-        expected.excludedBundleIDs.push_back("changed.meanwhile" + std::string(label));
-        ASSERT_TRUE(settings.save(expected));
-        expected.*field = !(expected.*field);
-        view.setEventSwitch(field, expected.*field);
-        EXPECT_EQ(*settings.load(), expected) << label;
-        EXPECT_EQ(view.settings(), expected) << label;
-    }
-}
-
 TEST_F(AutomationSettingsTest, ShowsTheFileWhenASwitchCannotBeSaved) {
     ASSERT_TRUE(settings.save({.autoRestoreOnWake = true}));
     view.appear();
@@ -88,13 +75,6 @@ TEST_F(AutomationSettingsTest, ChoosesTheDefaultLayoutOfEachSetup) {
     view.chooseDefaultLayout(deskID, std::nullopt);
     EXPECT_TRUE(chosen().empty());
     EXPECT_EQ(profileNamed("Desk").defaultLayoutID, std::nullopt);
-}
-
-TEST_F(AutomationSettingsTest, OffersNoLayoutsWhileTheyCannotBeRead) {
-    files.files["/data/layouts.json"] = "{";
-    view.appear();
-    ASSERT_EQ(view.setups().size(), 2U);
-    EXPECT_TRUE(view.setups()[1].layouts.empty());
 }
 
 } // namespace

@@ -56,25 +56,6 @@ TEST_F(ShortcutsPaneTest, RecordsWithoutFiringAnything) {
     EXPECT_EQ(fired, "other work ") << "shortcuts work again";
 }
 
-TEST_F(ShortcutsPaneTest, CancelsAndClears) {
-    auto pane = made();
-    pane.appear();
-    shortcuts.setAutoDetectShortcut(controlOptionR);
-    time.pass(1);
-    auto& recorder = pane.recorder(std::nullopt);
-    EXPECT_EQ(recorder.recorder().combo(), controlOptionR) << "follows changes made elsewhere";
-    recorder.startRecording();
-    recorder.startRecording();
-    EXPECT_TRUE(pressHere(keyEscape, command));
-    EXPECT_EQ(recorder.recorder().combo(), controlOptionR);
-    recorder.startRecording();
-    recorder.cancelRecording();
-    EXPECT_TRUE(pressHere(keyR, control | option));
-    EXPECT_EQ(fired, "auto ") << "neither way of cancelling keeps the shortcuts quiet";
-    recorder.clear();
-    EXPECT_FALSE(settings.load()->autoDetectShortcut);
-}
-
 TEST_F(ShortcutsPaneTest, ComparesWithTheShortcutsInTheOrderShown) {
     auto pane = made();
     pane.appear();
