@@ -342,6 +342,8 @@ TEST_F(SessionTest, ASecondCopyHandsOverAndAKilledOneLeavesNothingInTheWay) {
     EXPECT_TRUE(program().process().isRunning());
     EXPECT_THAT(program().menu(), HasSubstr("Quit Tavrin"));
 
+    if (lacks(Ability::xDesktop))
+        return;
     // A test host's copy and one on another display of the user run beside it.
     XServer otherServer;
     const auto folder = desktop().logs() + "/other";

@@ -175,7 +175,8 @@ private:
         const double titleBar = rect(node, "deco_rect").height;
         window.frame.y -= titleBar;
         window.frame.height += titleBar;
-        window.isOnScreen = pid ? flag(node, "visible") : place.isWorkspaceShown;
+        // Not what sway calls visible: a fullscreen window hides nothing, it only covers.
+        window.isOnScreen = place.isWorkspaceShown;
         // i3 wraps a floating window into a container, sway calls the window itself floating.
         window.isTiled = pid ? type != "floating_con" : !place.isInFloating;
         if (flag(node, "focused"))

@@ -3,6 +3,7 @@
 #include "support/desktop/wait.h"
 
 #include <csignal>
+#include <linux/close_range.h>
 #include <sys/prctl.h>
 #include <unistd.h>
 
@@ -21,7 +22,8 @@ bool Process::start(const QString& program, const QStringList& arguments,
     const pid_t harness = ::getpid();
     process_.setChildProcessModifier([harness] {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (::getppid() != harness) // the harness died before the kernel was asked
+        ::close_range(3, ~0U, CLOSE_RANGE_CLOEXEC); // what the harness inherited is not for others
+        if (::getppid() != harness)                 // the harness died before the kernel was asked
             ::_exit(1);
     });
     process_.start(program, arguments);

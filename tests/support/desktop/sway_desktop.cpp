@@ -9,6 +9,7 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <csignal>
 #include <unistd.h>
 
 namespace tavrin::desktop {
@@ -282,6 +283,13 @@ SwayDesktop::SwayDesktop(const Options& options) : Desktop(options) {
         require(outputs_.plug(static_cast<int>(index), options.displays[index],
                               MonitorIdentity{.serial = static_cast<std::uint32_t>(index + 1)}),
                 "displays");
+}
+
+SwayDesktop::~SwayDesktop() {
+    // Killed outright it would leave the processes behind that it starts XWayland with.
+    sway_.sendSignal(SIGCONT);
+    sway_.sendSignal(SIGTERM);
+    waitUntil([&] { return !sway_.isRunning(); }, std::chrono::seconds(5));
 }
 
 void SwayDesktop::start(std::size_t outputCount) {

@@ -125,6 +125,7 @@ private:
 class SwayDesktop final : public Desktop {
 public:
     explicit SwayDesktop(const Options& options);
+    ~SwayDesktop() override;
 
     bool has(Ability) const override { return false; }
     XConnection& x() override { return *x_; }
