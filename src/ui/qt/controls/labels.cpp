@@ -223,6 +223,7 @@ TextLabel* makeSectionTitle(const QString& text) {
     QFont font = label->font();
     font.setBold(true);
     label->setFont(font);
+    label->setAccessibleName(text);
     setAccessibleRole(*label, QAccessible::Heading);
     return label;
 }
