@@ -52,6 +52,8 @@ const std::vector<DesktopScreen>& ListedWindows::screens() {
 }
 
 Rect ListedWindows::primaryFrame() {
+    if (primary_)
+        return *primary_;
     const auto& all = screens();
     const auto primary = std::ranges::find_if(all, &DesktopScreen::isPrimary);
     return primary == all.end() ? Rect{} : primary->frame;
@@ -92,6 +94,7 @@ void ListedWindows::patch(std::span<const WindowPlacement> placements,
 
 ListedWindows::Windows ListedWindows::take(WindowListing listing) {
     active_ = listing.activeWindow;
+    primary_ = listing.primaryScreen;
     const auto primary = primaryFrame();
     std::map<ApplicationClues, ApplicationIdentity> identities; // windows of one application are many
     Windows windows;
@@ -117,6 +120,7 @@ void ListedWindows::keepUntilNextTurn() {
 void ListedWindows::forget() {
     windows_.reset();
     screens_.reset();
+    primary_.reset();
     turn_.release();
 }
 

@@ -64,6 +64,7 @@ private:
     std::unordered_map<WindowID, std::size_t> positions_;                 ///< in the list
     std::optional<WindowID> active_;
     std::optional<std::vector<DesktopScreen>> screens_; ///< absent: to be read
+    std::optional<Rect> primary_;                       ///< absent: that of the screens
     Token turn_;
     std::vector<Token> observers_;
 };

@@ -48,6 +48,7 @@ struct DesktopWindow {
 struct WindowListing {
     std::vector<DesktopWindow> windows;   ///< front to back
     std::optional<WindowID> activeWindow; ///< absent when no listed window has the keyboard
+    std::optional<Rect> primaryScreen;    ///< its `frame`, where it is cheaper to tell than all screens
 };
 
 /// A screen as the window system arranges it. Mirrored outputs (the same area twice) are one screen.

@@ -352,6 +352,10 @@ double X11Screens::scale() {
     return resourceScale(bytes(owned(xcb_get_property_reply(server_.get(), cookie, nullptr)).get()));
 }
 
+Rect X11Screens::primaryFrame() {
+    return desktopSpaceRect(primaryArea(readMonitors(server_)));
+}
+
 std::vector<DesktopScreen> X11Screens::screens() {
     const auto monitors = readMonitors(server_);
     const auto desktopScale = scale();

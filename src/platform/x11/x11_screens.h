@@ -21,6 +21,9 @@ public:
 
     std::vector<DesktopScreen> screens();
 
+    /// The frame of the primary one; empty without any. One round trip.
+    Rect primaryFrame();
+
     /// The scale that the desktop asks for, the same for all screens; 1 where it does not.
     double scale();
 

@@ -52,6 +52,7 @@ std::expected<WindowListing, WindowSystemObstacle> X11WindowSystem::list() {
     if (!table_.refreshPlaces())
         return std::unexpected(WindowSystemObstacle::notAnswering);
     WindowListing listing;
+    listing.primaryScreen = screens_.primaryFrame();
     listing.windows.reserve(table_.windows().size());
     for (const auto* window : table_.windows())
         if (window->kind)
