@@ -4,6 +4,7 @@
 #include "platform/kwin/kwin_window_system.h"
 #include "platform/sway/sway_window_system.h"
 #include "platform/unsupported.h"
+#include "platform/wayland/wayland_connection.h"
 #include "platform/x11/x11_window_system.h"
 
 #include <cstdlib>
@@ -60,7 +61,7 @@ std::expected<std::unique_ptr<OpenedPlatform>, std::string> openPlatform(int& ar
             return std::unexpected(sway.error());
         return makeDesktop(std::move(toolkit), std::move(*sway));
     }
-    if (isSet("WAYLAND_DISPLAY") && isPlasma())
+    if (isSet("WAYLAND_DISPLAY") && isPlasma() && WaylandConnection::isReachable())
         return openKWin(argc, argv);
     // Qt ends the process without a word to its caller when there is no server, so the server is asked first.
     const auto server = X11WindowSystem::reach({});

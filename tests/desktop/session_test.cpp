@@ -182,6 +182,7 @@ TEST_F(SessionTest, TheServerSaysWhetherItIsABridgeNotTheEnvironment) {
         GTEST_SKIP() << "about X";
     desktop().setVariable("XDG_SESSION_TYPE", "wayland");
     desktop().setVariable("WAYLAND_DISPLAY", "wayland-elsewhere");
+    desktop().setVariable("XDG_CURRENT_DESKTOP", "KDE");
     ASSERT_TRUE(program().start());
     EXPECT_THAT(program().menu(), StartsWith("Current Display Setup"));
 }

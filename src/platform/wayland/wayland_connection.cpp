@@ -30,6 +30,13 @@ struct WaylandConnection::Listener {
     };
 };
 
+bool WaylandConnection::isReachable() {
+    auto* display = wl_display_connect(nullptr);
+    if (display)
+        wl_display_disconnect(display);
+    return display != nullptr;
+}
+
 std::expected<std::unique_ptr<WaylandConnection>, std::string>
 WaylandConnection::open(EventLoop& eventLoop, const std::string& displayName) {
     auto* display = wl_display_connect(displayName.empty() ? nullptr : displayName.c_str());

@@ -27,6 +27,9 @@ public:
         std::uint32_t version = 0;
     };
 
+    /// Whether there is a compositor where the environment says. It may be that of a session that is over.
+    static bool isReachable();
+
     /// An empty display name means the one of the environment. Returns when the compositor has told what it
     /// offers. The error is a text for the user.
     static std::expected<std::unique_ptr<WaylandConnection>, std::string>
