@@ -286,10 +286,12 @@ SwayDesktop::SwayDesktop(const Options& options) : Desktop(options) {
 }
 
 SwayDesktop::~SwayDesktop() {
-    // Killed outright it would leave the processes behind that it starts XWayland with.
+    // Where XWayland was still starting, sway alone would leave it behind.
     sway_.sendSignal(SIGCONT);
     sway_.sendSignal(SIGTERM);
     waitUntil([&] { return !sway_.isRunning(); }, std::chrono::seconds(5));
+    if (session_ > 1)
+        ::kill(-session_, SIGKILL);
 }
 
 void SwayDesktop::start(std::size_t outputCount) {
@@ -312,9 +314,10 @@ void SwayDesktop::start(std::size_t outputCount) {
     environment.insert("WLR_BACKENDS", "x11");
     environment.insert("WLR_X11_OUTPUTS", QString::number(outputCount));
     environment.insert("WLR_RENDERER", "pixman");
-    auto command = commandLine("sway", {"-c", runtime + "/config"});
-    const auto program = command.takeFirst();
-    require(sway_.start(program, command, environment, log("sway")), "sway");
+    // A session of its own, so that all of it can be ended.
+    require(sway_.start("setsid", commandLine("sway", {"-c", runtime + "/config"}), environment, log("sway")),
+            "sway");
+    session_ = static_cast<pid_t>(sway_.pid());
     QFile started(runtime + "/started");
     require(waitUntil([&] { return started.exists() || !sway_.isRunning(); }) &&
                 started.open(QIODevice::ReadOnly),

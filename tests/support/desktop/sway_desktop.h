@@ -149,6 +149,7 @@ private:
     XServer server_;
     std::unique_ptr<XConnection> x_;
     Process sway_;
+    pid_t session_ = 0;
     SwayTalk talk_;
     SwayOutputs outputs_{talk_, scratch_.filePath("sys")};
     SwayWindows windows_{talk_};
