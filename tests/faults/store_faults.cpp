@@ -1,8 +1,14 @@
-#include "marked_store.h"
+#include "platform/posix/posix_file_system.h"
+#include "platform/posix/system_wall_clock.h"
+#include "storage/profile_store.h"
+#include "storage/settings_store.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
+#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -17,6 +23,108 @@
 
 namespace tavrin::faults {
 namespace {
+
+/// The three data files in the order of a save.
+enum class DataFileKind { settings, layouts, profiles };
+constexpr std::array allDataFiles = {DataFileKind::settings, DataFileKind::layouts, DataFileKind::profiles};
+
+/// A number for each data file.
+using Marks = std::array<std::uint64_t, 3>;
+
+constexpr std::size_t repetitions = 60; ///< so many that a file is written in several pieces
+
+/// The number that all texts are; absent when they differ.
+std::optional<std::uint64_t> commonMark(const std::vector<std::string>& texts, std::size_t count) {
+    if (texts.size() != count ||
+        std::ranges::adjacent_find(texts, std::ranges::not_equal_to()) != texts.end())
+        return std::nullopt;
+    std::uint64_t value = 0;
+    const auto* const last = texts.front().data() + texts.front().size();
+    const auto [end, error] = std::from_chars(texts.front().data(), last, value);
+    return error == std::errc{} && end == last ? std::optional(value) : std::nullopt;
+}
+
+/// A store whose files each hold one number all over, so that a file that mixes two saves gives itself away.
+class MarkedStore {
+public:
+    /// `files` is what the store writes through.
+    MarkedStore(FileSystem& files, const std::filesystem::path& directory) : paths_{files, directory} {
+        if (const auto profiles = profiles_.loadProfiles(); profiles && !profiles->empty())
+            profileID_ = profiles->front().id;
+        if (const auto layouts = profiles_.loadLayouts(); layouts && !layouts->empty())
+            layoutID_ = layouts->front().id;
+    }
+
+    /// Makes all three files, each with the mark 0.
+    bool create() {
+        const auto profile = profiles_.createProfile("0", {});
+        if (!profile)
+            return false;
+        profileID_ = profile->id;
+        layoutID_ = Uuid::random();
+        const SavedLayout layout{
+            .id = layoutID_, .profileID = profileID_, .name = "Work", .entries = entries(0)};
+        return profiles_.saveLayout(layout) && save(DataFileKind::settings, 0) &&
+               save(DataFileKind::profiles, 0);
+    }
+
+    /// Puts `mark` into one file; false when the store says it failed.
+    bool save(DataFileKind file, std::uint64_t mark) {
+        const auto text = std::to_string(mark);
+        if (file == DataFileKind::settings)
+            return settings_.save({.excludedBundleIDs = std::vector(repetitions, text)}).has_value();
+        if (file == DataFileKind::profiles)
+            return profiles_.renameProfile(profileID_, text).has_value();
+        return profiles_.replaceLayout(layoutID_, SavedLayoutKind::appSpecific, entries(mark), {})
+            .has_value();
+    }
+
+    /// The mark of each file as a fresh start of the program would read it. The text of the first thing
+    /// that is wrong: a file that does not read, or holds parts of two saves.
+    static std::expected<Marks, std::string> read(const std::filesystem::path& directory) {
+        PosixFileSystem files;
+        MarkedStore store(files, directory);
+        const auto profiles = store.profiles_.loadProfiles();
+        const auto layouts = store.profiles_.loadLayouts();
+        const auto settings = store.settings_.load();
+        if (!profiles)
+            return std::unexpected("profiles: " + description(profiles.error()));
+        if (!layouts)
+            return std::unexpected("layouts: " + description(layouts.error()));
+        if (!settings)
+            return std::unexpected("settings: " + description(settings.error()));
+        std::vector<std::string> names, titles;
+        for (const auto& profile : *profiles)
+            names.push_back(profile.name);
+        for (const auto& layout : *layouts)
+            for (const auto& entry : layout.entries)
+                titles.push_back(entry.windowTitle.value_or(""));
+        const auto inSettings = commonMark(settings->excludedBundleIDs, repetitions);
+        const auto inLayouts = commonMark(titles, repetitions);
+        const auto inProfiles = commonMark(names, 1);
+        if (!inSettings || !inLayouts || !inProfiles)
+            return std::unexpected(std::string("a file holds parts of two saves, or nothing"));
+        return Marks{*inSettings, *inLayouts, *inProfiles};
+    }
+
+private:
+    static std::vector<SavedLayoutEntry> entries(std::uint64_t mark) {
+        std::vector<SavedLayoutEntry> entries(repetitions);
+        for (auto& entry : entries)
+            entry = {.id = Uuid::random(),
+                     .bundleIdentifier = "xterm.XTerm",
+                     .windowTitle = std::to_string(mark),
+                     .frame = {0, 0, 640, 480}};
+        return entries;
+    }
+
+    SystemWallClock clock_;
+    AppSupportPaths paths_;
+    ProfileStore profiles_{paths_, clock_};
+    SettingsStore settings_{paths_, clock_};
+    Uuid profileID_;
+    Uuid layoutID_;
+};
 
 /// One line of the table.
 struct Row {
@@ -46,7 +154,7 @@ struct Progress {
         for (const auto file : allDataFiles) {
             const auto i = static_cast<std::size_t>(file);
             progress.begun[i] = mark;
-            if (store.save(file, mark))
+            if (!store.save(file, mark))
                 _exit(1);
             progress.done[i] = mark;
         }
@@ -116,7 +224,7 @@ void tryEverySave(FileSystem& files, const std::filesystem::path& directory, std
     for (const auto file : allDataFiles) {
         const auto before = MarkedStore::read(directory);
         MarkedStore store(files, directory);
-        const auto error = store.save(file, mark);
+        const bool isSaved = store.save(file, mark);
         const auto after = MarkedStore::read(directory);
         if (!before || !after) {
             row.problem = before ? after.error() : before.error();
@@ -128,9 +236,9 @@ void tryEverySave(FileSystem& files, const std::filesystem::path& directory, std
         ++(*after == renewed ? row.renewed : row.held);
         if (*after != *before && *after != renewed)
             row.problem = "another file changed";
-        if (!error && *after != renewed)
+        if (isSaved && *after != renewed)
             row.problem = "called saved, and was not";
-        if (mustFail && !error)
+        if (mustFail && isSaved)
             row.problem = "called saved in spite of the fault";
     }
 }

@@ -62,13 +62,6 @@ TEST(IconsTest, EveryDrawingReadsOnPanelsOfAnyColourAtEverySize) {
         }
 }
 
-TEST(IconsTest, LettersFitTheirIcon) {
-    const QImage image = panelTextIcon("Tavrin").pixmap(QSize(22, 22), 1.0).toImage();
-    EXPECT_GT(visiblePart(image, 0), 0.05);
-    for (int y = 0; y < 22; ++y)
-        EXPECT_LT(qAlpha(image.pixel(0, y)), 128) << "cut off at the side";
-}
-
 TEST(IconsTest, SymbolsFollowThePaletteOfTheWindow) {
     const QPalette usual = QApplication::palette();
     QPalette dark = usual;

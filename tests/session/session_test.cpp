@@ -4,7 +4,6 @@
 #include "session/accessibility_permission_service.h"
 #include "session/app_data_reset_coordinator.h"
 #include "session/launch_at_login_service.h"
-#include "session/single_instance_guard.h"
 #include "ui/permission_status_view_model.h"
 
 #include <gtest/gtest.h>
@@ -101,31 +100,6 @@ TEST(PermissionStatus, TellsTheUserWhatItMeans) {
     EXPECT_EQ(texts(granted),
               "Accessibility permission granted: Tavrin can now inspect the current window "
               "arrangement and keep the menu bar utility ready for capture and restore flows.");
-}
-
-struct FixedInstances : RunningInstances {
-    std::vector<std::vector<InstanceProbe>> answers; ///< one per question, the last one again
-    std::size_t questions = 0;
-    std::vector<ProcessID> activated;
-    std::vector<InstanceProbe> runningInstances() override {
-        return answers.at(std::min(questions++, answers.size() - 1));
-    }
-    void activate(ProcessID pid) override { activated.push_back(pid); }
-};
-
-TEST(SingleInstance, FindsTheFirstOtherCopy) {
-    FixedInstances instances;
-    SingleInstanceGuard guard{10, "org.tavrin.Tavrin", instances};
-    instances.answers = {{{10, "org.tavrin.Tavrin"}, {11, std::nullopt}, {12, "org.tavrin.tavrin"}}};
-    EXPECT_EQ(guard.otherInstance(), std::nullopt);
-    instances.answers[0].push_back({13, "org.tavrin.Tavrin"});
-    instances.answers[0].push_back({14, "org.tavrin.Tavrin"});
-    EXPECT_EQ(guard.otherInstance()->pid, 13);
-    guard.activateOtherInstance();
-    EXPECT_EQ(instances.activated, std::vector<ProcessID>{13});
-    instances.answers = {{}};
-    guard.activateOtherInstance();
-    EXPECT_EQ(instances.activated.size(), 1u) << "it is gone by now";
 }
 
 TEST(AppDataReset, MovesTheFilesAwayOncePerVersion) {

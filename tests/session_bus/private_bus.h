@@ -26,11 +26,6 @@ public:
                                          "</listen><auth>EXTERNAL</auth><policy context=\"default\">"
                                          "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/>"
                                          "<allow own=\"*\"/></policy></busconfig>");
-        start();
-    }
-    ~PrivateBus() { stop(); }
-
-    void start() {
         // No bus stays behind, not even when the test crashes.
         daemon_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
         daemon_.start("dbus-daemon",
@@ -39,7 +34,7 @@ public:
         if (!daemon_.waitForReadyRead(10'000)) // it prints the address when it is ready
             qFatal("dbus-daemon does not start");
     }
-    void stop() {
+    ~PrivateBus() {
         daemon_.kill();
         daemon_.waitForFinished();
     }

@@ -61,7 +61,8 @@ TEST_F(OutputHardwareTest, isTheConnectorWhereTheDisplaySendsNothing) {
         EXPECT_EQ(hardware.vendorNumber, 0U) << name;
         EXPECT_EQ(hardware.serialNumber, 0U) << name;
     }
-    EXPECT_EQ(read("123456789").modelNumber, 0xCBF43926U); // as on X11
+    EXPECT_EQ(read("123456789").modelNumber, 0xCBF43926U); // the check value of the algorithm; as on X11
+    EXPECT_EQ(read("").modelNumber, 0U);
 }
 
 TEST(KeyboardMapTest, keysArePositionsWhateverIsPrintedOnThem) {

@@ -36,12 +36,6 @@ TEST(EdidTest, whatIsNoBlockOfADisplayHasNoIdentity) {
         EXPECT_EQ(edidIdentity(bytes), std::nullopt);
 }
 
-TEST(EdidTest, anOutputWithoutDisplayDataIsKnownByItsConnector) {
-    EXPECT_EQ(connectorNumber("123456789"), 0xCBF43926U); // the check value of the algorithm
-    EXPECT_NE(connectorNumber("Virtual-1"), connectorNumber("Virtual-2"));
-    EXPECT_EQ(connectorNumber(""), 0U);
-}
-
 TEST(EdidTest, builtInPanelsAreKnownByTheirConnector) {
     for (const auto* name : {"eDP-1", "eDP1", "LVDS", "LVDS-1-2", "DSI-1", "edp"})
         EXPECT_TRUE(isBuiltinConnector(name)) << name;
