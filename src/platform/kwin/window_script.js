@@ -64,7 +64,7 @@ function describe(w) {
         instance: String(w.resourceName),
         "class": String(w.resourceClass),
         // Without the number that tells windows of one title apart; it depends on which was opened first.
-        title: String(w.caption).replace(/ <\d+>\u200e$/, ""),
+        title: String(w.caption).replace(/ <\d+>\u200e?$/, ""),
         frame: rectangle(w.frameGeometry),
         visible: isVisible(w),
         kind: kind(w)

@@ -1,3 +1,4 @@
+#include "support/desktop/kwin_desktop.h"
 #include "support/desktop/sway_desktop.h"
 #include "support/desktop/x_desktop.h"
 
@@ -16,6 +17,8 @@ std::unique_ptr<Desktop> Desktop::open(const Options& options) {
         return std::make_unique<XDesktop>(options);
     if (wanted == "sway")
         return std::make_unique<SwayDesktop>(options);
+    if (wanted == "kwin")
+        return std::make_unique<KWinDesktop>(options);
     std::fprintf(stderr, "TAVRIN_TEST_DESKTOP=%s: there is no such desktop\n", qPrintable(wanted));
     std::abort();
 }
