@@ -1,6 +1,7 @@
 #include "desktop_test.h"
 #include "support/desktop/kwin_desktop.h"
 
+#include <QJsonObject>
 #include <gmock/gmock.h>
 
 #include <csignal>
@@ -14,7 +15,7 @@ using ::testing::StartsWith;
 const std::vector<Rect> twoDisplays{{0, 0, 1280, 800}, {1280, 0, 1280, 800}};
 const MonitorIdentity secondMonitor{.serial = 2};
 
-/// What is Plasma's own: states of windows, and a KWin that puts windows back by itself.
+/// What is Plasma's own: states of windows, global shortcuts, and a KWin that puts windows back by itself.
 class KWinTest : public ProgramTest {
 protected:
     void beginOnKWin() {
@@ -45,11 +46,22 @@ protected:
         return frames;
     }
 
+    /// The restore that is bound to a key, pressed.
+    bool bindShortcut(const QString& layout) {
+        constexpr int keyR = 15, control = 0x40000, option = 0x80000;
+        QJsonObject settings;
+        for (const auto* trigger : {"Connect", "Disconnect", "Wake", "UnlockLogin"})
+            settings[QString("autoRestoreOn") + trigger] = false;
+        settings["layoutShortcuts"] =
+            QJsonObject{{layout, QJsonObject{{"keyCode", keyR}, {"modifiers", control | option}}}};
+        return program().setPayload("settings.json", settings);
+    }
+
 private:
     std::unique_ptr<TestClient> toolkitClient_;
 };
 
-TEST_F(KWinTest, EightWindowsOfThreeApplicationsComeBackByMenuAndReplugging) {
+TEST_F(KWinTest, EightWindowsOfThreeApplicationsComeBackEveryWay) {
     beginOnKWin();
     if (!kwin())
         GTEST_SKIP() << "about KWin";
@@ -93,6 +105,16 @@ TEST_F(KWinTest, EightWindowsOfThreeApplicationsComeBackByMenuAndReplugging) {
     ASSERT_TRUE(outputs().plug(1, twoDisplays[1], secondMonitor));
     EXPECT_TRUE(program().waitForFeedback());
     EXPECT_EQ(seenAll(all), saved) << "by itself";
+
+    ASSERT_TRUE(program().waitForRest() && tray().choose({"Quit Tavrin"}));
+    ASSERT_EQ(program().process().waitForExit(), 0);
+    ASSERT_TRUE(bindShortcut(program().payload("layouts.json")[0]["id"].toString()));
+    ASSERT_TRUE(program().start());
+    scatter();
+    windows().activate(all.front());
+    ASSERT_TRUE(desktop().keyboard().pressWith({Keyboard::controlKey, Keyboard::optionKey}, 'r'));
+    EXPECT_TRUE(waitUntil([&] { return seenAll(all) == saved; }, std::chrono::seconds(20)))
+        << "by the shortcut: " << ::testing::PrintToString(seenAll(all));
 }
 
 TEST_F(KWinTest, AKWinThatStopsAnsweringIsSaidAndFoundAgain) {

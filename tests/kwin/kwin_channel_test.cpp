@@ -21,6 +21,7 @@ using namespace std::chrono_literals;
 class FakeKWin : public QDBusVirtualObject {
 public:
     std::atomic<bool> isHung = false;
+    std::atomic<bool> hasTakenObject = false; ///< the script's object is that of another one
     std::atomic<int> loads = 0, unloads = 0;
 
     FakeKWin(const PrivateBus& bus, QString answer)
@@ -59,9 +60,11 @@ public:
             if (message.path() != "/7") // where 5.27 has it
                 return false;
             connection_.send(message.createReply());
-            QMetaObject::invokeMethod(this, [this] { waitForQuestion(); });
-            return true;
         }
+        if (method == (hasTakenObject ? "start" : "run"))
+            QMetaObject::invokeMethod(this, [this] { waitForQuestion(); });
+        if (method == "run")
+            return true;
         unloads += method == "unloadScript" ? 1 : 0;
         return connection_.send(message.createReply(true));
     }
@@ -133,6 +136,7 @@ TEST_F(KWinScriptChannelTest, loadsTheScriptForQuestionsAndUnloadsItAfterwards) 
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
     const int before = kwin.unloads;
     EXPECT_TRUE(waitUntil([&] { return kwin.unloads > before; }));
+    kwin.hasTakenObject = true;
     EXPECT_TRUE(answersWithinASecond(asked));
     EXPECT_EQ(kwin.loads, 2);
 }

@@ -30,6 +30,7 @@ const QString agentInterface = QStringLiteral("org.tavrin.WindowAgent");
 constexpr qsizetype answerLimit = 32 * 1024 * 1024;
 
 constexpr std::chrono::milliseconds silenceLimit{1000};
+constexpr std::chrono::milliseconds startLimit{100};
 
 /// How much longer than the idle time of the program the script stays.
 constexpr int lifetimeFactor = 2;
@@ -113,6 +114,12 @@ public:
     bool heardWithin(std::chrono::milliseconds time) {
         const QMutexLocker lock(&mutex_);
         return std::chrono::steady_clock::now() - heard_ < time;
+    }
+
+    /// The script waits for a question, at the latest then.
+    bool isAskedWithin(std::chrono::milliseconds time) {
+        const QMutexLocker lock(&mutex_);
+        return waitFor(QDeadlineTimer(time, Qt::PreciseTimer), [this] { return next_.has_value(); });
     }
 
     std::optional<QString> ask(const QDBusConnection& bus, const QByteArray& question,
@@ -229,20 +236,23 @@ bool KWinScriptChannel::load(const Deadline& deadline) {
         deadline.call(bus_, scriptingCall(QStringLiteral("loadScript"), {file.fileName(), name_}));
     if (loaded.type() != QDBusMessage::ReplyMessage || loaded.arguments().value(0).toInt() < 0)
         return false;
-    isLoaded_ = run(loaded.arguments().value(0).toInt(), deadline);
+    run(loaded.arguments().value(0).toInt(), deadline);
+    // KWin counts its scripts, so that one loaded after another was unloaded can have the object of a third.
+    if (!agent_->isAskedWithin(startLimit))
+        deadline.call(bus_, scriptingCall(QStringLiteral("start"), {}));
+    isLoaded_ = !deadline.hasExpired();
     return isLoaded_;
 }
 
 /// KWin 6 and KWin 5.27 name the script's object differently. The answer comes when the script has run.
-bool KWinScriptChannel::run(int script, const Deadline& deadline) {
+void KWinScriptChannel::run(int script, const Deadline& deadline) {
     for (const auto* path : {"/Scripting/Script%1", "/%1"}) {
         auto call = QDBusMessage::createMethodCall(
             service, QString(path).arg(script), QStringLiteral("org.kde.kwin.Script"), QStringLiteral("run"));
         call.setAutoStartService(false);
         if (deadline.call(bus_, call).type() == QDBusMessage::ReplyMessage)
-            return true;
+            return;
     }
-    return false;
 }
 
 void KWinScriptChannel::unload() {

@@ -44,7 +44,7 @@ private:
     class Deadline;
 
     bool load(const Deadline& deadline);
-    bool run(int script, const Deadline& deadline);
+    void run(int script, const Deadline& deadline);
     void unload();
     void forget();
     void stall();
