@@ -158,6 +158,11 @@ QtSettingsWindow::QtSettingsWindow(const SettingsCollaborators& collaborators)
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { scrollTo(now); });
 }
 
+QtSettingsWindow::~QtSettingsWindow() {
+    // The children go later, when this is a plain widget, and the focus moves with them.
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
 void QtSettingsWindow::show(SettingsPane pane, ResetNotice notice) {
     notice_ = notice;
     selectedPane_ = pane;

@@ -21,6 +21,7 @@ class SettingsPaneWidget;
 class QtSettingsWindow final : public QWidget, public SettingsWindowSurface {
 public:
     explicit QtSettingsWindow(const SettingsCollaborators& collaborators);
+    ~QtSettingsWindow() override;
 
     void show(SettingsPane pane, ResetNotice notice) override;
     bool isOpen() override { return isVisible(); }
