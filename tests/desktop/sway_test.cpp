@@ -144,7 +144,7 @@ TEST_F(SwayTest, ATiledWindowGoesToItsDisplayAndStaysTiled) {
     ASSERT_TRUE(program().restoreLayout("Work"));
     EXPECT_EQ(seen(*tiled), twoDisplays[1]);
     EXPECT_TRUE(sway()->windows().isTiled(*tiled));
-    EXPECT_EQ(seen(floating), (Rect{1300, 100, 400, 300}));
+    EXPECT_TRUE(waitUntil([&] { return seen(floating) == Rect{1300, 100, 400, 300}; })) << "drawn anew";
     EXPECT_FALSE(sway()->windows().isShown(hidden)) << "it stays on its workspace";
 }
 

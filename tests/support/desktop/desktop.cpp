@@ -74,6 +74,14 @@ void Desktop::prepareEnvironment() {
     environment_.insert("NO_AT_BRIDGE", "1"); // GTK would look for a bus that is not here
 }
 
+void Desktop::prepareWaylandSession(const QString& desktopName) {
+    environment_.insert("XDG_SESSION_TYPE", "wayland");
+    environment_.insert("XDG_CURRENT_DESKTOP", desktopName);
+    environment_.insert("TAVRIN_SYSFS_ROOT", scratch_.filePath("sys"));
+    // Qt's Wayland plug-in and Mesa never free what they allocate; leaks are looked for on X.
+    environment_.insert("ASAN_OPTIONS", environment_.value("ASAN_OPTIONS") + ":detect_leaks=0");
+}
+
 std::unique_ptr<TestClient> Desktop::startClient() {
     return std::make_unique<TestClient>(windows(), commandLine(TAVRIN_TEST_CLIENT, {}), environment_,
                                         log("clients"));

@@ -113,6 +113,10 @@ public:
     std::unique_ptr<Process> startProgram(const QString& program, const QStringList& arguments = {});
 
 protected:
+    /// What a session of that desktop on Wayland says of itself; its displays identify themselves as the
+    /// tests say.
+    void prepareWaylandSession(const QString& desktopName);
+
     /// Logs, folders, environment, buses and tray.
     explicit Desktop(const Options& options);
     void require(bool isUp, const char* part) const;

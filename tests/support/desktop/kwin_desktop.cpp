@@ -63,7 +63,8 @@ struct KWinOutputs::Listeners {
         .geometry = [](void*, kde_output_device_v2*, int, int, int, int, int, const char*, const char*,
                        int) {},
         .current_mode = [](void*, kde_output_device_v2*, kde_output_device_mode_v2*) {},
-        .mode = [](void*, kde_output_device_v2*, kde_output_device_mode_v2*) {},
+        .mode = [](void*, kde_output_device_v2*,
+                   kde_output_device_mode_v2* mode) { kde_output_device_mode_v2_destroy(mode); },
         .done = [](void*, kde_output_device_v2*) {},
         .scale = [](void*, kde_output_device_v2*, wl_fixed_t) {},
         .edid = [](void*, kde_output_device_v2*, const char*) {},
@@ -318,9 +319,7 @@ KWinDesktop::KWinDesktop(const Options& options)
     // KWin tells the harness of no move: whoever waits for one looks again at every beat.
     heartbeat_.start(20);
     QDir().mkpath(scratch_.filePath("sys/class/drm"));
-    environment_.insert("XDG_SESSION_TYPE", "wayland");
-    environment_.insert("XDG_CURRENT_DESKTOP", "KDE");
-    environment_.insert("TAVRIN_SYSFS_ROOT", scratch_.filePath("sys"));
+    prepareWaylandSession("KDE");
     start();
     for (int index = 0; index < outputCount_; ++index)
         require(outputs_->plug(index, options.displays[static_cast<std::size_t>(index)],

@@ -304,9 +304,7 @@ void SwayDesktop::start(std::size_t outputCount) {
         QFile::setPermissions(scratch_.path(), QFile::permissions(scratch_.path()) | QFile::ExeOther);
         require(::chown(qPrintable(runtime), 65534, 65534) == 0, "folder of the other user");
     }
-    environment_.insert("XDG_SESSION_TYPE", "wayland");
-    environment_.insert("XDG_CURRENT_DESKTOP", "sway");
-    environment_.insert("TAVRIN_SYSFS_ROOT", scratch_.filePath("sys"));
+    prepareWaylandSession("sway");
     auto environment = environment_;
     environment.insert("HOME", runtime);
     environment.insert("XDG_RUNTIME_DIR", runtime);
