@@ -3,6 +3,7 @@
 #include "support/desktop/login_manager.h"
 #include "support/desktop/mouse.h"
 
+#include <QDBusVirtualObject>
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -380,6 +381,28 @@ TEST_F(SessionTest, ATrayThatAppearsLateOrRestartsGetsTheItem) {
         })) << when;
         tray().disappear();
     }
+}
+
+/// A panel that owns the name and answers nothing.
+class HungPanel : public QDBusVirtualObject {
+public:
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection&) override {
+        return message.setDelayedReply(true), true;
+    }
+};
+
+TEST_F(SessionTest, AHungTrayIsNotWaitedFor) {
+    begin({.hasTray = false});
+    HungPanel panel;
+    auto bus = desktop().sessionBus().connection();
+    ASSERT_TRUE(bus.registerVirtualObject("/StatusNotifierWatcher", &panel));
+    ASSERT_TRUE(bus.registerService("org.kde.StatusNotifierWatcher"));
+    ASSERT_TRUE(program().launch());
+    EXPECT_TRUE(windows().waitForTitle("Tavrin Settings")) << "the first start shows that it runs";
+    bus.unregisterService("org.kde.StatusNotifierWatcher");
+    bus.unregisterObject("/StatusNotifierWatcher");
+    EXPECT_TRUE(tray().appear() && tray().waitForItem());
 }
 
 // Panels without a status area over the bus embed a window instead.

@@ -37,7 +37,10 @@ QtStatusItem::QtStatusItem(BusLink& sessionBus)
     QObject::connect(&popUpMenu_, &QMenu::aboutToShow, &popUpMenu_, [this] { willOpen(); });
     panelTime_.setSingleShot(true);
     QObject::connect(&panelTime_, &QTimer::timeout, &panelTime_, [this] {
-        if (embeddedIcon_ && !QSystemTrayIcon::isSystemTrayAvailable() && noStatusArea_)
+        // Without an embedded icon the panels on the bus have not answered; Qt would wait for them.
+        if (!embeddedIcon_)
+            fmt::print(stderr, "tavrin: the status area does not answer; the icon appears when it does\n");
+        if ((!embeddedIcon_ || !QSystemTrayIcon::isSystemTrayAvailable()) && noStatusArea_)
             noStatusArea_();
     });
 }
@@ -75,6 +78,9 @@ void QtStatusItem::setMenuCallbacks(std::function<void()> willOpen,
 }
 
 void QtStatusItem::show() {
+    // At login the panel may start later than this program.
+    constexpr std::chrono::seconds panelStart{5};
+    panelTime_.start(panelStart);
     notifier_.show([this](StatusNotifier::Presence presence) { panelsChanged(presence); });
 }
 
@@ -116,9 +122,6 @@ void QtStatusItem::showEmbedded() {
     embeddedIcon_->show();
     if (QSystemTrayIcon::isSystemTrayAvailable() || std::exchange(wasAbsenceReported_, true))
         return;
-    // At login the panel may start later than this program.
-    constexpr std::chrono::seconds panelStart{5};
-    panelTime_.start(panelStart);
     fmt::print(stderr, "tavrin: this desktop has no status area; the icon appears as soon as there is one\n");
 }
 
