@@ -3,6 +3,7 @@
 #include "support/desktop/screenshot.h"
 
 #include <QFile>
+#include <QJsonObject>
 
 #include <iostream>
 
@@ -46,10 +47,43 @@ void ProgramTest::begin(Desktop::Options options) {
     program_ = std::make_unique<TavrinProgram>(desktop());
 }
 
+void ProgramTest::beginWith(const std::vector<Rect>& displays) {
+    begin({.displays = displays});
+    ASSERT_TRUE(program().start());
+}
+
 TestClient& ProgramTest::client() {
     if (!client_)
         client_ = desktop().startClient();
     return *client_;
+}
+
+TestClient& ProgramTest::toolkitClient() {
+    if (!toolkitClient_)
+        toolkitClient_ = desktop().startToolkitClient();
+    return *toolkitClient_;
+}
+
+WindowHandle ProgramTest::open(TestClient& client, const WindowRequest& request, const Rect& frame) {
+    const auto window = client.open(request);
+    EXPECT_TRUE(window && windows().place(*window, frame)) << request.title;
+    return window.value_or(WindowHandle());
+}
+
+std::vector<Rect> ProgramTest::seenAll(const std::vector<WindowHandle>& all) {
+    std::vector<Rect> frames;
+    for (const auto& window : all)
+        frames.push_back(seen(window));
+    return frames;
+}
+
+bool ProgramTest::bindFirstLayout(int keyCode, int modifiers) {
+    QJsonObject settings;
+    for (const auto* trigger : {"Connect", "Disconnect", "Wake", "UnlockLogin"})
+        settings[QString("autoRestoreOn") + trigger] = false;
+    settings["layoutShortcuts"] = QJsonObject{{program().payload("layouts.json")[0]["id"].toString(),
+                                               QJsonObject{{"keyCode", keyCode}, {"modifiers", modifiers}}}};
+    return program().setPayload("settings.json", settings);
 }
 
 } // namespace desktop

@@ -41,14 +41,27 @@ private:
 class ProgramTest : public DesktopTest {
 protected:
     void begin(Desktop::Options options = {});
+    /// The desktop with the program running on it.
+    void beginWith(const std::vector<Rect>& displays);
 
     TavrinProgram& program() { return *program_; }
     /// A test application, started when it is first asked for.
     TestClient& client();
+    /// One with Wayland windows, where the desktop speaks that.
+    TestClient& toolkitClient();
+
+    /// Opens a window and puts it where it is seen at `frame`.
+    WindowHandle open(TestClient& client, const WindowRequest& request, const Rect& frame);
+    std::vector<Rect> seenAll(const std::vector<WindowHandle>& all);
+    /// From the next start on the first layout has this shortcut and no restore happens by itself.
+    bool bindFirstLayout(int keyCode, int modifiers);
+
+    static constexpr int keyR = 15, controlModifier = 0x40000, optionModifier = 0x80000;
 
 private:
     std::unique_ptr<TavrinProgram> program_;
     std::unique_ptr<TestClient> client_;
+    std::unique_ptr<TestClient> toolkitClient_;
 };
 
 } // namespace desktop

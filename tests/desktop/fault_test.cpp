@@ -123,7 +123,6 @@ TEST_F(FaultTest, TitlesOfEveryKindAreSavedAndRestored) {
 TEST_F(FaultTest, FiveHundredWindowsAreSavedAndRestored) {
     startAll();
     std::vector<WindowHandle> all;
-    std::vector<Rect> saved;
     for (int i = 0; i < 500; ++i) {
         const auto window = client().open(
             {.applicationClass = "Application" + std::to_string(i / 50),
@@ -132,8 +131,7 @@ TEST_F(FaultTest, FiveHundredWindowsAreSavedAndRestored) {
         ASSERT_TRUE(window) << i;
         all.push_back(*window);
     }
-    for (const auto& window : all)
-        saved.push_back(seen(window));
+    const auto saved = seenAll(all);
     ASSERT_TRUE(program().saveLayout("Many"));
     for (const auto& window : all)
         windows().tell(window, {400, 300, 250, 200});
@@ -152,13 +150,7 @@ TEST_F(FaultTest, AHungWindowManagerHoldsUpARestoreForThreeSecondsAtMost) {
     std::vector<WindowHandle> all;
     for (int i = 0; i < 60; ++i)
         all.push_back(open("window " + std::to_string(i), {10.0 + 20 * i, 30.0 + 10 * i, 300, 200}));
-    const auto places = [&] {
-        std::vector<Rect> frames;
-        for (const auto& window : all)
-            frames.push_back(seen(window));
-        return frames;
-    };
-    const auto saved = places();
+    const auto saved = seenAll(all);
     ASSERT_TRUE(program().saveLayout("Many"));
     for (const auto& window : all)
         windows().tell(window, {400, 300, 250, 200});
@@ -170,7 +162,7 @@ TEST_F(FaultTest, AHungWindowManagerHoldsUpARestoreForThreeSecondsAtMost) {
     ASSERT_TRUE(program().restoreLayout("Many"));
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
     xDesktop().resumeWindowManager();
-    EXPECT_TRUE(waitUntil([&] { return places() == saved; })) << "asked all the same";
+    EXPECT_TRUE(waitUntil([&] { return seenAll(all) == saved; })) << "asked all the same";
     expectStillAtWork();
 }
 

@@ -19,17 +19,8 @@ bool contains(const Rect& outer, const Rect& inner) {
 
 class RestoreTest : public ProgramTest {
 protected:
-    /// The desktop with the program running on it.
-    void beginWith(const std::vector<Rect>& displays) {
-        begin({.displays = displays});
-        ASSERT_TRUE(program().start());
-    }
-
-    /// Opens a window and puts it where it is seen at `frame`.
-    WindowHandle open(WindowRequest request, const Rect& frame) {
-        const auto window = client().open(request);
-        EXPECT_TRUE(window && windows().place(*window, frame)) << request.title;
-        return window.value_or(WindowHandle());
+    WindowHandle open(const WindowRequest& request, const Rect& frame) {
+        return ProgramTest::open(client(), request, frame);
     }
 
     enum class Hiding { minimised, onAnotherDesktop };
@@ -38,13 +29,6 @@ protected:
             return xDesktop().windows().sendToDesktop(window, 1);
         xDesktop().windows().minimise(window);
         return waitUntil([&] { return xDesktop().windows().hasState(window, "_NET_WM_STATE_HIDDEN"); });
-    }
-
-    std::vector<Rect> seenAll(const std::vector<WindowHandle>& all) {
-        std::vector<Rect> frames;
-        for (const auto& window : all)
-            frames.push_back(seen(window));
-        return frames;
     }
 };
 

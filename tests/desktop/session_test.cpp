@@ -300,14 +300,7 @@ TEST_F(SessionTest, AShortcutWorksWhileAnotherApplicationHasTheKeyboard) {
     ASSERT_TRUE(tray().choose({"Quit Tavrin"}));
     ASSERT_EQ(program().process().waitForExit(), 0);
 
-    const auto layout = program().payload("layouts.json")[0]["id"].toString();
-    constexpr int keyR = 15, control = 0x40000;
-    QJsonObject settings;
-    for (const auto* trigger : {"Connect", "Disconnect", "Wake", "UnlockLogin"})
-        settings[QString("autoRestoreOn") + trigger] = false;
-    settings["layoutShortcuts"] =
-        QJsonObject{{layout, QJsonObject{{"keyCode", keyR}, {"modifiers", control}}}};
-    ASSERT_TRUE(program().setPayload("settings.json", settings));
+    ASSERT_TRUE(bindFirstLayout(keyR, controlModifier));
     LoginManager logind(desktop().systemBus().connection());
     ASSERT_TRUE(logind.appear());
     ASSERT_TRUE(program().start());

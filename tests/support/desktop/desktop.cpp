@@ -88,6 +88,8 @@ std::unique_ptr<TestClient> Desktop::startClient() {
 }
 
 std::unique_ptr<TestClient> Desktop::startToolkitClient() {
+    if (!environment_.contains("WAYLAND_DISPLAY"))
+        return startClient();
     return std::make_unique<TestClient>(windows(), commandLine(TAVRIN_WAYLAND_TEST_CLIENT, {}), environment_,
                                         log("toolkit-clients"));
 }

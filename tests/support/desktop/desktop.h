@@ -60,6 +60,7 @@ enum class Ability {
     staysShown,    ///< windows of an unplugged monitor are seen on the others, not put on a hidden workspace
     xDesktop,      ///< it is an `XDesktop`, with a window manager that comes and goes
     largeXWindows, ///< it tells the frame of an X window that was made as large as its monitor
+    tilesWindows,  ///< the user has a window fill half of its monitor
 };
 
 /// A whole private desktop: a window system, a session bus and a second bus standing in for the system bus, a
@@ -91,6 +92,8 @@ public:
     virtual XConnection& x() = 0;
     /// Has the window system end as if it crashed.
     virtual void crash() = 0;
+    /// The window system's own process where that is all in one.
+    virtual Process* compositor() { return nullptr; }
 
     Tray& tray() { return *tray_; }
     MessageBus& sessionBus() { return sessionBus_; }
@@ -106,8 +109,8 @@ public:
 
     /// An application of the test's making with X windows, started and ready.
     std::unique_ptr<TestClient> startClient();
-    /// One with windows of the toolkit's own, by Wayland where the desktop speaks that. Of what can be asked
-    /// for it knows class, title and size.
+    /// One with Wayland windows, where the desktop speaks that. Of what can be asked for it knows class,
+    /// title and size.
     std::unique_ptr<TestClient> startToolkitClient();
     /// Any program of the machine; absent when it cannot be started.
     std::unique_ptr<Process> startProgram(const QString& program, const QStringList& arguments = {});

@@ -1,5 +1,8 @@
 #include "support/desktop/edid.h"
 
+#include <QDir>
+#include <QFile>
+
 #include <algorithm>
 #include <numeric>
 
@@ -41,6 +44,16 @@ std::array<std::uint8_t, 128> makeEdid(const MonitorIdentity& identity) {
 
     block[127] = static_cast<std::uint8_t>(-std::accumulate(block.begin(), block.end(), 0));
     return block;
+}
+
+void identifyOutput(const QString& systemRoot, const QString& output,
+                    const std::optional<MonitorIdentity>& identity) {
+    const auto folder = systemRoot + "/class/drm/card0-" + output;
+    QFile file(folder + "/edid");
+    if (!QDir().mkpath(folder) || !file.open(QIODevice::WriteOnly))
+        return;
+    const auto block = makeEdid(identity.value_or(MonitorIdentity()));
+    file.write(reinterpret_cast<const char*>(block.data()), identity ? qint64(block.size()) : 0);
 }
 
 } // namespace tavrin::desktop

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QString>
+
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace tavrin::desktop {
@@ -16,5 +19,10 @@ struct MonitorIdentity {
 
 /// The identification block (EDID 1.3) that a monitor with that identity would send.
 std::array<std::uint8_t, 128> makeEdid(const MonitorIdentity& identity);
+
+/// Writes it where the kernel would tell it of that output; an empty one without an identity. `systemRoot`
+/// stands in for /sys.
+void identifyOutput(const QString& systemRoot, const QString& output,
+                    const std::optional<MonitorIdentity>& identity);
 
 } // namespace tavrin::desktop

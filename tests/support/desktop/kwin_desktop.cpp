@@ -127,14 +127,7 @@ bool KWinOutputs::configure(
 }
 
 bool KWinOutputs::plug(int output, const Rect& area, const std::optional<MonitorIdentity>& identity) {
-    const auto folder = systemRoot_ + "/class/drm/card0-" + QString::fromStdString(name(output));
-    QDir().mkpath(folder);
-    QFile file(folder + "/edid");
-    const auto block = identity ? makeEdid(*identity) : std::array<std::uint8_t, 128>{};
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    file.write(reinterpret_cast<const char*>(block.data()), identity ? qint64(block.size()) : 0);
-    file.close();
+    identifyOutput(systemRoot_, QString::fromStdString(name(output)), identity);
     return configure(output,
                      [&](auto* configuration, auto* device) {
                          kde_output_configuration_v2_enable(configuration, device, 1);
@@ -160,62 +153,17 @@ std::vector<Rect> KWinOutputs::areas() {
     return areas;
 }
 
-QJsonArray KWinWindows::list() {
-    return kwin_.ask({{"operation", "list"}})["windows"].toArray();
-}
-
-std::optional<QJsonObject> KWinWindows::first(const std::function<bool(const QJsonObject&)>& isWanted) {
-    for (const QJsonValue window : list())
-        if (isWanted(window.toObject()))
-            return window.toObject();
-    return std::nullopt;
-}
-
-std::optional<WindowHandle> KWinWindows::find(const std::string& title) {
-    const auto found =
-        first([&](const QJsonObject& w) { return w["title"].toString().toStdString() == title; });
-    return found ? std::optional<WindowHandle>((*found)["id"].toString().toStdString()) : std::nullopt;
-}
-
-std::optional<WindowHandle> KWinWindows::waitForTitle(const std::string& title) {
-    std::optional<WindowHandle> found;
-    waitUntil([&] { return (found = find(title)).has_value(); });
-    return found;
-}
-
-std::optional<WindowHandle> KWinWindows::waitForOpened(std::uint32_t /*number*/, qint64 pid,
-                                                       const std::string& title) {
-    std::optional<QJsonObject> found;
-    waitUntil([&] {
-        found = first([&](const QJsonObject& w) {
-            return w["pid"].toInteger() == pid && w["title"].toString().toStdString() == title &&
-                   !opened_.contains(w["id"].toString().toStdString());
-        });
-        return found.has_value();
-    });
-    if (!found)
-        return std::nullopt;
-    const auto id = (*found)["id"].toString().toStdString();
-    opened_.insert(id);
-    return id;
-}
-
-std::string KWinWindows::title(const WindowHandle& window) {
-    const auto found =
-        first([&](const QJsonObject& w) { return w["id"].toString().toStdString() == window.id(); });
-    return found ? (*found)["title"].toString().toStdString() : std::string();
-}
-
-std::optional<Rect> KWinWindows::visibleFrame(const WindowHandle& window) {
-    const auto found =
-        first([&](const QJsonObject& w) { return w["id"].toString().toStdString() == window.id(); });
-    return found ? std::optional(rectOf((*found)["frame"])) : std::nullopt;
-}
-
-std::optional<Rect> KWinWindows::areaOfProcess(qint64 pid) {
-    const auto found =
-        first([&](const QJsonObject& w) { return w["pid"].toInteger() == pid && w["visible"].toBool(); });
-    return found ? std::optional(rectOf((*found)["frame"])) : std::nullopt;
+std::vector<ListedWindows::Listed> KWinWindows::list() {
+    const auto told = kwin_.ask({{"operation", "list"}});
+    std::vector<Listed> windows;
+    for (const QJsonValue window : told["windows"].toArray())
+        windows.push_back({.id = window["id"].toString().toStdString(),
+                           .title = window["title"].toString().toStdString(),
+                           .pid = window["pid"].toInteger(),
+                           .frame = rectOf(window["frame"]),
+                           .isVisible = window["visible"].toBool(),
+                           .isFocused = window["id"] == told["active"]});
+    return windows;
 }
 
 void KWinWindows::tell(const WindowHandle& window, const Rect& frame) {
@@ -240,8 +188,10 @@ void KWinWindows::activate(const WindowHandle& window) {
 
 void KWinWindows::invoke(const WindowHandle& window, const QString& shortcut) {
     activate(window);
-    waitUntil(
-        [&] { return kwin_.ask({{"operation", "list"}})["active"].toString().toStdString() == window.id(); });
+    waitUntil([&] {
+        const auto found = listed(window);
+        return found && found->isFocused;
+    });
     kwin_.invoke(shortcut);
 }
 
@@ -255,14 +205,20 @@ bool KWinWindows::unmaximise(const WindowHandle& window) {
     return waitUntil([&] { return kwin_.facts(window)["maximizeHorizontal"].toInt() == 0; });
 }
 
-void KWinWindows::close(const WindowHandle& window) {
-    invoke(window, "Window Close");
+bool KWinWindows::makeFullscreen(const WindowHandle& window) {
+    const auto before = visibleFrame(window);
+    invoke(window, "Window Fullscreen");
+    return waitUntil([&] { return isFullscreen(window) && visibleFrame(window) != before; });
 }
 
-qint64 KWinWindows::processWithKeyboard() {
-    const auto active = kwin_.ask({{"operation", "list"}})["active"].toString();
-    const auto found = first([&](const QJsonObject& w) { return w["id"].toString() == active; });
-    return found ? (*found)["pid"].toInteger() : 0;
+bool KWinWindows::tileLeft(const WindowHandle& window) {
+    const auto before = visibleFrame(window);
+    invoke(window, "Window Quick Tile Left");
+    return waitUntil([&] { return visibleFrame(window) != before; });
+}
+
+void KWinWindows::close(const WindowHandle& window) {
+    invoke(window, "Window Close");
 }
 
 KWinKeyboard::KWinKeyboard(WaylandConnection& connection) : connection_(connection), keyboard_(connection) {

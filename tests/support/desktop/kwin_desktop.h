@@ -9,7 +9,6 @@
 #include <QTimer>
 
 #include <map>
-#include <set>
 
 struct kde_output_configuration_v2;
 struct kde_output_device_v2;
@@ -60,37 +59,28 @@ private:
     std::vector<Token> watches_;
 };
 
-class KWinWindows final : public Windows {
+class KWinWindows final : public ListedWindows {
 public:
     explicit KWinWindows(KWinTalk& kwin) : kwin_(kwin) {}
 
-    std::optional<WindowHandle> find(const std::string& title) override;
-    std::optional<WindowHandle> waitForTitle(const std::string& title) override;
-    std::optional<WindowHandle> waitForOpened(std::uint32_t number, qint64 pid,
-                                              const std::string& title) override;
-    std::string title(const WindowHandle& window) override;
-    std::optional<Rect> visibleFrame(const WindowHandle& window) override;
-    std::optional<Rect> areaOfProcess(qint64 pid) override;
     bool place(const WindowHandle& window, const Rect& frame) override;
     void tell(const WindowHandle& window, const Rect& frame) override;
     bool maximise(const WindowHandle& window) override;
     bool unmaximise(const WindowHandle& window) override;
+    bool makeFullscreen(const WindowHandle& window) override;
+    bool tileLeft(const WindowHandle& window) override;
     void activate(const WindowHandle& window) override;
     void close(const WindowHandle& window) override;
     bool isFullscreen(const WindowHandle& window) override {
         return kwin_.facts(window)["fullscreen"].toBool();
     }
-    qint64 processWithKeyboard() override;
 
+private:
+    std::vector<Listed> list() override;
     /// Does with the window what the user's shortcut of that name does.
     void invoke(const WindowHandle& window, const QString& shortcut);
 
-private:
-    QJsonArray list();
-    std::optional<QJsonObject> first(const std::function<bool(const QJsonObject&)>& isWanted);
-
     KWinTalk& kwin_;
-    std::set<std::string> opened_;
 };
 
 /// Keys as KWin takes them from a program that may play a keyboard.
@@ -114,14 +104,16 @@ class KWinDesktop final : public Desktop {
 public:
     explicit KWinDesktop(const Options& options);
 
-    bool has(Ability ability) const override { return ability == Ability::largeXWindows; }
+    bool has(Ability ability) const override {
+        return ability == Ability::largeXWindows || ability == Ability::tilesWindows;
+    }
     /// The server in which KWin shows the windows of X programs.
     XConnection& x() override { return *x_; }
     KWinOutputs& outputs() override { return *outputs_; }
     KWinWindows& windows() override { return windows_; }
     Keyboard& keyboard() override { return *keyboard_; }
     void crash() override { kwin_.kill(); }
-    Process& compositor() { return kwin_; }
+    Process* compositor() override { return &kwin_; }
 
     /// After a crash.
     void start();

@@ -81,23 +81,15 @@ std::vector<Rect> SwayOutputs::areas() {
     return areas;
 }
 
-void SwayOutputs::identify(const QString& name, const std::optional<MonitorIdentity>& identity) {
-    const auto folder = systemRoot_ + "/class/drm/card0-" + name;
-    QDir().mkpath(folder);
-    const auto block = identity ? makeEdid(*identity) : std::array<std::uint8_t, 128>{};
-    write(folder + "/edid",
-          QByteArray(reinterpret_cast<const char*>(block.data()), identity ? qsizetype(block.size()) : 0));
-}
-
 bool SwayOutputs::plug(int output, const Rect& area, const std::optional<MonitorIdentity>& identity) {
     auto& name = names_[output];
     if (name.isEmpty() || !active().contains(name)) {
         name = QString("X11-%1").arg(++lastNumber_);
-        identify(name, identity);
+        identifyOutput(systemRoot_, name, identity);
         if (!active().contains(name) && !sway_.run("create_output"))
             return false;
     }
-    identify(name, identity);
+    identifyOutput(systemRoot_, name, identity);
     return waitUntil([&] { return active().contains(name); }) &&
            sway_.run(QString("output %1 resolution %2x%3 position %4 %5")
                          .arg(name)
@@ -137,7 +129,7 @@ bool SwayOutputs::unplug(int output) {
     return waitUntil([&] { return !active().contains(name); });
 }
 
-void SwayWindows::collect(const QJsonValue& node, std::vector<Leaf>& leaves) {
+void SwayWindows::collect(const QJsonValue& node, std::vector<Listed>& leaves) {
     for (const auto* kind : {"nodes", "floating_nodes"})
         for (const QJsonValue child : node[kind].toArray())
             collect(child, leaves);
@@ -158,78 +150,19 @@ void SwayWindows::collect(const QJsonValue& node, std::vector<Leaf>& leaves) {
                       .isTiled = node["type"].toString() != "floating_con"});
 }
 
-std::optional<SwayWindows::Leaf> SwayWindows::first(const std::function<bool(const Leaf&)>& isWanted) {
-    std::vector<Leaf> leaves;
+std::vector<ListedWindows::Listed> SwayWindows::list() {
+    std::vector<Listed> leaves;
     collect(sway_.tree(), leaves);
-    for (const auto& leaf : leaves)
-        if (isWanted(leaf))
-            return leaf;
-    return std::nullopt;
-}
-
-std::optional<SwayWindows::Leaf> SwayWindows::leaf(const WindowHandle& window) {
-    return first([&](const Leaf& leaf) { return leaf.id == window.id(); });
-}
-
-std::optional<WindowHandle> SwayWindows::find(const std::string& title) {
-    const auto found = first([&](const Leaf& leaf) { return leaf.title == title; });
-    return found ? std::optional<WindowHandle>(found->id) : std::nullopt;
-}
-
-std::optional<WindowHandle> SwayWindows::waitForTitle(const std::string& title) {
-    std::optional<WindowHandle> found;
-    waitUntil([&] { return (found = find(title)).has_value(); });
-    return found;
-}
-
-std::optional<WindowHandle> SwayWindows::waitForOpened(std::uint32_t number, qint64 pid,
-                                                       const std::string& title) {
-    std::optional<Leaf> found;
-    waitUntil([&] {
-        found = first([&](const Leaf& leaf) {
-            return number != 0 ? leaf.xWindow == number
-                               : leaf.pid == pid && leaf.title == title && !opened_.contains(leaf.id);
-        });
-        return found && !found->isTiled;
-    });
-    if (!found)
-        return std::nullopt;
-    opened_.insert(found->id);
-    return found->id;
-}
-
-std::string SwayWindows::title(const WindowHandle& window) {
-    const auto found = leaf(window);
-    return found ? found->title : std::string();
-}
-
-std::optional<Rect> SwayWindows::visibleFrame(const WindowHandle& window) {
-    const auto found = leaf(window);
-    return found ? std::optional(found->frame) : std::nullopt;
-}
-
-std::optional<Rect> SwayWindows::areaOfProcess(qint64 pid) {
-    const auto found = first([&](const Leaf& leaf) { return leaf.pid == pid && leaf.isVisible; });
-    return found ? std::optional(found->frame) : std::nullopt;
-}
-
-qint64 SwayWindows::processWithKeyboard() {
-    const auto found = first([](const Leaf& leaf) { return leaf.isFocused; });
-    return found ? found->pid : 0;
-}
-
-bool SwayWindows::isFullscreen(const WindowHandle& window) {
-    const auto found = leaf(window);
-    return found && found->isFullscreen;
+    return leaves;
 }
 
 bool SwayWindows::isTiled(const WindowHandle& window) {
-    const auto found = leaf(window);
+    const auto found = listed(window);
     return found && found->isTiled;
 }
 
 bool SwayWindows::isShown(const WindowHandle& window) {
-    const auto found = leaf(window);
+    const auto found = listed(window);
     return found && found->isVisible;
 }
 
@@ -247,7 +180,7 @@ bool SwayWindows::place(const WindowHandle& window, const Rect& frame) {
 
 bool SwayWindows::setFullscreen(const WindowHandle& window, bool isWanted) {
     return tell(window, QString(isWanted ? "fullscreen enable" : "fullscreen disable")) && waitUntil([&] {
-               const auto found = leaf(window);
+               const auto found = listed(window);
                if (!found || found->isFullscreen != isWanted)
                    return false;
                const auto fills = [&](const QJsonValue& output) {

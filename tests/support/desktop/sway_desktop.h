@@ -8,8 +8,6 @@
 #include <QJsonValue>
 #include <QTimer>
 
-#include <set>
-
 namespace tavrin::desktop {
 
 /// What sway says of itself over its socket. It tells of no move, so whoever waits asks again and again.
@@ -44,7 +42,6 @@ public:
 
 private:
     std::map<QString, Rect> active();
-    void identify(const QString& name, const std::optional<MonitorIdentity>& identity);
 
     SwayTalk& sway_;
     QString systemRoot_;
@@ -53,25 +50,17 @@ private:
     int lastNumber_ = 0;
 };
 
-class SwayWindows final : public Windows {
+class SwayWindows final : public ListedWindows {
 public:
     explicit SwayWindows(SwayTalk& sway) : sway_(sway) {}
 
-    std::optional<WindowHandle> find(const std::string& title) override;
-    std::optional<WindowHandle> waitForTitle(const std::string& title) override;
-    std::optional<WindowHandle> waitForOpened(std::uint32_t number, qint64 pid,
-                                              const std::string& title) override;
-    std::string title(const WindowHandle& window) override;
-    std::optional<Rect> visibleFrame(const WindowHandle& window) override;
-    std::optional<Rect> areaOfProcess(qint64 pid) override;
     bool place(const WindowHandle& window, const Rect& frame) override;
     void tell(const WindowHandle& window, const Rect& frame) override;
     bool maximise(const WindowHandle& window) override { return setFullscreen(window, true); }
     bool unmaximise(const WindowHandle& window) override { return setFullscreen(window, false); }
+    bool makeFullscreen(const WindowHandle& window) override { return setFullscreen(window, true); }
     void activate(const WindowHandle& window) override { tell(window, "focus"); }
     void close(const WindowHandle& window) override { tell(window, "kill"); }
-    bool isFullscreen(const WindowHandle& window) override;
-    qint64 processWithKeyboard() override;
 
     /// Has sway do something with the window.
     bool tell(const WindowHandle& window, const QString& command);
@@ -80,25 +69,11 @@ public:
     bool isShown(const WindowHandle& window);
 
 private:
-    struct Leaf {
-        std::string id;
-        std::string title;
-        qint64 pid = 0;
-        std::uint32_t xWindow = 0;
-        Rect frame;
-        bool isVisible = false;
-        bool isFocused = false;
-        bool isFullscreen = false;
-        bool isTiled = false;
-    };
-
-    static void collect(const QJsonValue& node, std::vector<Leaf>& leaves);
-    std::optional<Leaf> first(const std::function<bool(const Leaf&)>& isWanted);
-    std::optional<Leaf> leaf(const WindowHandle& window);
+    static void collect(const QJsonValue& node, std::vector<Listed>& leaves);
+    std::vector<Listed> list() override;
     bool setFullscreen(const WindowHandle& window, bool isWanted);
 
     SwayTalk& sway_;
-    std::set<std::string> opened_;
 };
 
 /// Keys for the X window of a sway output, which takes them as its keyboard.
@@ -134,7 +109,7 @@ public:
     Keyboard& keyboard() override { return *keyboard_; }
     void crash() override { sway_.kill(); }
     SwayTalk& talk() { return talk_; }
-    Process& compositor() { return sway_; }
+    Process* compositor() override { return &sway_; }
     /// Its folder for sockets and the like.
     QString runtime() const { return scratch_.filePath("sway"); }
 

@@ -5,8 +5,11 @@
 #include <QtGlobal>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
 namespace tavrin::desktop {
 
@@ -55,6 +58,9 @@ public:
     /// Makes a window as large as its monitor, or ends that, and waits until it is so.
     virtual bool maximise(const WindowHandle& window) = 0;
     virtual bool unmaximise(const WindowHandle& window) = 0;
+    /// Has it fill its monitor; where the desktop knows that, to the left half of it.
+    virtual bool makeFullscreen(const WindowHandle& window) = 0;
+    virtual bool tileLeft(const WindowHandle&) { return false; }
     virtual void activate(const WindowHandle& window) = 0;
     virtual void close(const WindowHandle& window) = 0;
 
@@ -64,6 +70,40 @@ public:
 
     /// The process of the window that gets the keys now; 0 when none says so.
     virtual qint64 processWithKeyboard() = 0;
+};
+
+/// The windows of a desktop that tells all about all of them at once.
+class ListedWindows : public Windows {
+public:
+    std::optional<WindowHandle> find(const std::string& title) override;
+    std::optional<WindowHandle> waitForTitle(const std::string& title) override;
+    std::optional<WindowHandle> waitForOpened(std::uint32_t number, qint64 pid,
+                                              const std::string& title) override;
+    std::string title(const WindowHandle& window) override;
+    std::optional<Rect> visibleFrame(const WindowHandle& window) override;
+    std::optional<Rect> areaOfProcess(qint64 pid) override;
+    bool isFullscreen(const WindowHandle& window) override;
+    qint64 processWithKeyboard() override;
+
+protected:
+    struct Listed {
+        std::string id;
+        std::string title;
+        qint64 pid = 0;
+        std::uint32_t xWindow = 0; ///< 0 where the desktop does not tell
+        Rect frame;
+        bool isVisible = false;
+        bool isFocused = false;
+        bool isFullscreen = false;
+        bool isTiled = false;
+    };
+
+    virtual std::vector<Listed> list() = 0;
+    std::optional<Listed> first(const std::function<bool(const Listed&)>& isWanted);
+    std::optional<Listed> listed(const WindowHandle& window);
+
+private:
+    std::set<std::string> opened_;
 };
 
 } // namespace tavrin::desktop

@@ -14,7 +14,7 @@ public:
     explicit XDesktop(const Options& options);
     ~XDesktop() override;
 
-    bool has(Ability) const override { return true; }
+    bool has(Ability ability) const override { return ability != Ability::tilesWindows; }
     XConnection& x() override { return *x_; }
     XOutputs& outputs() override { return *outputs_; }
     XWindows& windows() override { return *windows_; }

@@ -202,12 +202,12 @@ bool XWindows::place(const WindowHandle& window, const Rect& frame) {
     });
 }
 
-bool XWindows::maximise(const WindowHandle& window) {
-    return changeMaximised(window, true);
-}
-
-bool XWindows::unmaximise(const WindowHandle& window) {
-    return changeMaximised(window, false);
+bool XWindows::makeFullscreen(const WindowHandle& window) {
+    follow(window);
+    const auto before = visibleFrame(window);
+    x_.askWindowManager(window, "_NET_WM_STATE",
+                        {1, x_.atom("_NET_WM_STATE_FULLSCREEN"), 0, sourceIsPager, 0});
+    return waitUntil([&] { return isFullscreen(window) && visibleFrame(window) != before; });
 }
 
 bool XWindows::changeMaximised(xcb_window_t window, bool isWanted) {

@@ -41,8 +41,9 @@ public:
     std::optional<Rect> areaOfProcess(qint64 pid) override;
     bool place(const WindowHandle& window, const Rect& frame) override;
     void tell(const WindowHandle& window, const Rect& frame) override;
-    bool maximise(const WindowHandle& window) override;
-    bool unmaximise(const WindowHandle& window) override;
+    bool maximise(const WindowHandle& window) override { return changeMaximised(window, true); }
+    bool unmaximise(const WindowHandle& window) override { return changeMaximised(window, false); }
+    bool makeFullscreen(const WindowHandle& window) override;
     void activate(const WindowHandle& window) override;
     void close(const WindowHandle& window) override;
     qint64 processWithKeyboard() override;
