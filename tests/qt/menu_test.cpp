@@ -2,6 +2,7 @@
 #include "platform/qt/menu_text.h"
 #include "platform/qt/status_menu.h"
 #include "qt/qt_application.h"
+#include "ui/qt/controls/menu_style.h"
 
 #include <QKeyEvent>
 #include <gtest/gtest.h>
@@ -217,6 +218,16 @@ TEST(StatusMenuTest, OpenMenuFollowsTheModel) {
     EXPECT_EQ(menu.activeAction(), menu.actions()[2]);
     ASSERT_NE(menu.actions()[3]->menu(), nullptr);
     EXPECT_EQ(menu.actions()[3]->menu()->actions().size(), 1);
+    menu.close();
+
+    // More than the screen has room for: one column, which scrolls.
+    MenuStyle style;
+    menu.setStyle(&style);
+    menu.setMenu(MenuModel(99, item("One")));
+    menu.popup(QPoint(0, 0));
+    EXPECT_EQ(menu.actionGeometry(menu.actions().back()).x(), menu.actionGeometry(menu.actions()[0]).x());
+    menu.setActiveAction(menu.actions().back());
+    EXPECT_TRUE(menu.rect().contains(menu.actionGeometry(menu.actions().back())));
     menu.close();
 }
 

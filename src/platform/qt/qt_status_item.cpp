@@ -25,6 +25,13 @@ QPoint fromPixels(QPoint pixels) {
     return pixels;
 }
 
+/// Where a menu opens so that its icon stays in sight. At the bottom of the screen it goes upwards.
+QPoint besideIcon(const QRect& icon) {
+    const QScreen* screen = QGuiApplication::screenAt(icon.center());
+    const bool isAbove = screen && icon.center().y() < screen->geometry().center().y();
+    return isAbove ? icon.bottomLeft() + QPoint(0, 1) : icon.topLeft();
+}
+
 } // namespace
 
 QtStatusItem::QtStatusItem(BusLink& sessionBus)
@@ -115,7 +122,7 @@ void QtStatusItem::showEmbedded() {
                              if (reason != QSystemTrayIcon::Trigger && reason != QSystemTrayIcon::Context)
                                  return;
                              const auto place = embeddedPlace();
-                             popUpMenu(place ? place->topLeft() : QCursor::pos());
+                             popUpMenu(place ? besideIcon(*place) : QCursor::pos());
                          });
         embeddedIcon_->setToolTip(toolTip_);
     }

@@ -6,27 +6,12 @@
 #include <QTimer>
 
 namespace tavrin {
-namespace {
-
-/// Labels are disabled items, yet they are there to be read.
-QColor labelColor(const QPalette& palette) {
-    const QColor text = palette.color(QPalette::Active, QPalette::Text);
-    const QColor ground = palette.color(QPalette::Active, QPalette::Base);
-    const auto mixed = [](int a, int b) { return (a * 6 + b * 4) / 10; };
-    return QColor(mixed(text.red(), ground.red()), mixed(text.green(), ground.green()),
-                  mixed(text.blue(), ground.blue()));
-}
-
-} // namespace
 
 StatusMenu::StatusMenu(std::function<void(const MenuItem&)> chosen)
-    : top_(*this), chosen_(std::move(chosen)) {
-    applyLabelColor();
-}
+    : top_(*this), chosen_(std::move(chosen)) {}
 
 StatusMenu::StatusMenu(StatusMenu& parent, const MenuItem& item)
     : QMenu(actionText(item.title), &parent), top_(parent.top_) {
-    applyLabelColor();
     fill(item.submenu);
 }
 
@@ -65,22 +50,6 @@ void StatusMenu::fill(const MenuModel& items) {
             addMenu(new StatusMenu(*this, item))->setEnabled(item.isEnabled);
         }
     }
-}
-
-void StatusMenu::changeEvent(QEvent* event) {
-    QMenu::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange)
-        applyLabelColor();
-}
-
-void StatusMenu::applyLabelColor() {
-    QPalette adjusted = palette();
-    const auto color = labelColor(adjusted);
-    if (adjusted.color(QPalette::Disabled, QPalette::Text) == color)
-        return;
-    for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
-        adjusted.setColor(QPalette::Disabled, role, color);
-    setPalette(adjusted);
 }
 
 void StatusMenu::keyPressEvent(QKeyEvent* event) {

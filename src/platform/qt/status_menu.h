@@ -19,13 +19,11 @@ public:
     void setMenu(const MenuModel& menu);
 
 protected:
-    void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
     StatusMenu(StatusMenu& parent, const MenuItem& item);
     void fill(const MenuModel& items);
-    void applyLabelColor();
     bool chooseByKey(const QString& key);
     void choose(const MenuItem& item);
 

@@ -1,9 +1,17 @@
 #include "ui/qt/qt_user_interface.h"
 
+#include "ui/qt/controls/menu_style.h"
 #include "ui/qt/save_popover.h"
 #include "ui/qt/settings_window.h"
 
+#include <QApplication>
+
 namespace tavrin {
+
+QtUserInterface::QtUserInterface(ApplicationHost& host, std::function<std::optional<Rect>()> statusItemAnchor)
+    : host_(host), statusItemAnchor_(std::move(statusItemAnchor)) {
+    QApplication::setStyle(new MenuStyle);
+}
 
 std::unique_ptr<PopoverSurface> QtUserInterface::makePopover() {
     return std::make_unique<QtSavePopover>(host_, statusItemAnchor_);

@@ -14,8 +14,8 @@ class ApplicationHost;
 class QtUserInterface final : public UserInterfaceFactory {
 public:
     /// `statusItemAnchor` answers where the status item stands, in Qt's desktop coordinates.
-    QtUserInterface(ApplicationHost& host, std::function<std::optional<Rect>()> statusItemAnchor)
-        : host_(host), statusItemAnchor_(std::move(statusItemAnchor)) {}
+    /// Menus of the whole application look like its windows from then on.
+    QtUserInterface(ApplicationHost& host, std::function<std::optional<Rect>()> statusItemAnchor);
 
     std::unique_ptr<PopoverSurface> makePopover() override;
     std::unique_ptr<SettingsWindowSurface>

@@ -31,29 +31,6 @@ constexpr QSize contentSize(820, 620);
 constexpr QSize smallestSize(760, 560);
 constexpr int columnWidth = 720; ///< lines that are longer are hard to read
 constexpr int sideMargin = 28;
-constexpr int scrollBarWidth = 12;
-
-QString rgba(const QColor& color, double alpha) {
-    return QStringLiteral("rgba(%1, %2, %3, %4)")
-        .arg(color.red())
-        .arg(color.green())
-        .arg(color.blue())
-        .arg(qRound(alpha * 255));
-}
-
-/// A scroll bar without arrows and trough.
-QString scrollBarStyle(const QPalette& palette) {
-    const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
-    return QStringLiteral(
-               "QScrollBar:vertical { background: transparent; border: none; width: %1px; margin: 0; }"
-               "QScrollBar::handle:vertical { background: %2; border-radius: 3px; margin: 3px; "
-               "min-height: 32px; }"
-               "QScrollBar::handle:vertical:hover { background: %3; }"
-               "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
-               "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }")
-        .arg(scrollBarWidth)
-        .arg(rgba(text, 0.3), rgba(text, 0.5));
-}
 
 class SideListDelegate final : public QStyledItemDelegate {
 public:

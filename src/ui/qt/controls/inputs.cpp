@@ -6,6 +6,8 @@
 
 #include <QAbstractItemView>
 #include <QPainter>
+#include <QScrollBar>
+#include <QStyledItemDelegate>
 #include <QWheelEvent>
 
 namespace tavrin {
@@ -51,16 +53,59 @@ namespace {
 constexpr int characters = 20;
 constexpr int sideMargin = 10;
 
+/// The choices look like the items of a menu.
+class ChoiceDelegate final : public QStyledItemDelegate {
+public:
+    explicit ChoiceDelegate(QComboBox& box) : QStyledItemDelegate(&box), box_(box) {}
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        const int width = option.fontMetrics.horizontalAdvance(index.data().toString());
+        return {width + 3 * sideMargin + option.fontMetrics.height(), controlHeight(option.fontMetrics)};
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyleOptionMenuItem item;
+        static_cast<QStyleOption&>(item) = option;
+        item.type = QStyleOption::SO_MenuItem;
+        item.version = QStyleOptionMenuItem::Version;
+        item.rect.adjust(2, 1, -2, -1);
+        item.menuHasCheckableItems = true;
+        item.checkType = QStyleOptionMenuItem::Exclusive;
+        item.checked = index.row() == box_.currentIndex();
+        const int space = item.rect.width() - 3 * sideMargin - option.fontMetrics.height();
+        item.text = option.fontMetrics
+                        .elidedText(withoutDirectionMarks(index.data().toString()), Qt::ElideRight, space)
+                        .replace(QLatin1Char('&'), QLatin1String("&&"))
+                        .replace(QLatin1Char('\t'), QLatin1Char(' '));
+        box_.style()->drawControl(QStyle::CE_MenuItem, &item, painter, &box_);
+    }
+
+private:
+    QComboBox& box_;
+};
+
 } // namespace
 
 ChoiceBox::ChoiceBox(const QString& name) {
     setAccessibleName(name);
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::StrongFocus);
+    setItemDelegate(new ChoiceDelegate(*this));
+    view()->verticalScrollBar()->setStyleSheet(scrollBarStyle(palette()));
+    QPalette colors = view()->palette();
+    colors.setColor(QPalette::Base, groupColor(palette()));
+    view()->setPalette(colors);
 }
 
 QSize ChoiceBox::sizeHint() const {
     return {fontMetrics().averageCharWidth() * characters + 3 * sideMargin, controlHeight(fontMetrics())};
+}
+
+void ChoiceBox::showPopup() {
+    const int wanted = view()->sizeHintForColumn(0) + scrollBarWidth + 2 * sideMargin;
+    view()->setMinimumWidth(std::min(wanted, fontMetrics().averageCharWidth() * 2 * characters));
+    QComboBox::showPopup();
 }
 
 void ChoiceBox::wheelEvent(QWheelEvent* event) {

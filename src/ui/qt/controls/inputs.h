@@ -28,6 +28,7 @@ public:
     explicit ChoiceBox(const QString& name);
 
     QSize sizeHint() const override;
+    void showPopup() override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

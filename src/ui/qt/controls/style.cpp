@@ -32,6 +32,14 @@ double luminance(const QColor& color) {
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
+QString rgba(const QColor& color, double alpha) {
+    return QStringLiteral("rgba(%1, %2, %3, %4)")
+        .arg(color.red())
+        .arg(color.green())
+        .arg(color.blue())
+        .arg(qRound(alpha * 255));
+}
+
 } // namespace
 
 QColor mixedColor(const QColor& a, const QColor& b, double share) {
@@ -94,6 +102,19 @@ QColor secondaryTextColor(const QPalette& palette) {
 
 QColor warningColor(const QPalette& palette) {
     return withContrast(QColor(0xc6281c), nearerGround(QColor(0xc6281c), palette), textContrast);
+}
+
+QString scrollBarStyle(const QPalette& palette) {
+    const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
+    return QStringLiteral(
+               "QScrollBar:vertical { background: transparent; border: none; width: %1px; margin: 0; }"
+               "QScrollBar::handle:vertical { background: %2; border-radius: 3px; margin: 3px; "
+               "min-height: 32px; }"
+               "QScrollBar::handle:vertical:hover { background: %3; }"
+               "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
+               "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }")
+        .arg(scrollBarWidth)
+        .arg(rgba(text, 0.3), rgba(text, 0.5));
 }
 
 int controlHeight(const QFontMetrics& metrics) {

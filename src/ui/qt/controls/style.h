@@ -57,6 +57,10 @@ QColor warningColor(const QPalette& palette);
 inline constexpr double controlRadius = 6;
 int controlHeight(const QFontMetrics& metrics);
 
+/// The style sheet of a vertical scroll bar without arrows and trough.
+inline constexpr int scrollBarWidth = 12;
+QString scrollBarStyle(const QPalette& palette);
+
 /// The ground of a button or picker; `isDown` while it is pressed or its menu is open.
 void drawControlGround(QPainter& painter, const QWidget& control, bool isDown);
 /// The same in `ground`, for a button that stands out.
