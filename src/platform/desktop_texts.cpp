@@ -18,11 +18,12 @@ std::string textOf(WindowSystemObstacle obstacle) {
                "and so "
                "does every X11 session.";
     case WindowSystemObstacle::extensionMissing:
-        return "The part of Tavrin that runs within the desktop is not installed or not enabled yet.";
+        return "GNOME on Wayland lets only its own extensions move windows, and Tavrin's is not enabled. "
+               "1. Enable “Tavrin” in GNOME's Extensions. 2. If it is not listed there yet, log out and in "
+               "once.";
     case WindowSystemObstacle::extensionMismatch:
-        return "The part of Tavrin that runs within the desktop is of another version. Log out and in again, "
-               "or "
-               "install both from one package.";
+        return "Tavrin's extension of GNOME is of another version than Tavrin. Log out and in again; if that "
+               "does not help, install both from one package.";
     case WindowSystemObstacle::notAnswering:
         return "The window system does not answer. Tavrin asks again by itself.";
     }

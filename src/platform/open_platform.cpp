@@ -1,6 +1,7 @@
 #include "platform/open_platform.h"
 
 #include "platform/desktop.h"
+#include "platform/gnome/gnome_window_system.h"
 #include "platform/kwin/kwin_window_system.h"
 #include "platform/sway/sway_window_system.h"
 #include "platform/unsupported.h"
@@ -33,18 +34,29 @@ std::unique_ptr<DesktopToolkit> waylandToolkit(int& argc, char** argv) {
 }
 
 /// Some desktops name others that they resemble, too.
-bool isPlasma() {
-    return variable("XDG_CURRENT_DESKTOP").contains("KDE");
+bool isNamed(const char* desktop) {
+    return variable("XDG_CURRENT_DESKTOP").contains(desktop);
 }
+
+constexpr std::chrono::milliseconds busPatience{500};
 
 std::expected<std::unique_ptr<OpenedPlatform>, std::string> openKWin(int& argc, char** argv) {
     auto toolkit = waylandToolkit(argc, argv);
-    constexpr std::chrono::milliseconds patience{500};
-    toolkit->sessionBus.open(patience);
+    toolkit->sessionBus.open(busPatience);
     const auto folder = variable("XDG_RUNTIME_DIR");
     auto system = KWinWindowSystem::open(
         toolkit->sessionBus, {.scriptFolder = folder.empty() ? "/tmp" : folder, .systemRoot = systemRoot()},
         toolkit->eventLoop, toolkit->scheduler);
+    if (!system)
+        return std::unexpected(system.error());
+    return makeDesktop(std::move(toolkit), std::move(*system));
+}
+
+std::expected<std::unique_ptr<OpenedPlatform>, std::string> openGnome(int& argc, char** argv) {
+    auto toolkit = waylandToolkit(argc, argv);
+    toolkit->sessionBus.open(busPatience);
+    auto system =
+        GnomeWindowSystem::open(toolkit->sessionBus, {.systemRoot = systemRoot()}, toolkit->eventLoop);
     if (!system)
         return std::unexpected(system.error());
     return makeDesktop(std::move(toolkit), std::move(*system));
@@ -61,8 +73,11 @@ std::expected<std::unique_ptr<OpenedPlatform>, std::string> openPlatform(int& ar
             return std::unexpected(sway.error());
         return makeDesktop(std::move(toolkit), std::move(*sway));
     }
-    if (isSet("WAYLAND_DISPLAY") && isPlasma() && WaylandConnection::isReachable())
+    const bool isWayland = isSet("WAYLAND_DISPLAY") && WaylandConnection::isReachable();
+    if (isWayland && isNamed("KDE"))
         return openKWin(argc, argv);
+    if (isWayland && isNamed("GNOME"))
+        return openGnome(argc, argv);
     // Qt ends the process without a word to its caller when there is no server, so the server is asked first.
     const auto server = X11WindowSystem::reach({});
     if (!server && !isSet("WAYLAND_DISPLAY"))

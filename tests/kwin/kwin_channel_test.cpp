@@ -1,6 +1,6 @@
 #include "base/text.h"
-#include "platform/kwin/kwin_answers.h"
 #include "platform/kwin/kwin_script_channel.h"
+#include "platform/window_scripts/script_answers.h"
 #include "session_bus/private_bus.h"
 
 #include <QDBusPendingCallWatcher>
@@ -198,7 +198,7 @@ TEST_F(KWinScriptChannelTest, onlyKWinMayAnswer) {
     EXPECT_FALSE(answersWithinASecond(asked));
 }
 
-TEST(KWinAnswersTest, whatHasAnotherFormIsLeftOut) {
+TEST(ScriptAnswersTest, whatHasAnotherFormIsLeftOut) {
     const auto read = [](const char* window) {
         const auto text = R"({"windows": [)" + QByteArray(window) +
                           R"(], "active": "{00000000-0000-0002-8000-000000000000}"})";
@@ -221,6 +221,12 @@ TEST(KWinAnswersTest, whatHasAnotherFormIsLeftOut) {
         const auto changed = read(QByteArray(good).replace(from, to));
         return changed ? changed->listing.windows.size() : 99;
     };
+    EXPECT_EQ(
+        read(QByteArray(good).replace("{00000000-0000-0002-8000-000000000000}", "4186226907").constData())
+            ->listing.windows.front()
+            .id,
+        4186226907)
+        << "GNOME counts";
     EXPECT_EQ(count("\"{0000", "\"{x"), 0U);
     EXPECT_EQ(count("[1,", "[1e300,"), 0U);
     EXPECT_EQ(count("[1,", "[null,"), 0U);

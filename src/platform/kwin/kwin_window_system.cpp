@@ -162,21 +162,7 @@ std::vector<DesktopScreen> KWinWindowSystem::screens() {
     if (!client_ && !connect())
         return {};
     readAreas();
-    const auto primary = client_->outputs.primary();
-    std::vector<DesktopScreen> screens;
-    for (const auto& output : client_->outputs.outputs()) {
-        auto screen = std::ranges::find(screens, output.frame, &DesktopScreen::frame);
-        if (screen == screens.end()) {
-            // The script does not know the outputs' names in every version.
-            const auto area = std::ranges::find(areas_.screens, output.frame, &KWinScreenAreas::frame);
-            const auto workArea = area == areas_.screens.end() ? output.frame : area->workArea;
-            screen =
-                screens.insert(screen, {.frame = output.frame, .workArea = workArea, .scale = output.scale});
-        }
-        screen->isPrimary |= output.name == primary;
-        screen->hardware.push_back(outputHardware(output, session_.systemRoot));
-    }
-    return screens;
+    return screensOf(client_->outputs, areas_, session_.systemRoot);
 }
 
 void KWinWindowSystem::watchKeys(std::vector<KeyCombo> combos, std::function<void(const KeyCombo&)> pressed) {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "platform/kwin/kwin_answers.h"
 #include "platform/kwin/kwin_global_keys.h"
 #include "platform/kwin/kwin_script_channel.h"
 #include "platform/session_bus/bus_link.h"
 #include "platform/wayland/wayland_keyboard.h"
 #include "platform/wayland/wayland_outputs.h"
+#include "platform/window_scripts/script_answers.h"
 #include "platform/windows/window_system.h"
 #include "ports/runtime.h"
 
@@ -82,7 +82,7 @@ private:
     std::vector<KeyCombo> combos_;
     std::function<void(const KeyCombo&)> pressed_;
     std::map<WindowID, QString> identifiers_; ///< of the windows of the last listing
-    KWinAreas areas_;                         ///< as last read
+    ScriptAreas areas_;                       ///< as last read
     bool isMissing_ = false;
     Token grace_;
     std::map<WindowSystemEvent, Signal<>> signals_;

@@ -1,4 +1,4 @@
-#include "platform/kwin/kwin_answers.h"
+#include "platform/window_scripts/script_answers.h"
 
 #include "base/text.h"
 
@@ -6,6 +6,7 @@
 #include <QUuid>
 #include <QtEndian>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -45,8 +46,11 @@ std::optional<Rect> rectangle(const QJsonValue& value) {
     return isSaneFrame(rect, coordinateLimit) ? std::optional(rect) : std::nullopt;
 }
 
-/// KWin's identifiers are random, so half of one identifies a window just as well.
+/// GNOME's identifiers are numbers. KWin's are random, so half of one identifies a window just as well.
 std::optional<WindowID> windowID(const QString& identifier) {
+    bool isNumber = false;
+    if (const auto number = identifier.toLongLong(&isNumber); isNumber && number >= 0)
+        return number;
     const QUuid uuid(identifier);
     if (uuid.isNull())
         return std::nullopt;
@@ -78,10 +82,10 @@ ApplicationClues clues(const QJsonObject& window) {
 
 } // namespace
 
-std::optional<KWinListing> readListing(const QJsonObject& answer) {
+std::optional<ScriptListing> readListing(const QJsonObject& answer) {
     if (!answer["windows"].isArray())
         return std::nullopt;
-    KWinListing result;
+    ScriptListing result;
     const auto windows = answer["windows"].toArray();
     for (qsizetype i = 0; i < std::min(windows.size(), windowLimit); ++i) {
         const auto window = windows[i].toObject();
@@ -103,15 +107,37 @@ std::optional<KWinListing> readListing(const QJsonObject& answer) {
     return result;
 }
 
-KWinAreas readAreas(const QJsonObject& answer) {
-    KWinAreas result{.version = answer["version"].toInt()};
+ScriptAreas readAreas(const QJsonObject& answer) {
+    ScriptAreas result{.version = answer["version"].toInt()};
     const auto screens = answer["screens"].toArray();
     for (qsizetype i = 0; i < std::min(screens.size(), screenLimit); ++i) {
         const auto screen = screens[i].toObject();
         if (const auto frame = rectangle(screen["frame"]))
-            result.screens.push_back({*frame, rectangle(screen["work"]).value_or(*frame)});
+            result.screens.push_back(
+                {*frame, rectangle(screen["work"]).value_or(*frame), screen["primary"].toBool()});
     }
     return result;
+}
+
+std::vector<DesktopScreen> screensOf(const WaylandOutputs& outputs, const ScriptAreas& areas,
+                                     const std::filesystem::path& systemRoot) {
+    const auto usual = outputs.primary();
+    const bool knowsPrimary =
+        std::ranges::find(areas.screens, true, &ScriptScreen::isPrimary) != areas.screens.end();
+    std::vector<DesktopScreen> screens;
+    for (const auto& output : outputs.outputs()) {
+        // Scripts do not know the outputs' names everywhere.
+        const auto area = std::ranges::find(areas.screens, output.frame, &ScriptScreen::frame);
+        const bool isKnown = area != areas.screens.end();
+        auto screen = std::ranges::find(screens, output.frame, &DesktopScreen::frame);
+        if (screen == screens.end())
+            screen = screens.insert(screen, {.frame = output.frame,
+                                             .workArea = isKnown ? area->workArea : output.frame,
+                                             .scale = output.scale});
+        screen->isPrimary |= knowsPrimary ? isKnown && area->isPrimary : output.name == usual;
+        screen->hardware.push_back(outputHardware(output, systemRoot));
+    }
+    return screens;
 }
 
 std::optional<std::vector<PlacementOutcome>> readOutcomes(const QJsonObject& answer, std::size_t count) {
@@ -121,7 +147,8 @@ std::optional<std::vector<PlacementOutcome>> readOutcomes(const QJsonObject& ans
     const std::map<QString, PlacementOutcome> meanings = {{"done", PlacementOutcome::done},
                                                           {"adjusted", PlacementOutcome::adjusted},
                                                           {"pending", PlacementOutcome::pending},
-                                                          {"gone", PlacementOutcome::gone}};
+                                                          {"gone", PlacementOutcome::gone},
+                                                          {"refused", PlacementOutcome::refused}};
     std::vector<PlacementOutcome> result;
     for (const auto& word : words) {
         const auto found = meanings.find(word.toString());
