@@ -1,8 +1,12 @@
 #include "desktop_test.h"
 #include "support/desktop/mouse.h"
+#include "support/desktop/screenshot.h"
+#include "ui/qt/controls/style.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileSystemWatcher>
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonObject>
 
@@ -31,10 +35,11 @@ protected:
         ASSERT_TRUE(opened && windows().place(*opened, saved));
         window_ = *opened;
         ASSERT_TRUE(program().saveLayout("Desk") && windows().place(window_, astray));
-        dataChanges_.addPath(desktop().home() + "/.local/share/Tavrin");
+        dataChanges_.addPath(dataFolder());
     }
 
     WindowHandle window() const { return window_; }
+    QString dataFolder() { return desktop().home() + "/.local/share/Tavrin"; }
     std::optional<WindowHandle> settingsWindow() { return windows().find(settingsTitle); }
 
     bool closeSettings() {
@@ -77,6 +82,30 @@ protected:
         return false;
     }
 
+    QImage picture() {
+        waitUntilDrawn(desktop().x());
+        const QString file = desktop().logs() + "/screen.png";
+        return takeScreenshot(desktop().x(), file) ? QImage(file) : QImage();
+    }
+    /// The first pane in the list.
+    Rect firstPane() {
+        const Rect frame = windows().visibleFrame(*settingsWindow()).value_or(Rect{});
+        const auto titleBar = xDesktop().windows().frameExtents(*settingsWindow())[2];
+        return {frame.x + 40, frame.y + titleBar + 18, 60, 18};
+    }
+    /// The button "Restore" of the only card: the first place of a button's colour that is wide enough.
+    std::optional<Rect> restoreButton() {
+        constexpr QRgb ground = 0xffe3e3e3;
+        constexpr int width = 60;
+        const QImage screen = picture();
+        const Rect frame = windows().visibleFrame(*settingsWindow()).value_or(Rect{});
+        for (int y = int(frame.y); y < frame.maxY(); ++y)
+            for (int x = int(frame.x), run = 0; x < frame.maxX(); ++x)
+                if (run = screen.pixel(x, y) == ground ? run + 1 : 0; run == width)
+                    return Rect{double(x - width), double(y), width, 16};
+        return {};
+    }
+
     QJsonValue setting(const QString& key) { return program().payload("settings.json")[key]; }
     QJsonObject shortcutOfLayout() {
         return setting("layoutShortcuts")[program().payload("layouts.json")[0]["id"].toString()].toObject();
@@ -85,9 +114,10 @@ protected:
         return waitUntil([&] { return setting(key) == wanted; });
     }
 
+    QFileSystemWatcher dataChanges_; ///< wakes whoever waits for them
+
 private:
     WindowHandle window_;
-    QFileSystemWatcher dataChanges_; ///< wakes whoever waits for them
 };
 
 TEST_F(SettingsTest, ARecordedShortcutRestoresFromAnywhereButNotByItsRecording) {
@@ -116,16 +146,10 @@ TEST_F(SettingsTest, LeavingInTheMiddleOfARecordingEndsIt) {
                 pressShortcut());
     ASSERT_TRUE(waitUntil([&] { return !shortcutOfLayout().isEmpty(); }));
 
-    const auto clickFirstPane = [&] {
-        const Rect frame = windows().visibleFrame(*settingsWindow()).value_or(Rect{});
-        const auto titleBar = xDesktop().windows().frameExtents(*settingsWindow())[2];
-        Mouse(desktop().x()).click({frame.x + 40, frame.y + titleBar + 18, 60, 18});
-        return true;
-    };
     const std::pair<const char*, std::function<bool()>> ways[] = {
         {"Escape", [&] { return press(Keyboard::escapeKey); }},
         {"another control", [&] { return press(tabKey); }},
-        {"another pane", clickFirstPane},
+        {"another pane", [&] { return Mouse(desktop().x()).click(firstPane()), true; }},
         {"the window filled anew", [&] { return tray().choose({"Settings…"}); }},
         {"the window closed", [&] { return closeSettings(); }},
     };
@@ -185,6 +209,70 @@ TEST_F(SettingsTest, EveryChoiceIsWrittenAtOnce) {
     ASSERT_TRUE(desktop().keyboard().pressWith(Keyboard::controlKey, 'z'));
     EXPECT_TRUE(waitUntil([&] { return program().payload("layouts.json")[0]["name"] == "Chat"; }))
         << "taken back";
+}
+
+// The press ends the renaming, and the release still meets its button.
+TEST_F(SettingsTest, AClickThatEndsARenamingIsNotLost) {
+    beginWithLayout();
+    ASSERT_TRUE(openSettings(layouts) && press(tabKey, 2) && press(f2Key) &&
+                desktop().keyboard().type("Talk"));
+    const auto button = restoreButton();
+    ASSERT_TRUE(button);
+    Mouse mouse(desktop().x());
+    mouse.press(*button);
+    EXPECT_TRUE(waitUntil([&] { return program().payload("layouts.json")[0]["name"] == "Talk"; }));
+    mouse.release();
+    EXPECT_TRUE(waitUntil([&] { return seen(window()) == saved; }));
+}
+
+// By keyboard alone, from what the window says to what mends it.
+TEST_F(SettingsTest, WhatIsMissingComesFirstWithWhatMendsIt) {
+    begin({.hasWindowManager = false});
+    ASSERT_TRUE(program().start());
+    QFile file(dataFolder() + "/layouts.json");
+    ASSERT_TRUE(QDir().mkpath(dataFolder()) && file.open(QIODevice::WriteOnly) && file.write("{") == 1);
+    file.close();
+    ASSERT_TRUE(tray().choose({"Settings…"}) && waitUntil([&] { return program().formArea().has_value(); }));
+    waitUntilDrawn(desktop().x());
+    ASSERT_TRUE(press(tabKey) && press(Keyboard::returnKey)); // "How to fix it"
+    const auto isOwn = [&](auto shown) {
+        return xDesktop().windows().processOf(shown) == program().process().pid();
+    };
+    EXPECT_TRUE(waitUntil([&] { return std::ranges::count_if(xDesktop().windows().shown(), isOwn) == 2; }));
+
+    ASSERT_TRUE(xDesktop().startWindowManager());
+    dataChanges_.addPath(dataFolder());
+    ASSERT_TRUE(openSettings(layouts) && press(tabKey) && press(Keyboard::returnKey)); // "Open Advanced"
+    waitUntilDrawn(desktop().x());
+    ASSERT_TRUE(press(tabKey) && press(Keyboard::returnKey)); // "Set Aside and Start Fresh"
+    EXPECT_TRUE(waitUntil([&] { return !QFile::exists(file.fileName()); }));
+    const QDir data(dataFolder());
+    const auto kept = data.entryList({"layouts.json.unreadable-*"});
+    ASSERT_EQ(kept.size(), 1);
+    QFile aside(data.filePath(kept.front()));
+    EXPECT_TRUE(aside.open(QIODevice::ReadOnly) && aside.readAll() == "{");
+}
+
+// Plasma's own colours would have 2.2.
+TEST_F(SettingsTest, WhatIsWrittenOnTheAccentCanBeRead) {
+    begin();
+    QFile colors(desktop().home() + "/.config/kdeglobals");
+    ASSERT_TRUE(QDir().mkpath(desktop().home() + "/.config") && colors.open(QIODevice::WriteOnly));
+    colors.write("[Colors:Window]\nBackgroundNormal=42,46,50\nForegroundNormal=252,252,252\n"
+                 "[Colors:Selection]\nBackgroundNormal=61,174,233\nForegroundNormal=252,252,252\n");
+    colors.close();
+    desktop().setVariable("XDG_CURRENT_DESKTOP", "KDE");
+    desktop().setVariable("KDE_SESSION_VERSION", "5");
+    ASSERT_TRUE(program().start() && openSettings(layouts));
+    const Rect row = firstPane();
+    const QImage pane = picture().copy(int(row.x), int(row.y), int(row.width), int(row.height));
+    const QColor ground = pane.pixelColor(0, 0);
+    double best = 0;
+    for (int y = 0; y < pane.height(); ++y)
+        for (int x = 0; x < pane.width(); ++x)
+            best = std::max(best, contrast(pane.pixelColor(x, y), ground));
+    EXPECT_GT(ground.blue(), ground.red() + 50) << "the accent";
+    EXPECT_GE(best, textContrast);
 }
 
 } // namespace

@@ -279,26 +279,6 @@ TEST_F(SettingsWindowTest, EveryFocusedControlIsInSight) {
     }
 }
 
-TEST_F(SettingsWindowTest, AClickThatEndsARenamingIsNotLost) {
-    show(SettingsPane::layouts);
-    restores.results = {RestoreResult(1, 1, 0, {})};
-    auto* restore = named("Restore Play");
-    choose("More for Work", "Rename");
-    nameField()->setText("Focus");
-    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-        QMouseEvent event(type, {5, 5}, restore->mapToGlobal(QPointF(5, 5)), Qt::LeftButton,
-                          type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
-        const QPoint place = restore->mapTo(window, QPoint(0, 0));
-        restore->setFocus(Qt::MouseFocusReason); // as a press by a person does
-        QCoreApplication::sendEvent(restore, &event);
-        runEventLoopOnce();
-        EXPECT_EQ(restore->mapTo(window, QPoint(0, 0)), place) << "stays under the pointer";
-    }
-    EXPECT_EQ(layoutNames().front(), "Focus");
-    ASSERT_EQ(restores.restored.size(), 1U);
-    EXPECT_EQ(restores.restored.front().id, playID);
-}
-
 // Nothing is rebuilt under the pointer or the focus.
 TEST_F(SettingsWindowTest, ChangesCardsInPlace) {
     show(SettingsPane::layouts);

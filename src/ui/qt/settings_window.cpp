@@ -193,7 +193,10 @@ void QtSettingsWindow::keyPressEvent(QKeyEvent* event) {
 
 void QtSettingsWindow::showPane(SettingsPane pane) {
     // Not from within the button that was pressed, which goes with its pane.
-    QTimer::singleShot(0, sideList_, [this, pane] { sideList_->setCurrentRow(static_cast<int>(pane)); });
+    QTimer::singleShot(0, sideList_, [this, pane] {
+        sideList_->setCurrentRow(static_cast<int>(pane));
+        sideList_->setFocus();
+    });
 }
 
 void QtSettingsWindow::scrollTo(QWidget* focused) {
