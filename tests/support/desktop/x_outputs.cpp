@@ -199,19 +199,4 @@ std::vector<Rect> XOutputs::areas() {
     return areas;
 }
 
-std::vector<std::uint8_t> XOutputs::edid(int output) {
-    const auto target = slot(output);
-    if (!target)
-        return {};
-    auto* c = x_.raw();
-    const auto cookie =
-        xcb_randr_get_output_property(c, target->output, x_.atom("EDID"), XCB_ATOM_INTEGER, 0, 64, 0, 0);
-    Reply<xcb_randr_get_output_property_reply_t> reply{
-        xcb_randr_get_output_property_reply(c, cookie, nullptr)};
-    if (!reply)
-        return {};
-    const auto* first = xcb_randr_get_output_property_data(reply.get());
-    return {first, first + reply->num_items};
-}
-
 } // namespace tavrin::desktop

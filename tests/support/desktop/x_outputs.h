@@ -21,8 +21,6 @@ public:
     std::string name(int output) override;
 
     bool makePrimary(int output);
-    /// The identification block that a client reads from the output; empty when it has none.
-    std::vector<std::uint8_t> edid(int output);
 
 private:
     struct Slot {
