@@ -133,16 +133,5 @@ TEST(ExecLineTest, wordsAndProgram) {
     }
 }
 
-TEST(ExecLineTest, anyPathSurvivesAnEntry) {
-    for (const std::string path :
-         {"/usr/bin/tavrin", "/home/a b/tavrin", "/odd/\"$`\\%U\n\t'\xC3\xA9;~/x", "/100%/x"}) {
-        const auto entry = parseDesktopEntry("[Desktop Entry]\nExec=" + quotedExecWord(path) + " --flag");
-        ASSERT_TRUE(entry);
-        EXPECT_EQ(execWords(entry->exec), (Words{path, "--flag"})) << path;
-    }
-    EXPECT_EQ(quotedExecWord("/usr/bin/tavrin"), "/usr/bin/tavrin");
-    EXPECT_EQ(quotedExecWord("/a b/\\"), R"("/a b/\\\\")");
-}
-
 } // namespace
 } // namespace tavrin

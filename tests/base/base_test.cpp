@@ -38,11 +38,6 @@ TEST(Text, FoldsTitlesWithoutCaseAndDiacritics) {
     EXPECT_NE(foldedTitle("Report 1"), foldedTitle("Report 2"));
 }
 
-TEST(Text, CountsCharactersAsAPersonDoes) {
-    EXPECT_EQ(characterCount(""), 0u);
-    EXPECT_EQ(characterCount("e\u0301👨‍👩‍👧🇩🇪"), 3u);
-}
-
 TEST(Text, MakesForeignTextSafe) {
     EXPECT_EQ(sanitizedUtf8("a\xffz", 100), "a\uFFFDz");
     EXPECT_EQ(sanitizedUtf8("\xed\xa0\x80", 100).find('\xed'), std::string::npos) << "no lone surrogates";
@@ -93,17 +88,6 @@ TEST(Timestamp, ReadsAndWritesIso8601) {
           // In UTC a year that cannot be read again once it is written.
           "9999-12-31T23:59:59-00:01", "9999-12-31T24:00:00Z", "0001-01-01T00:00:00+00:01"})
         EXPECT_FALSE(parseIso8601(text)) << text;
-}
-
-TEST(Observable, TellsTheCurrentValueAndEveryChangeUntilReleased) {
-    Observable<int> number{1};
-    std::vector<int> seen;
-    Token token = number.subscribe([&](int value) { seen.push_back(value); });
-    number.set(1);
-    number.set(2);
-    token.release();
-    number.set(3);
-    EXPECT_EQ(seen, (std::vector{1, 2}));
 }
 
 TEST(Signal, SurvivesCallbacksThatDisconnectAndDestroy) {

@@ -231,20 +231,6 @@ TEST_F(SessionTest, ScreensOfSeveralOutputsCountOnce) {
     EXPECT_THAT(fingerprint(1)["arrangementSignature"].toString().toStdString(), HasSubstr(":3840x1080"));
 }
 
-TEST_F(SessionTest, APluggedDisplayBringsItsLayoutBackOnceForAWholeBurst) {
-    begin({.displays = {firstDisplay, secondDisplay}});
-    ASSERT_TRUE(program().start());
-    const Rect saved{2300, 200, 700, 600};
-    saveAndStray("Desk", saved);
-
-    ASSERT_TRUE(outputs().unplug(1));
-    ASSERT_TRUE(outputs().plug(1, secondDisplay, secondMonitor));
-    ASSERT_TRUE(outputs().unplug(1));
-    ASSERT_TRUE(outputs().plug(1, secondDisplay, secondMonitor));
-    expectOneRestore();
-    EXPECT_EQ(seen(window()), saved);
-}
-
 TEST_F(SessionTest, WakingAndUnlockingRestoreWhenTheUserWantsIt) {
     begin({});
     LoginManager logind(desktop().systemBus().connection());

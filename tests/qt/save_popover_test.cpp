@@ -2,11 +2,8 @@
 #include "qt/qt_application.h"
 #include "ui/qt/save_popover.h"
 
-#include <QKeyEvent>
-#include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
-#include <QPushButton>
 #include <gtest/gtest.h>
 
 namespace tavrin {
@@ -47,40 +44,12 @@ struct SavePopoverTest : testing::Test {
         window.emplace(view, [] {});
         window->show();
         field = window->findChild<QLineEdit*>();
-        for (auto* button : window->findChildren<QPushButton*>())
-            if (button->text() == "Save")
-                saveButton = button;
-    }
-
-    /// The texts that the form shows.
-    bool shows(const QString& text) {
-        for (const auto* label : window->findChildren<QLabel*>())
-            if (label->isVisible() && label->text() == text)
-                return true;
-        return false;
     }
 
     std::shared_ptr<SaveLayoutPopoverView> view;
     std::optional<SavePopoverWindow> window;
     QLineEdit* field = nullptr;
-    QPushButton* saveButton = nullptr;
 };
-
-TEST_F(SavePopoverTest, SaysWhatWouldHappen) {
-    EXPECT_FALSE(saveButton->isEnabled());
-    EXPECT_TRUE(shows("Enter a name for this layout."));
-    field->setText("wORK ");
-    EXPECT_TRUE(saveButton->isEnabled());
-    EXPECT_TRUE(shows("Replaces existing layout"));
-    EXPECT_EQ(field->accessibleDescription(), "Replaces existing layout");
-    field->setText("Home");
-    EXPECT_TRUE(saveButton->isEnabled());
-    EXPECT_FALSE(shows("Replaces existing layout"));
-    field->setText(QString(1000, 'x'));
-    EXPECT_FALSE(saveButton->isEnabled());
-    EXPECT_TRUE(shows(QString::fromStdString(*view->errorMessage())));
-    EXPECT_EQ(saveButton->toolTip(), QString::fromStdString(*view->errorMessage()));
-}
 
 TEST_F(SavePopoverTest, ClipsNothingInAnyFontSize) {
     EXPECT_EQ(window->size(), QSize(300, 200));
@@ -109,52 +78,6 @@ TEST_F(SavePopoverTest, ClipsNothingInAnyFontSize) {
         }
     }
     QApplication::setFont(usual);
-}
-
-struct Host : ApplicationHost {
-    void setActivationPolicy(ActivationPolicy) override {}
-    void activate() override { ++activations; }
-    void terminate() override {}
-    std::filesystem::path bundlePath() override { return {}; }
-    std::string shortVersion() override { return {}; }
-    int activations = 0;
-};
-
-TEST(QtSavePopoverTest, ShowsOneAtATimeAndMayBeClosedByItsOwnAnswer) {
-    registerResources();
-    Host host;
-    QtSavePopover popover(host, [] { return Rect{700, 2, 20, 20}; });
-    int cancelled = 0;
-    const auto windows = [] {
-        std::vector<QWidget*> visible;
-        for (auto* widget : QApplication::topLevelWidgets())
-            if (widget->isVisible() && widget->windowTitle() == "Save Layout")
-                visible.push_back(widget);
-        return visible;
-    };
-    for (int i = 0; i < 2; ++i)
-        popover.show(std::make_shared<SaveLayoutPopoverView>(
-                         std::vector<std::string>{}, [](const std::string&) {},
-                         [&] {
-                             ++cancelled;
-                             popover.close();
-                         }),
-                     std::nullopt);
-    EXPECT_EQ(host.activations, 2);
-    ASSERT_EQ(windows().size(), 1u);
-    EXPECT_EQ(windows().front()->pos().y(), 28);
-
-    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
-    QCoreApplication::sendEvent(windows().front(), &escape);
-    EXPECT_EQ(cancelled, 1);
-    EXPECT_TRUE(windows().empty());
-
-    popover.show(std::make_shared<SaveLayoutPopoverView>(std::vector<std::string>{}, nullptr, nullptr),
-                 Rect{300, 200, 80, 20});
-    ASSERT_EQ(windows().size(), 1u);
-    EXPECT_EQ(windows().front()->pos(), QPoint(189, 226)) << "beside the button that asked for it";
-    popover.close();
-    runEventLoopOnce();
 }
 
 } // namespace

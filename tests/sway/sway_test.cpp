@@ -103,24 +103,6 @@ TEST(I3QuestionsTest, badAnswersEndInAnErrorInTimeAndTheNextSocketIsUsed) {
     }
 }
 
-TEST(I3QuestionsTest, aMegabyteOfAnyBytesIsRead) {
-    TemporaryDirectory folder;
-    const auto path = (folder.path() / "socket").string();
-    std::string title;
-    while (title.size() < 1 << 20)
-        title += "\xff\xc3( \xed\xa0\x80 text";
-    const FakeSocket socket(path,
-                            tree(R"({"type":"root","nodes":[{"type":"output","name":"A","rect":)"
-                                 R"({"x":0,"y":0,"width":9,"height":9},"nodes":[{"id":7,"pid":1,"name":")" +
-                                 title + R"("}]}]})"));
-    I3Questions questions(path);
-    const auto answer = questions.ask(I3Question::tree);
-    ASSERT_TRUE(answer);
-    const auto read = readI3Tree(*answer);
-    ASSERT_TRUE(read && read->windows.size() == 1);
-    EXPECT_LE(read->windows[0].window.title.size(), 1024U);
-}
-
 TEST(I3TreeTest, whatIsNoTreeHasNoWindows) {
     std::string deep = R"({"type":"root","nodes":[)";
     for (int i = 0; i < 400; ++i)

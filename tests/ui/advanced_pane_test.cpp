@@ -16,21 +16,6 @@ protected:
     }
 };
 
-TEST_F(AdvancedPaneTest, RechecksThePermissionAndFollowsIt) {
-    permission.state = AccessibilityPermissionState::denied;
-    EXPECT_EQ(pane.permissionTitle(), "Checking Accessibility");
-    int changes = 0;
-    const auto token = pane.changed.connect([&] { ++changes; });
-    pane.recheckPermission();
-    EXPECT_EQ(pane.permissionTitle(), "Accessibility permission required");
-    EXPECT_FALSE(pane.isPermissionGranted());
-    permission.state = AccessibilityPermissionState::granted;
-    time.pass(2);
-    EXPECT_TRUE(pane.isPermissionGranted()) << "rechecking goes on by itself";
-    EXPECT_EQ(changes, 2);
-    EXPECT_EQ(permission.prompts, 0);
-}
-
 TEST_F(AdvancedPaneTest, ShowsTheLastAttemptInFull) {
     EXPECT_EQ(pane.lastAttempt(), std::nullopt);
     EXPECT_EQ(pane.lastAttemptText(), "");

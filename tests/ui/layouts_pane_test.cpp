@@ -61,16 +61,6 @@ TEST_F(LayoutsPaneTest, ShowsTheConnectedSetupFirstWithItsLayouts) {
     EXPECT_EQ(shown(), "Home: Evening. Desk: Work Play. ") << "follows the displays by itself";
 }
 
-TEST_F(LayoutsPaneTest, TellsSetupsOfOneNameApart) {
-    ASSERT_TRUE(store.renameProfile(homeID, "Desk"));
-    pane.appear();
-    displays.snapshot = testing::leftAlone();
-    pane.update(workID);
-    EXPECT_EQ(notice(), "") << "its displays went just now";
-    EXPECT_EQ(pane.content().setups.front().id, homeID);
-    EXPECT_FALSE(card(workID).canUpdate);
-}
-
 TEST_F(LayoutsPaneTest, TheUserSaysWhichOfSeveralSimilarSetupsIsConnected) {
     const auto studio = store.createProfile("Studio", fingerprint(testing::desk()));
     displays.snapshot.displays[1].stableID = "9-9-9";
@@ -245,15 +235,6 @@ TEST_F(LayoutsPaneTest, OffersAutomaticRestoreAfterTheFirstLayoutOfASetup) {
     time.pass(60);
     changes.act();
     EXPECT_EQ(profileNamed("Studio").defaultLayoutID, store.loadLayouts()->back().id);
-}
-
-TEST_F(LayoutsPaneTest, MakesAndUnmakesTheDefault) {
-    pane.setDefault(workID, LayoutsPane::DefaultLayout::set);
-    EXPECT_TRUE(card(workID).isDefault);
-    pane.setDefault(playID, LayoutsPane::DefaultLayout::set);
-    EXPECT_FALSE(card(workID).isDefault);
-    pane.setDefault(playID, LayoutsPane::DefaultLayout::cleared);
-    EXPECT_EQ(profileNamed("Desk").defaultLayoutID, std::nullopt);
 }
 
 TEST_F(LayoutsPaneTest, UpdatesOnlyWhatIsSurelyMeant) {

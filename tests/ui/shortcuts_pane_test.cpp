@@ -20,42 +20,6 @@ protected:
     ShortcutsPane made() { return ShortcutsPane(collaborators); }
 };
 
-TEST_F(ShortcutsPaneTest, GroupsLayoutsBySetupTheConnectedOneFirst) {
-    auto pane = made();
-    pane.appear();
-    using Group = ShortcutsPane::Group;
-    EXPECT_EQ(pane.groups(), (std::vector<Group>{{"Desk", true, {{workID, "Work"}, {playID, "Play"}}},
-                                                 {"Home", false, {{eveningID, "Evening"}}}}));
-    ASSERT_TRUE(store.deleteLayout(eveningID));
-    list.reload();
-    EXPECT_EQ(pane.groups().size(), 1U) << "a setup without layouts has no shortcuts";
-}
-
-TEST_F(ShortcutsPaneTest, RecordsWithoutFiringAnything) {
-    auto pane = made();
-    pane.appear();
-    shortcuts.setLayoutShortcut(controlOptionR, workID);
-    time.pass(1);
-    auto& recorder = pane.recorder(playID);
-    recorder.startRecording();
-    EXPECT_TRUE(pressHere(keyR, control | option));
-    EXPECT_EQ(fired, "") << "belongs to another layout, and is refused here instead of firing";
-    EXPECT_EQ(recorder.recorder().validationMessage(), "This shortcut is already used by Work.");
-    EXPECT_FALSE(pressHere(keyR, {})) << "plain keys go on to the window";
-    EXPECT_TRUE(pressHere(keyQ, control | command));
-    EXPECT_EQ(recorder.recorder().validationMessage(), "Control-Command-Q locks the screen.");
-    EXPECT_TRUE(recorder.recorder().isRecording());
-
-    EXPECT_TRUE(pressHere(keyQ, control | option));
-    EXPECT_FALSE(recorder.recorder().isRecording());
-    EXPECT_EQ(settings.load()->layoutShortcuts.at(playID.text()), (KeyCombo{keyQ, control | option}));
-    keys.press(KeyEvent{keyQ, (control | option).rawValue});
-    EXPECT_EQ(fired, "") << "the press that recorded it";
-    EXPECT_TRUE(pressHere(keyQ, control | option));
-    EXPECT_TRUE(pressHere(keyR, control | option));
-    EXPECT_EQ(fired, "other work ") << "shortcuts work again";
-}
-
 TEST_F(ShortcutsPaneTest, ComparesWithTheShortcutsInTheOrderShown) {
     auto pane = made();
     pane.appear();
@@ -98,17 +62,6 @@ TEST_F(ShortcutsPaneTest, DropsTheShortcutsOfLayoutsThatAreGone) {
     files.files.erase("/data/layouts.json");
     pane.appear();
     EXPECT_EQ(shortcuts.layoutShortcuts.value().size(), 1U) << "a file that is away may come back";
-}
-
-TEST_F(ShortcutsPaneTest, ShowsALayoutOnceThatADamagedFileHoldsTwice) {
-    auto twice = store.loadLayouts().value();
-    twice.push_back(twice.front());
-    files.files["/data/layouts.json"] = StoreMigration{1}.encode(twice, time.now()).value();
-    auto pane = made();
-    const auto* recorder = &pane.recorder(workID);
-    list.reload();
-    EXPECT_EQ(&pane.recorder(workID), recorder) << "whoever shows it holds on to it";
-    EXPECT_EQ(pane.groups().front().rows.size(), 2U);
 }
 
 } // namespace
