@@ -57,9 +57,8 @@ public:
     explicit Demonstration(QString folder) : folder_(std::move(folder)) {}
 
     bool run() {
-        say("A private desktop is up: display {}, {} displays, {}.",
-            desktop_.server().display().toStdString(), desktop_.outputs().areas().size(),
-            desktop_.server().kind() == XServer::Kind::dummyOutputs ? "Xorg with the dummy driver" : "Xvfb");
+        say("A private desktop is up: display {}, {} displays.", desktop_.server().display().toStdString(),
+            desktop_.outputs().areas().size());
         paintBackground();
         if (!program_.start())
             return stopped("Tavrin did not put its item into the tray");

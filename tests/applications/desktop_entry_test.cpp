@@ -69,20 +69,6 @@ TEST(DesktopEntryTest, namesComeInTheBestLanguageThereIs) {
     }
 }
 
-TEST(DesktopEntryTest, theMostSpecificVariableNamesTheLanguage) {
-    EnvironmentChange variables;
-    variables.set("LC_ALL", std::nullopt);
-    variables.set("LC_MESSAGES", std::nullopt);
-    variables.set("LANG", "fr");
-    EXPECT_EQ(messageLocales(), Locales{"fr"});
-    variables.set("LC_MESSAGES", "de_DE");
-    EXPECT_EQ(messageLocales(), (Locales{"de_DE", "de"}));
-    variables.set("LC_ALL", "");
-    EXPECT_EQ(messageLocales(), (Locales{"de_DE", "de"}));
-    variables.set("LC_ALL", "C");
-    EXPECT_EQ(messageLocales(), Locales{});
-}
-
 TEST(DesktopEntryTest, survivesWhatIsNoDesktopEntry) {
     using namespace std::string_literals;
     const std::string large(maximumDesktopEntrySize, '\n');

@@ -28,6 +28,20 @@ int restoreCount() {
     return isNumber ? count : 40;
 }
 
+/// How often the process was woken so far, in all its threads.
+int wakeUps(qint64 pid) {
+    int count = 0;
+    const QString tasks = QString("/proc/%1/task").arg(pid);
+    for (const auto& task : QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile status(tasks + "/" + task + "/status");
+        if (status.open(QIODevice::ReadOnly))
+            for (const auto& line : status.readAll().split('\n'))
+                if (line.startsWith("voluntary_ctxt_switches:"))
+                    count += line.mid(line.indexOf('\t')).trimmed().toInt();
+    }
+    return count;
+}
+
 /// Whatever the desktop does to the program, it goes on, or says why it cannot.
 class FaultTest : public ProgramTest {
 protected:
@@ -169,15 +183,6 @@ TEST_F(FaultTest, AHungWindowManagerHoldsUpARestoreForThreeSecondsAtMost) {
 TEST_F(FaultTest, KeysTypedElsewhereWakeNobodyWithoutAShortcut) {
     startAll();
     open("editor", {100, 100, 400, 300});
-    const auto wakeUps = [&] {
-        QFile status(QString("/proc/%1/status").arg(program().process().pid()));
-        const QByteArray text = status.open(QIODevice::ReadOnly) ? status.readAll() : QByteArray();
-        return text.mid(text.indexOf("\nvoluntary_ctxt_switches:") + 25)
-            .simplified()
-            .split(' ')
-            .front()
-            .toInt();
-    };
     const auto type = [&](int count) {
         for (int i = 0; i < count; ++i) {
             desktop().keyboard().type("a");
@@ -185,9 +190,9 @@ TEST_F(FaultTest, KeysTypedElsewhereWakeNobodyWithoutAShortcut) {
         }
     };
     type(100); // it comes to rest meanwhile
-    const int before = wakeUps();
+    const int before = wakeUps(program().process().pid());
     type(400);
-    EXPECT_LT(wakeUps() - before, 40);
+    EXPECT_LT(wakeUps(program().process().pid()) - before, 40);
 }
 
 TEST_F(FaultTest, OnAnUnsupportedDesktopItRunsWithoutThePermission) {
@@ -238,20 +243,6 @@ TEST_F(FaultTest, ALostServerEndsTheProgramWithAMessage) {
     ASSERT_TRUE(status) << "crashed, or went on without a screen";
     EXPECT_NE(*status, 0);
     EXPECT_THAT(programLog(), HasSubstr("tavrin: the connection to the window system is lost"));
-}
-
-/// How often the process was woken so far, in all its threads.
-int wakeUps(qint64 pid) {
-    int count = 0;
-    const QString tasks = QString("/proc/%1/task").arg(pid);
-    for (const auto& task : QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        QFile status(tasks + "/" + task + "/status");
-        if (status.open(QIODevice::ReadOnly))
-            for (const auto& line : status.readAll().split('\n'))
-                if (line.startsWith("voluntary_ctxt_switches:"))
-                    count += line.mid(line.indexOf('\t')).trimmed().toInt();
-    }
-    return count;
 }
 
 // Whatever is wrong with the buses: the program starts none, its icon is soon there, it runs once, and

@@ -91,19 +91,6 @@ TEST_F(RestoreTest, WindowsOfALostDisplayAllEndInsideTheOneThatIsLeft) {
             << windows().title(window) << " at " << ::testing::PrintToString(seen(window));
 }
 
-TEST_F(RestoreTest, WindowsWithOneTitleFillAllTheirPlaces) {
-    beginWith(oneDisplay);
-    std::vector<WindowHandle> all;
-    for (const double x : {50, 650, 1250})
-        all.push_back(open({.title = "Untitled"}, {x, 200, 500, 400}));
-    const auto saved = seenAll(all);
-    ASSERT_TRUE(program().saveLayout("Three"));
-    for (std::size_t index = 0; index < all.size(); ++index)
-        ASSERT_TRUE(windows().place(all[index], {900.0 - 200.0 * double(index), 500, 450, 350}));
-    ASSERT_TRUE(program().restoreLayout("Three"));
-    EXPECT_THAT(seenAll(all), UnorderedElementsAreArray(saved));
-}
-
 TEST_F(RestoreTest, OnlyWhatIsSeenIsSaved) {
     beginWith(oneDisplay);
     if (lacks(Ability::xDesktop))
@@ -240,19 +227,6 @@ TEST_F(RestoreTest, AHungApplicationStopsNoOther) {
     ASSERT_TRUE(program().restoreLayout("Work"));
     EXPECT_EQ(seenAll({*stuck, lively}), saved);
     hanging->resume();
-}
-
-TEST_F(RestoreTest, SavingUnderTheNameInOtherCapitalsReplacesTheLayout) {
-    beginWith(oneDisplay);
-    const auto window = open({.title = "one"}, {100, 100, 400, 300});
-    ASSERT_TRUE(program().saveLayout("Work"));
-    ASSERT_TRUE(windows().place(window, {800, 500, 500, 350}));
-    ASSERT_TRUE(program().saveLayout("WORK"));
-    EXPECT_NE(program().offers("Work"), program().offers("WORK")) << program().menu();
-
-    ASSERT_TRUE(windows().place(window, {300, 300, 450, 320}));
-    ASSERT_TRUE(program().restoreLayout(program().offers("WORK") ? "WORK" : "Work"));
-    EXPECT_EQ(seen(window), (Rect{800, 500, 500, 350}));
 }
 
 TEST_F(RestoreTest, NothingMovesWhenEverythingIsInPlace) {

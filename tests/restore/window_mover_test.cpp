@@ -180,16 +180,6 @@ TEST_F(WindowMoverTest, ChoosesByFrameTitleRoleAndSlotElseTheClearlyNearest) {
     }
 }
 
-TEST_F(WindowMoverTest, DescribesAChoiceThatFailed) {
-    saved.windowRole = "AXWindow";
-    add(shifted(300), "a");
-    add(shifted(310), "b");
-    elements.addWindow(pid, live, "c")->attributes.erase(AXAttribute::position);
-    EXPECT_THAT(failure(), AllOf(HasSubstr("candidatesWithFrames=2"), HasSubstr("frameMatches=0"),
-                                 HasSubstr("roleMatches=3"), HasSubstr("nearestScore=300"),
-                                 HasSubstr("savedRole=AXWindow"), HasSubstr("savedSubrole=")));
-}
-
 TEST(RunningApplicationResolver, AsksForIdentifierThenForName) {
     testing::FixedApplications applications;
     applications.applications = {{1, "b.desktop", "B", false},

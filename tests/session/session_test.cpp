@@ -83,25 +83,6 @@ TEST(PermissionStatus, PollsUntilGrantedAndNeverTakesAway) {
     EXPECT_EQ(model.state.value(), denied);
 }
 
-TEST(PermissionStatus, TellsTheUserWhatItMeans) {
-    testing::FixedPermission service;
-    testing::FakeTime time;
-    const auto texts = [&](AccessibilityPermissionState state) {
-        const PermissionStatusViewModel model{service, time, state};
-        return model.title() + ": " + model.message();
-    };
-    EXPECT_EQ(texts(unknown),
-              "Checking Accessibility: Tavrin is preparing its menu bar utility shell and checking "
-              "whether Accessibility access is already available.");
-    EXPECT_EQ(texts(denied),
-              "Accessibility permission required: Tavrin needs Accessibility permission to read and "
-              "restore the windows you already arranged. It does not launch missing apps or manage "
-              "closed windows.");
-    EXPECT_EQ(texts(granted),
-              "Accessibility permission granted: Tavrin can now inspect the current window "
-              "arrangement and keep the menu bar utility ready for capture and restore flows.");
-}
-
 TEST(AppDataReset, MovesTheFilesAwayOncePerVersion) {
     testing::FakeFileSystem files;
     testing::FakeDefaults defaults;

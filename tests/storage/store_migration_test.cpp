@@ -82,14 +82,6 @@ TEST(StoreMigration, ReadsEntriesThatLackOptionalKeysOrHoldNull) {
 const std::string named = R"("id": "0f9a2b3c-4d5e-6f70-8192-a3b4c5d6e7f8", "name": "Desk",
     "createdAt": "2026-03-01T09:30:00Z", "updatedAt": "2026-03-01T09:30:00Z")";
 
-TEST(StoreMigration, TellsLayoutKindsByTheirExactText) {
-    const std::string rest =
-        named + R"(, "entries": [], "profileID": "0f9a2b3c-4d5e-6f70-8192-a3b4c5d6e7f8", "kind": )";
-    EXPECT_EQ(decode<SavedLayout>("{" + rest + "\"generic\"}")->kind, SavedLayoutKind::generic);
-    EXPECT_EQ(decode<SavedLayout>("{" + rest + "\"appSpecific\"}")->kind, SavedLayoutKind::appSpecific);
-    expectRefused<SavedLayout>(rest, {"\"AppSpecific\""});
-}
-
 TEST(StoreMigration, ReadsProfilesWithoutADefaultButNotWithoutTheirLists) {
     const std::string common = named + R"(, "displayFingerprint":
         {"arrangementSignature": "k", "displayCount": 2, "stableDisplayIDs": ["1-2-0", "1-2-0"]})";

@@ -224,25 +224,6 @@ TEST_F(StoreTest, LocksThenWritesBesideTheFileRenamesAndFlushesAndLayoutsBeforeP
                                   "rename /data/Tavrin/profiles.json", "flush /data/Tavrin", "unlock"}));
 }
 
-TEST_F(StoreTest, ReadsTheSameRecordsBack) {
-    auto desk = newProfile("Désk \"1\"");
-    SavedLayout layout =
-        testing::layout("Wörk", {testing::entry("xterm", "a\tb", {-10.5, 0.1, 1e-300, 1e300}, 0)});
-    layout.profileID = desk.id;
-    layout.createdAt = layout.updatedAt = testing::at(0);
-    layout.entries[0].normalizedFrame = Rect{0.1, 1.0 / 3, 0.7, 0.2};
-    layout.savedDisplays = {{"1-2-3", {0, 0, 1920, 1050}, true}};
-    ASSERT_TRUE(store.saveLayout(layout));
-    EXPECT_EQ(store.loadLayouts(), std::vector{layout});
-
-    AppSettings settings{.autoDetectShortcut = KeyCombo{15, ModifierSet::control | ModifierSet::option},
-                         .layoutShortcuts = {{layout.id.text(), {122, ModifierSet::control}}},
-                         .excludedBundleIDs = {"org.b.B", "org.a.A"}};
-    ASSERT_TRUE(settingsStore.save(settings));
-    EXPECT_EQ(settingsStore.load(), settings);
-    EXPECT_NE(files.files["/data/Tavrin/settings.json"].find("\"modifiers\": 786432"), std::string::npos);
-}
-
 TEST_F(StoreTest, RefusesToWriteWhatAFileCannotExpress) {
     const auto desk = newProfile();
     auto layout = testing::layout("Work", {testing::entry("xterm", "t", {std::nan(""), 0, 1, 1})});

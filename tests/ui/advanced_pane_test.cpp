@@ -16,19 +16,6 @@ protected:
     }
 };
 
-TEST_F(AdvancedPaneTest, ShowsTheLastAttemptInFull) {
-    EXPECT_EQ(pane.lastAttempt(), std::nullopt);
-    EXPECT_EQ(pane.lastAttemptText(), "");
-    recordAttempt();
-    EXPECT_EQ(pane.lastAttemptText(), "Time: 1970-01-01T00:00:00Z\n"
-                                      "Trigger: Automation\n"
-                                      "Layout: Secret plans\n"
-                                      "Kind: Generic\n"
-                                      "Result: 3 of 5 windows in place, 2 not open, 0 not moved\n"
-                                      "Editor: slow\n"
-                                      "Could not resolve PID for Mail\n");
-}
-
 TEST_F(AdvancedPaneTest, ReportsForTroubleshootingWithoutWindowTitles) {
     windows.windows = {testing::window(1, "Editor", "diary", {0, 0, 500, 500})};
     displays.snapshot.displays[1].stableID.reset();

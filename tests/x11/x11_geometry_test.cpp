@@ -96,6 +96,17 @@ constexpr PixelRect right{1920, 0, 1280, 1024};
 constexpr PixelRect below{0, 1080, 1920, 1080};
 constexpr PixelRect root{0, 0, 3200, 2160};
 
+enum Edge : std::size_t { atLeft, atRight, atTop, atBottom };
+
+/// A strut at one edge of the root, and the part of the edge that it takes.
+Values edge(Edge edge, std::uint32_t size, std::uint32_t first, std::uint32_t last) {
+    Values values(12);
+    values[edge] = size;
+    values[4 + 2 * edge] = first;
+    values[5 + 2 * edge] = last;
+    return values;
+}
+
 struct Case {
     const char* situation;
     Values strut;
@@ -108,42 +119,24 @@ struct Case {
 TEST(WorkAreaTest, aDockTakesFromTheScreensWhereItLies) {
     const Case cases[] = {
         {"no dock", {0, 0, 0, 0}, {0, 0, 10, 10}},
-        {.situation = "top of the left screen",
-         .strut = {0, 0, 30, 0, 0, 0, 0, 0, 0, 1919, 0, 0},
-         .dock = {0, 0, 1920, 30},
-         .leftArea = {0, 30, 1920, 1050}},
-        {.situation = "bottom of the right screen, which ends above the root's edge",
-         .strut = {0, 0, 0, 2160 - 1024 + 40, 0, 0, 0, 0, 0, 0, 1920, 3199},
-         .dock = {1920, 984, 1280, 40},
-         .rightArea = {1920, 0, 1280, 984}},
-        {.situation = "top of the lower screen: the strut passes over the whole upper one",
-         .strut = {0, 0, 1110, 0, 0, 0, 0, 0, 0, 1919, 0, 0},
-         .dock = {0, 1080, 1920, 30},
-         .belowArea = {0, 1110, 1920, 1050}},
-        {.situation = "right edge of the left screen, inside the root",
-         .strut = {0, 3200 - 1920 + 64, 0, 0, 0, 0, 0, 1079, 0, 0, 0, 0},
-         .dock = {1856, 0, 64, 1080},
-         .leftArea = {0, 0, 1856, 1080}},
-        {.situation = "a plain strut along the left edge",
-         .strut = {50, 0, 0, 0},
-         .dock = {0, 0, 50, 2160},
-         .leftArea = {50, 0, 1870, 1080},
-         .belowArea = {50, 1080, 1870, 1080}},
-        {.situation = "one panel across two screens",
-         .strut = {0, 0, 24, 0, 0, 0, 0, 0, 0, 3199, 0, 0},
-         .dock = {0, 0, 3200, 24},
-         .leftArea = {0, 24, 1920, 1056},
-         .rightArea = {1920, 24, 1280, 1000}},
-        {.situation = "a strut beside the screen's extent",
-         .strut = {0, 0, 30, 0, 0, 0, 0, 0, 1920, 3199, 0, 0},
-         .dock = {0, 0, 1920, 30}},
-        {.situation = "a panel across two screens that reserves only its left part",
-         .strut = {0, 0, 24, 0, 0, 0, 0, 0, 0, 1919, 0, 0},
-         .dock = {0, 0, 3200, 24},
-         .leftArea = {0, 24, 1920, 1056}},
-        {.situation = "a strut that would leave nothing",
-         .strut = {0, 0, 1080, 0, 0, 0, 0, 0, 0, 1919, 0, 0},
-         .dock = {0, 0, 1920, 30}},
+        {"left screen", edge(atTop, 30, 0, 1919), {0, 0, 1920, 30}, {0, 30, 1920, 1050}},
+        {"right screen", edge(atBottom, 1176, 1920, 3199), {1920, 984, 1280, 40}, left, {1920, 0, 1280, 984}},
+        {"through the upper screen",
+         edge(atTop, 1110, 0, 1919),
+         {0, 1080, 1920, 30},
+         left,
+         right,
+         {0, 1110, 1920, 1050}},
+        {"inside the root", edge(atRight, 1344, 0, 1079), {1856, 0, 64, 1080}, {0, 0, 1856, 1080}},
+        {"plain", {50, 0, 0, 0}, {0, 0, 50, 2160}, {50, 0, 1870, 1080}, right, {50, 1080, 1870, 1080}},
+        {"across two screens",
+         edge(atTop, 24, 0, 3199),
+         {0, 0, 3200, 24},
+         {0, 24, 1920, 1056},
+         {1920, 24, 1280, 1000}},
+        {"beside the screen", edge(atTop, 30, 1920, 3199), {0, 0, 1920, 30}},
+        {"only its left part", edge(atTop, 24, 0, 1919), {0, 0, 3200, 24}, {0, 24, 1920, 1056}},
+        {"would leave nothing", edge(atTop, 1080, 0, 1919), {0, 0, 1920, 30}},
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.situation);

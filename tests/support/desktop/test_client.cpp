@@ -30,10 +30,6 @@ std::optional<WindowHandle> TestClient::open(const WindowRequest& request) {
         command += fmt::format("\tshadow={}", fmt::join(request.shadow, ","));
     if (request.increment != std::array<int, 2>{})
         command += fmt::format("\tincrement={}", fmt::join(request.increment, ","));
-    if (request.pid)
-        command += fmt::format("\tpid={}", *request.pid);
-    if (!request.applicationID.empty())
-        command += "\tapplication=" + request.applicationID;
     const auto answer = ask(command);
     if (!answer)
         return std::nullopt;

@@ -19,8 +19,6 @@ struct WindowRequest {
     bool isDecorated = true;        ///< false asks for no title bar and border
     std::array<int, 4> shadow{};    ///< client-side: left, right, top, bottom
     std::array<int, 2> increment{}; ///< size steps of a terminal
-    std::optional<int> pid;         ///< another process than its own, to lie about it
-    std::string applicationID;      ///< _GTK_APPLICATION_ID; empty for none
 };
 
 /// An application of the test's making: one process with any number of windows.

@@ -11,11 +11,11 @@
 namespace tavrin::desktop {
 
 XDesktop::XDesktop(const Options& options) : Desktop(options) {
-    require(server_.start(logs_, environment_), "X server");
+    require(server_.start(logs_, environment_), "Xorg with the dummy driver");
     environment_.insert("DISPLAY", server_.display());
     x_ = std::make_unique<XConnection>(server_.display().toStdString());
     require(x_->isOpen(), "X connection");
-    outputs_ = std::make_unique<XOutputs>(*x_, server_.kind());
+    outputs_ = std::make_unique<XOutputs>(*x_);
     windows_ = std::make_unique<XWindows>(*x_);
     keyboard_ = std::make_unique<XKeyboard>(*x_);
     for (std::size_t index = 0; index < options.displays.size(); ++index)

@@ -1,9 +1,5 @@
 #include "support/desktop/x_outputs.h"
 
-#include <xcb/xcbext.h>
-
-#include <sys/uio.h>
-
 namespace tavrin::desktop {
 
 namespace {
@@ -74,8 +70,7 @@ bool XOutputs::fitScreen(const std::vector<Rect>& areas) {
     Rect whole;
     for (const Rect& area : areas)
         whole = unionOf(whole, area);
-    if (areas.empty() ||
-        (whole.width == x_.screen().width_in_pixels && kind_ == XServer::Kind::virtualFramebuffer))
+    if (areas.empty())
         return true;
     auto* c = x_.raw();
     const auto width = static_cast<std::uint16_t>(whole.maxX());
@@ -90,8 +85,6 @@ bool XOutputs::fitScreen(const std::vector<Rect>& areas) {
 }
 
 bool XOutputs::plug(int output, const Rect& area, const std::optional<MonitorIdentity>& identity) {
-    if (kind_ == XServer::Kind::virtualFramebuffer)
-        return setMonitor(output, area);
     auto* c = x_.raw();
     const auto target = slot(output);
     const auto wantedMode = mode(static_cast<int>(area.width), static_cast<int>(area.height));
@@ -127,51 +120,13 @@ void XOutputs::probe() {
 
 bool XOutputs::unplug(int output) {
     auto* c = x_.raw();
-    bool done = false;
-    if (kind_ == XServer::Kind::virtualFramebuffer) {
-        done = succeeded(c, xcb_randr_delete_monitor_checked(c, x_.root(), x_.atom(name(output))));
-    } else if (const auto target = slot(output)) {
-        xcb_grab_server(c);
-        done = setCrtc(*target, 0, 0, XCB_NONE) && fitScreen(areas());
-        xcb_ungrab_server(c);
-    }
-    probe();
-    return done;
-}
-
-bool XOutputs::setMonitor(int output, const Rect& area) {
-    auto* c = x_.raw();
-    const auto target = slot(0);
+    const auto target = slot(output);
     if (!target)
         return false;
-    // Written out here, since the library miscounts the length of this request.
-    struct {
-        xcb_randr_set_monitor_request_t request;
-        xcb_randr_monitor_info_t monitor;
-        xcb_randr_output_t output;
-    } message{};
-    message.request.window = x_.root();
-    auto& monitor = message.monitor;
-    monitor.name = x_.atom(name(output));
-    monitor.primary = output == 0;
-    monitor.nOutput = output == 0 ? 1 : 0; // the framebuffer's one output is shown on the first monitor
-    monitor.x = static_cast<std::int16_t>(area.x);
-    monitor.y = static_cast<std::int16_t>(area.y);
-    monitor.width = static_cast<std::uint16_t>(area.width);
-    monitor.height = static_cast<std::uint16_t>(area.height);
-    monitor.width_in_millimeters = monitor.width * 254U / 960U;
-    monitor.height_in_millimeters = monitor.height * 254U / 960U;
-    message.output = target->output;
-    // The library wants two entries of its own before the message.
-    std::array<iovec, 3> parts{};
-    parts[2] = {&message, sizeof message - (monitor.nOutput ? 0 : sizeof message.output)};
-    const xcb_protocol_request_t protocol{1, &xcb_randr_id, XCB_RANDR_SET_MONITOR, 1};
-    // A name that is taken is refused; other clients see only the finished change.
     xcb_grab_server(c);
-    succeeded(c, xcb_randr_delete_monitor_checked(c, x_.root(), monitor.name));
-    const bool done = succeeded(c, {xcb_send_request(c, XCB_REQUEST_CHECKED, &parts[2], &protocol)});
+    const bool done = setCrtc(*target, 0, 0, XCB_NONE) && fitScreen(areas());
     xcb_ungrab_server(c);
-    x_.sync();
+    probe();
     return done;
 }
 

@@ -9,11 +9,10 @@
 
 namespace tavrin::desktop {
 
-/// The monitors of a private X server, in root pixels. On a virtual framebuffer these are bare monitors,
-/// which have no EDID.
+/// The monitors of a private Xorg, in root pixels.
 class XOutputs final : public Outputs {
 public:
-    XOutputs(XConnection& connection, XServer::Kind kind) : x_(connection), kind_(kind) {}
+    explicit XOutputs(XConnection& connection) : x_(connection) {}
 
     bool plug(int output, const Rect& area, const std::optional<MonitorIdentity>& identity = {}) override;
     bool unplug(int output) override;
@@ -34,10 +33,8 @@ private:
     /// Has the server look which outputs are connected; until then toolkits leave a fresh one out.
     void probe();
     bool fitScreen(const std::vector<Rect>& areas);
-    bool setMonitor(int output, const Rect& area);
 
     XConnection& x_;
-    XServer::Kind kind_;
 };
 
 } // namespace tavrin::desktop

@@ -41,24 +41,19 @@ constexpr auto xorg = "/usr/lib/xorg/Xorg";
 
 } // namespace
 
-bool XServer::start(const QString& directory, const QProcessEnvironment& environment, Kind wanted) {
-    const QString configurationFile = directory + "/xorg.conf";
-    QFile file(configurationFile);
+bool XServer::start(const QString& directory, const QProcessEnvironment& environment, Kind kind) {
+    const QStringList common{"-displayfd", "1", "-nolisten", "tcp", "-noreset"};
+    if (kind == Kind::virtualFramebuffer) {
+        const QString screen = QString("%1x%2x24").arg(maximumWidth).arg(maximumHeight);
+        return launch("Xvfb", common + QStringList{"-screen", "0", screen}, directory, environment);
+    }
+    QFile file(directory + "/xorg.conf");
     if (!file.open(QIODevice::WriteOnly))
         return false;
     file.write(QString(configuration).arg(maximumWidth).arg(maximumHeight).toUtf8());
     file.close();
-
-    const QStringList common{"-displayfd", "1", "-nolisten", "tcp", "-noreset"};
-    // Where the dummy driver cannot be had, tests of plain monitors can still run.
-    kind_ = Kind::dummyOutputs;
-    if (wanted == kind_ && !qEnvironmentVariableIsSet("TAVRIN_TEST_XVFB") &&
-        launch(xorg, common + QStringList{"-config", configurationFile, "-logfile", directory + "/Xorg.log"},
-               directory, environment))
-        return true;
-    kind_ = Kind::virtualFramebuffer;
-    const QString screen = QString("%1x%2x24").arg(maximumWidth).arg(maximumHeight);
-    return launch("Xvfb", common + QStringList{"-screen", "0", screen}, directory, environment);
+    return launch(xorg, common + QStringList{"-config", file.fileName(), "-logfile", directory + "/Xorg.log"},
+                  directory, environment);
 }
 
 bool XServer::launch(const QString& program, const QStringList& arguments, const QString& directory,

@@ -5,7 +5,7 @@
 namespace tavrin::desktop {
 
 /// A private X server on a free display number: Xorg with the dummy driver (sixteen outputs that can be
-/// plugged and unplugged), or Xvfb where Xorg is refused.
+/// plugged and unplugged), or Xvfb.
 class XServer {
 public:
     enum class Kind { dummyOutputs, virtualFramebuffer };
@@ -14,11 +14,10 @@ public:
     static constexpr int maximumWidth = 8192;
     static constexpr int maximumHeight = 4096;
 
-    /// Writes its configuration and logs into `directory`; false when neither server starts.
+    /// Writes its configuration and logs into `directory`; false when the server does not start.
     bool start(const QString& directory, const QProcessEnvironment& environment,
-               Kind wanted = Kind::dummyOutputs);
+               Kind kind = Kind::dummyOutputs);
 
-    Kind kind() const { return kind_; }
     const QString& display() const { return display_; } ///< such as ":7"
 
 private:
@@ -26,7 +25,6 @@ private:
                 const QProcessEnvironment& environment);
 
     std::optional<Process> process_;
-    Kind kind_ = Kind::dummyOutputs;
     QString display_;
 };
 

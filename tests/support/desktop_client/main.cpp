@@ -1,10 +1,9 @@
 // Windows on request, for the desktop tests. Commands come on standard input, one a line, words separated by
 // tabs; every command is answered with one line on standard output.
 //
-//   open key=value...          answers the window's number; keys: class, instance, title, x, y, width,
-//   height,
+//   open key=value...          answers the window's number; keys: class, title, x, y, width, height,
 //                              type (a _NET_WM_WINDOW_TYPE_ ending), undecorated, shadow (four sides:
-//                              l,r,t,b), increment (w,h), pid, application
+//                              l,r,t,b), increment (w,h)
 //   retitle WINDOW TITLE
 //   destroy WINDOW
 //   flood WINDOW PROPERTY N    changes a text property N times, as fast as the server takes it
@@ -126,8 +125,7 @@ private:
         const std::string both = instance + '\0' + name + '\0';
         setBytes(window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, both);
         setTitle(window, options["title"]);
-        setCardinals(window, "_NET_WM_PID", XCB_ATOM_CARDINAL,
-                     {static_cast<std::uint32_t>(number("pid", static_cast<int>(getpid())))});
+        setCardinals(window, "_NET_WM_PID", XCB_ATOM_CARDINAL, {static_cast<std::uint32_t>(getpid())});
         std::array<char, 256> host{};
         gethostname(host.data(), host.size() - 1);
         setBytes(window, XCB_ATOM_WM_CLIENT_MACHINE, XCB_ATOM_STRING, host.data());
@@ -138,8 +136,6 @@ private:
             setCardinals(window, "_MOTIF_WM_HINTS", atom("_MOTIF_WM_HINTS"), {2, 0, 0, 0, 0});
         if (options.contains("shadow"))
             setCardinals(window, "_GTK_FRAME_EXTENTS", XCB_ATOM_CARDINAL, numbers(options["shadow"]));
-        if (options.contains("application"))
-            setBytes(window, atom("_GTK_APPLICATION_ID"), atom("UTF8_STRING"), options["application"]);
 
         // A position given by the user is kept by every window manager.
         xcb_size_hints_t hints{};
