@@ -1,3 +1,4 @@
+#include "support/desktop/gnome_desktop.h"
 #include "support/desktop/kwin_desktop.h"
 #include "support/desktop/sway_desktop.h"
 #include "support/desktop/x_desktop.h"
@@ -19,6 +20,8 @@ std::unique_ptr<Desktop> Desktop::open(const Options& options) {
         return std::make_unique<SwayDesktop>(options);
     if (wanted == "kwin")
         return std::make_unique<KWinDesktop>(options);
+    if (wanted == "gnome")
+        return std::make_unique<GnomeDesktop>(options);
     std::fprintf(stderr, "TAVRIN_TEST_DESKTOP=%s: there is no such desktop\n", qPrintable(wanted));
     std::abort();
 }

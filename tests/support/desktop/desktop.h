@@ -75,8 +75,8 @@ public:
         bool hasTray = true;
     };
 
-    /// The desktop that TAVRIN_TEST_DESKTOP names: "x11", which is also what counts without it, "sway"
-    /// or "kwin".
+    /// The desktop that TAVRIN_TEST_DESKTOP names: "x11", which is also what counts without it, "sway",
+    /// "kwin" or "gnome".
     /// Aborts with the log folder's path when a part does not come up: no test can go on without it.
     static std::unique_ptr<Desktop> open(const Options& options);
 

@@ -9,13 +9,10 @@
 #include <QDBusReply>
 #include <QDir>
 #include <QFile>
-#include <QSocketNotifier>
 #include <QStandardPaths>
 
 #include <algorithm>
 #include <array>
-#include <ranges>
-#include <xkbcommon/xkbcommon-keysyms.h>
 
 namespace tavrin::desktop {
 
@@ -221,7 +218,7 @@ void KWinWindows::close(const WindowHandle& window) {
     invoke(window, "Window Close");
 }
 
-KWinKeyboard::KWinKeyboard(WaylandConnection& connection) : connection_(connection), keyboard_(connection) {
+KWinKeyboard::KWinKeyboard(WaylandConnection& connection) : PlayedKeyboard(connection) {
     watch_ =
         connection.watchGlobals("org_kde_kwin_fake_input", [this](const WaylandConnection::Global& global) {
             input_ = static_cast<org_kde_kwin_fake_input*>(
@@ -236,37 +233,9 @@ KWinKeyboard::~KWinKeyboard() {
         org_kde_kwin_fake_input_destroy(input_);
 }
 
-bool KWinKeyboard::pressWith(std::vector<std::uint32_t> modifiers, std::uint32_t symbol) {
-    if (!keyboard_.map() || !input_)
-        return false;
-    modifiers.push_back(symbol);
-    std::vector<std::uint32_t> positions;
-    for (const auto wanted : modifiers) {
-        // A capital is the same key with Shift.
-        const bool isCapital = wanted >= 'A' && wanted <= 'Z';
-        if (isCapital)
-            positions.push_back(*keyboard_.map()->position(XKB_KEY_Shift_L));
-        const auto position = keyboard_.map()->position(isCapital ? wanted + 32 : wanted);
-        if (!position)
-            return false;
-        positions.push_back(*position);
-    }
-    for (const auto position : positions)
-        org_kde_kwin_fake_input_keyboard_key(input_, position, 1);
-    for (const auto position : positions | std::views::reverse)
-        org_kde_kwin_fake_input_keyboard_key(input_, position, 0);
-    connection_.flush();
-    return connection_.roundTrip(Seconds(5));
-}
-
-Token KWinDesktop::Loop::watchReadable(int fileDescriptor, std::function<void()> handler) {
-    auto* notifier = new QSocketNotifier(fileDescriptor, QSocketNotifier::Read);
-    QObject::connect(notifier, &QSocketNotifier::activated, notifier,
-                     [handler = std::move(handler)] { handler(); });
-    return Token([notifier] {
-        notifier->setEnabled(false);
-        notifier->deleteLater();
-    });
+void KWinKeyboard::change(std::uint32_t position, Change change) {
+    if (input_)
+        org_kde_kwin_fake_input_keyboard_key(input_, position, change == Change::down ? 1 : 0);
 }
 
 KWinDesktop::KWinDesktop(const Options& options)

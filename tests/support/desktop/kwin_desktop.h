@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/kwin/kwin_script_channel.h"
-#include "platform/wayland/wayland_keyboard.h"
 #include "platform/wayland/wayland_outputs.h"
 #include "support/desktop/desktop.h"
+#include "support/desktop/wayland_client.h"
 
 #include <QJsonArray>
 #include <QTimer>
@@ -84,17 +84,14 @@ private:
 };
 
 /// Keys as KWin takes them from a program that may play a keyboard.
-class KWinKeyboard final : public Keyboard {
+class KWinKeyboard final : public PlayedKeyboard {
 public:
     explicit KWinKeyboard(WaylandConnection& connection);
     ~KWinKeyboard() override;
 
-    bool press(std::uint32_t symbol) override { return pressWith(std::vector<std::uint32_t>{}, symbol); }
-    bool pressWith(std::vector<std::uint32_t> modifiers, std::uint32_t symbol) override;
-
 private:
-    WaylandConnection& connection_;
-    WaylandKeyboard keyboard_;
+    void change(std::uint32_t position, Change change) override;
+
     org_kde_kwin_fake_input* input_ = nullptr;
     Token watch_;
 };
@@ -119,15 +116,10 @@ public:
     void start();
 
 private:
-    class Loop : public EventLoop {
-    public:
-        Token watchReadable(int fileDescriptor, std::function<void()> handler) override;
-    };
-
     QTimer heartbeat_;
     Rect size_;
     int outputCount_;
-    Loop loop_;
+    HarnessLoop loop_;
     Process kwin_;
     KWinTalk talk_;
     KWinWindows windows_{talk_};
