@@ -189,6 +189,9 @@ std::string utf8FromCompoundText(std::string_view bytes) {
 }
 
 std::string sanitizedUtf8(std::string_view bytes, std::size_t maximumBytes) {
+    const auto beginning = bytes.substr(0, maximumBytes);
+    if (std::ranges::all_of(beginning, [](char c) { return U8_IS_SINGLE(static_cast<std::uint8_t>(c)); }))
+        return std::string(beginning);
     std::string clean;
     const auto size = static_cast<int32_t>(std::min(bytes.size(), maximumBytes + U8_MAX_LENGTH));
     clean.reserve(static_cast<std::size_t>(size));

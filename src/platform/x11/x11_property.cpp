@@ -22,6 +22,11 @@ std::string utf8FromLatin1(std::string_view latin1) {
     return utf8;
 }
 
+std::string decoded(const xcb_get_property_reply_t& reply, std::string_view piece, std::size_t maximumBytes) {
+    return reply.type == XCB_ATOM_STRING ? sanitizedUtf8(utf8FromLatin1(piece), maximumBytes)
+                                         : sanitizedUtf8(piece, maximumBytes);
+}
+
 } // namespace
 
 xcb_get_property_cookie_t requestProperty(xcb_connection_t* connection, xcb_window_t window,
@@ -56,8 +61,7 @@ std::vector<std::string> texts(const xcb_get_property_reply_t* reply, std::size_
     for (auto rest = bytes(reply); !rest.empty();) {
         const auto piece = rest.substr(0, rest.find('\0'));
         rest.remove_prefix(std::min(piece.size() + 1, rest.size()));
-        result.push_back(reply->type == XCB_ATOM_STRING ? sanitizedUtf8(utf8FromLatin1(piece), maximumBytes)
-                                                        : sanitizedUtf8(piece, maximumBytes));
+        result.push_back(decoded(*reply, piece, maximumBytes));
     }
     return result;
 }
@@ -72,8 +76,10 @@ std::optional<std::string> legacyText(const xcb_get_property_reply_t* reply, std
 }
 
 std::optional<std::string> text(const xcb_get_property_reply_t* reply, std::size_t maximumBytes) {
-    auto all = texts(reply, maximumBytes);
-    return all.empty() || all.front().empty() ? std::nullopt : std::optional(std::move(all.front()));
+    const auto whole = bytes(reply);
+    auto first =
+        whole.empty() ? std::string() : decoded(*reply, whole.substr(0, whole.find('\0')), maximumBytes);
+    return first.empty() ? std::nullopt : std::optional(std::move(first));
 }
 
 } // namespace tavrin

@@ -2,8 +2,6 @@
 
 #include "platform/x11/x11_reply.h"
 
-#include <xcb/randr.h>
-
 #include <algorithm>
 #include <poll.h>
 
@@ -15,25 +13,29 @@ using namespace std::chrono_literals;
 constexpr auto recentAge = 2ms;
 /// A flood of events goes on as long as they are read; whoever waits must get its turn.
 constexpr int eventsAtOnce = 4096;
+/// A person who uses the program asks again within this time.
+constexpr Seconds idleTime{5};
+/// Reading more events than these costs more than reading everything anew when somebody asks.
+constexpr int unaskedEventLimit = 4096;
 
-void selectRootEvents(X11Connection& server, std::uint32_t coreMask, std::uint16_t randrMask) {
-    xcb_change_window_attributes(server.get(), server.root(), XCB_CW_EVENT_MASK, &coreMask);
-    if (server.extensions().hasMonitors)
-        xcb_randr_select_input(server.get(), server.root(), randrMask);
+void selectRootEvents(X11Connection& server, std::uint32_t mask) {
+    xcb_change_window_attributes(server.get(), server.root(), XCB_CW_EVENT_MASK, &mask);
 }
 
 } // namespace
 
-X11QueryConnection::X11QueryConnection(std::unique_ptr<X11Connection> connection, Scheduler& scheduler)
-    : connection_(std::move(connection)), scheduler_(scheduler) {}
+X11QueryConnection::X11QueryConnection(std::unique_ptr<X11Connection> connection, EventLoop& eventLoop,
+                                       Scheduler& scheduler)
+    : connection_(std::move(connection)), eventLoop_(eventLoop), scheduler_(scheduler) {}
 
 bool X11QueryConnection::bringUpToDate(Freshness freshness) {
-    beginUse();
-    if (freshness == Freshness::now || Clock::now() - lastRoundTrip_ > recentAge) {
+    // At the beginning nothing is known that could be out of date.
+    if (isInUse_ && (freshness == Freshness::now || Clock::now() - lastRoundTrip_ > recentAge)) {
         // Any reply will do: the server has sent all earlier events before it.
         const auto reply = owned(xcb_get_input_focus_reply(get(), xcb_get_input_focus(get()), nullptr));
         lastRoundTrip_ = Clock::now();
     }
+    beginUse();
     // Asking the kernel for more each time would be most of the price of a question.
     dispatchEvents(xcb_poll_for_queued_event);
     return !connection_->isBroken();
@@ -41,7 +43,7 @@ bool X11QueryConnection::bringUpToDate(Freshness freshness) {
 
 bool X11QueryConnection::waitForEvents(Clock::time_point deadline) {
     xcb_flush(get());
-    while (!dispatchEvents(xcb_poll_for_event) || Clock::now() >= deadline) {
+    while (dispatchEvents(xcb_poll_for_event) == 0 || Clock::now() >= deadline) {
         if (connection_->isBroken())
             return false;
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
@@ -53,35 +55,55 @@ bool X11QueryConnection::waitForEvents(Clock::time_point deadline) {
     return true;
 }
 
-bool X11QueryConnection::dispatchEvents(EventSource next) {
-    bool hadEvents = false;
-    for (int count = 0; count < eventsAtOnce; ++count) {
+/// How many there were.
+int X11QueryConnection::dispatchEvents(EventSource next) {
+    int count = 0;
+    for (int read = 0; read < eventsAtOnce; ++read) {
         const auto event = owned(next(get()));
         if (!event)
             break;
         if (event->response_type == 0)
             continue; // the error of a request about a window that vanished
-        hadEvents = true;
+        ++count;
         for (auto* mirror : mirrors_)
             mirror->handleEvent(*event);
     }
-    return hadEvents;
+    return count;
 }
 
 void X11QueryConnection::beginUse() {
-    if (isInUse_)
+    lastUse_ = Clock::now();
+    unaskedEvents_ = 0;
+    if (isInUse_ || connection_->isBroken())
         return;
     isInUse_ = true;
-    lastRoundTrip_ = {};
-    selectRootEvents(*connection_, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY,
-                     XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
-                         XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
-    endOfTurn_ = scheduler_.after(Seconds{0}, [this] { endUse(); });
+    lastRoundTrip_ = lastUse_;
+    selectRootEvents(*connection_, XCB_EVENT_MASK_PROPERTY_CHANGE);
+    watch_ = eventLoop_.watchReadable(connection_->fileDescriptor(), [this] { readBetweenQuestions(); });
+    idleTimer_ = scheduler_.after(idleTime, [this] { endUseWhenIdle(); });
+}
+
+void X11QueryConnection::readBetweenQuestions() {
+    unaskedEvents_ += dispatchEvents(xcb_poll_for_event);
+    if (unaskedEvents_ > unaskedEventLimit || connection_->isBroken())
+        endUse();
+    else
+        xcb_flush(get()); // a mirror may have had enough of a window
+}
+
+void X11QueryConnection::endUseWhenIdle() {
+    const Seconds idle = Clock::now() - lastUse_;
+    if (idle >= idleTime)
+        endUse();
+    else // one timer for the whole time of use is cheaper than a new one at every question
+        idleTimer_ = scheduler_.after(idleTime - idle, [this] { endUseWhenIdle(); });
 }
 
 void X11QueryConnection::endUse() {
     isInUse_ = false;
-    selectRootEvents(*connection_, XCB_EVENT_MASK_NO_EVENT, 0);
+    watch_.release();
+    idleTimer_.release();
+    selectRootEvents(*connection_, XCB_EVENT_MASK_NO_EVENT);
     for (auto* mirror : mirrors_)
         mirror->forget();
     // What the server sent before it read this is read away now; nothing follows.

@@ -24,18 +24,19 @@ public:
     /// An event arrived (its type may carry the bit of a sent event).
     virtual void handleEvent(const xcb_generic_event_t& event) = 0;
 
-    /// The turn of the event loop is over: unselect what was selected and forget everything.
+    /// Nobody asked for some time, or too much happens: unselect what was selected and forget everything.
     virtual void forget() = 0;
 };
 
-/// The connection for questions. It is used synchronously and never watched: events are selected from the
-/// first question to the end of that turn of the event loop, and read together with the answers. So an idle
-/// program is neither woken by them, nor do they pile up while nobody reads.
+/// The connection for questions. Events are selected from the first question until some seconds after the
+/// last one, so that a later question reads only what changed. They are read together with the answers, and
+/// between questions as they come, so that they do not pile up; when too many come, all is forgotten at once.
+/// Before the first question and some seconds after the last one nothing wakes the program.
 class X11QueryConnection {
 public:
     using Clock = std::chrono::steady_clock;
 
-    X11QueryConnection(std::unique_ptr<X11Connection> connection, Scheduler& scheduler);
+    X11QueryConnection(std::unique_ptr<X11Connection> connection, EventLoop& eventLoop, Scheduler& scheduler);
 
     X11Connection& server() { return *connection_; }
     xcb_connection_t* get() const { return connection_->get(); }
@@ -46,8 +47,8 @@ public:
     void join(X11Mirror& mirror) { mirrors_.push_back(&mirror); }
 
     /// Has the mirrors told of everything that happened, as far as `freshness` demands. From the first call
-    /// to the end of the turn, changes of the root window and of the screens are selected. False when the
-    /// server is gone.
+    /// until the mirrors are told to forget, changes of the root window are selected. False when the server
+    /// is gone.
     bool bringUpToDate(Freshness freshness);
 
     /// Waits until at least one event came and was passed on; false after `deadline`, however many events
@@ -56,16 +57,22 @@ public:
 
 private:
     using EventSource = xcb_generic_event_t* (*)(xcb_connection_t*);
-    bool dispatchEvents(EventSource next);
+    int dispatchEvents(EventSource next);
     void beginUse();
+    void readBetweenQuestions();
+    void endUseWhenIdle();
     void endUse();
 
     std::unique_ptr<X11Connection> connection_;
+    EventLoop& eventLoop_;
     Scheduler& scheduler_;
     std::vector<X11Mirror*> mirrors_;
     bool isInUse_ = false;
+    int unaskedEvents_ = 0; ///< since the last question
+    Clock::time_point lastUse_;
     Clock::time_point lastRoundTrip_;
-    Token endOfTurn_;
+    Token watch_;
+    Token idleTimer_;
 };
 
 } // namespace tavrin

@@ -37,7 +37,7 @@ struct X11Window {
     FrameInsets shadows;
     bool drawsOwnShadows = false; ///< the client says how wide they are, even where it is nothing now
     WindowStates states;
-    std::optional<std::uint32_t> desktop; ///< absent where there are no desktops
+    std::optional<std::uint32_t> desktop; ///< absent where there are no desktops, or nobody asks for it
     std::optional<WindowKind> kind;       ///< absent for wallpaper, panels, menus and notifications
     std::string title;
     ApplicationClues clues;

@@ -8,6 +8,7 @@
 #include <array>
 #include <limits>
 #include <map>
+#include <set>
 #include <unistd.h>
 #include <utility>
 
@@ -41,9 +42,10 @@ WindowStates windowStates(const X11Atoms& atoms, const std::vector<std::uint32_t
     return states;
 }
 
-/// The types are listed in order of preference, so the first known one decides.
-std::optional<WindowKind> windowKind(const X11Atoms& atoms, const std::vector<std::uint32_t>& types,
-                                     bool isTransient) {
+/// As `X11Window::kind`. The types are listed in order of preference, so the first known one decides; without
+/// one this is absent.
+std::optional<std::optional<WindowKind>> windowKind(const X11Atoms& atoms,
+                                                    const std::vector<std::uint32_t>& types) {
     using Meaning = std::pair<xcb_atom_t, std::optional<WindowKind>>;
     const std::array kinds = {
         Meaning{atoms.typeNormal, WindowKind::standard},  Meaning{atoms.typeDialog, WindowKind::dialog},
@@ -58,7 +60,7 @@ std::optional<WindowKind> windowKind(const X11Atoms& atoms, const std::vector<st
         for (const auto& [atom, kind] : kinds)
             if (type == atom)
                 return kind;
-    return isTransient ? WindowKind::dialog : WindowKind::standard;
+    return std::nullopt;
 }
 
 } // namespace
@@ -68,15 +70,21 @@ struct X11WindowReader::Requests {
     xcb_get_geometry_cookie_t geometry{};
     xcb_translate_coordinates_cookie_t origin{};
     xcb_get_property_cookie_t name{};
-    xcb_get_property_cookie_t legacyName{};
     xcb_get_property_cookie_t windowClass{};
     xcb_get_property_cookie_t states{};
     xcb_get_property_cookie_t desktop{};
     xcb_get_property_cookie_t types{};
-    xcb_get_property_cookie_t transientFor{};
     xcb_get_property_cookie_t decorations{};
     xcb_get_property_cookie_t shadows{};
     xcb_get_property_cookie_t applicationID{};
+};
+
+/// What is asked of a window when the first answers leave it open.
+struct X11WindowReader::SecondRequests {
+    Task& task;
+    WindowPart parts = WindowPart::none;
+    xcb_get_property_cookie_t legacyName{};
+    xcb_get_property_cookie_t transientFor{};
     xcb_get_property_cookie_t pid{};
     xcb_get_property_cookie_t machine{};
 };
@@ -84,14 +92,23 @@ struct X11WindowReader::Requests {
 X11WindowReader::X11WindowReader(X11Connection& server) : server_(server), hostName_(localHostName()) {}
 
 void X11WindowReader::read(std::span<Task> tasks) const {
+    // Asked first, so that its answer does not have to wait for all the others to be kept.
+    const auto clientIDs = requestClientIDs(tasks);
     std::vector<Requests> requests;
     requests.reserve(tasks.size());
-    for (const auto& task : tasks)
+    for (auto& task : tasks) {
         requests.push_back(send(task));
-    // Asked last and answered first: whatever pid a window claims is only a second choice.
-    readClientIDs(tasks);
+        if (contains(task.parts, WindowPart::process))
+            task.window->clues.pid.reset();
+    }
+    if (clientIDs)
+        collectClientIDs(*clientIDs, tasks);
+    std::vector<SecondRequests> second;
     for (std::size_t i = 0; i < tasks.size(); ++i)
-        collect(requests[i], tasks[i]);
+        if (const auto open = collect(requests[i], tasks[i]); open != WindowPart::none && !tasks[i].isGone)
+            second.push_back(sendSecond(tasks[i], open));
+    for (const auto& more : second)
+        collectSecond(more);
 }
 
 X11WindowReader::Requests X11WindowReader::send(const Task& task) const {
@@ -109,37 +126,31 @@ X11WindowReader::Requests X11WindowReader::send(const Task& task) const {
         requests.geometry = xcb_get_geometry(connection, window);
         requests.origin = xcb_translate_coordinates(connection, window, server_.root(), 0, 0);
     }
-    if (wants(WindowPart::title)) {
+    if (wants(WindowPart::title))
         requests.name = property(atoms.netWmName, titleLimit);
-        requests.legacyName = property(XCB_ATOM_WM_NAME, titleLimit);
-    }
     if (wants(WindowPart::windowClass))
         requests.windowClass = property(XCB_ATOM_WM_CLASS, 2 * nameLimit);
     if (wants(WindowPart::states))
         requests.states = property(atoms.netWmState, listLimit);
     if (wants(WindowPart::desktop))
         requests.desktop = property(atoms.netWmDesktop, 4);
-    if (wants(WindowPart::kind)) {
+    if (wants(WindowPart::kind))
         requests.types = property(atoms.netWmWindowType, listLimit);
-        requests.transientFor = property(XCB_ATOM_WM_TRANSIENT_FOR, 4);
-    }
     if (wants(WindowPart::decorations))
         requests.decorations = property(atoms.netFrameExtents, 16);
     if (wants(WindowPart::shadows))
         requests.shadows = property(atoms.gtkFrameExtents, 16);
     if (wants(WindowPart::applicationID))
         requests.applicationID = property(atoms.gtkApplicationId, nameLimit);
-    if (wants(WindowPart::process)) {
-        requests.pid = property(atoms.netWmPid, 4);
-        requests.machine = property(XCB_ATOM_WM_CLIENT_MACHINE, nameLimit);
-    }
     return requests;
 }
 
-void X11WindowReader::collect(const Requests& requests, Task& task) const {
+/// The parts that have to be asked about once more.
+WindowPart X11WindowReader::collect(const Requests& requests, Task& task) const {
     const auto& atoms = server_.atoms();
     auto* connection = server_.get();
     auto& window = *task.window;
+    auto open = WindowPart::none;
     const auto wants = [&](WindowPart part) { return contains(task.parts, part); };
     const auto property = [&](xcb_get_property_cookie_t cookie) {
         auto reply = owned(xcb_get_property_reply(connection, cookie, nullptr));
@@ -162,10 +173,9 @@ void X11WindowReader::collect(const Requests& requests, Task& task) const {
         }
     }
     if (wants(WindowPart::title)) {
-        const auto name = text(property(requests.name).get(), titleLimit);
-        const auto legacyName =
-            legacyText(property(requests.legacyName).get(), titleLimit, atoms.compoundText);
-        window.title = name ? *name : legacyName.value_or("");
+        window.title = text(property(requests.name).get(), titleLimit).value_or("");
+        if (window.title.empty())
+            open = open | WindowPart::title;
     }
     if (wants(WindowPart::windowClass)) {
         const auto names = texts(property(requests.windowClass).get(), nameLimit);
@@ -180,9 +190,11 @@ void X11WindowReader::collect(const Requests& requests, Task& task) const {
     if (wants(WindowPart::desktop))
         window.desktop = cardinal(property(requests.desktop).get());
     if (wants(WindowPart::kind)) {
-        const auto types = cardinals(property(requests.types).get());
-        const auto transientFor = cardinal(property(requests.transientFor).get());
-        window.kind = windowKind(atoms, types, transientFor.value_or(XCB_WINDOW_NONE) != XCB_WINDOW_NONE);
+        const auto kind = windowKind(atoms, cardinals(property(requests.types).get()));
+        if (kind)
+            window.kind = *kind;
+        else
+            open = open | WindowPart::kind;
     }
     if (wants(WindowPart::decorations))
         window.decorations = frameInsets(cardinals(property(requests.decorations).get()));
@@ -193,33 +205,73 @@ void X11WindowReader::collect(const Requests& requests, Task& task) const {
     }
     if (wants(WindowPart::applicationID))
         window.clues.applicationID = text(property(requests.applicationID).get(), nameLimit);
-    if (wants(WindowPart::process)) {
+    // Whatever process a window claims to be of is only a second choice.
+    if (wants(WindowPart::process) && !window.clues.pid)
+        open = open | WindowPart::process;
+    return open;
+}
+
+X11WindowReader::SecondRequests X11WindowReader::sendSecond(Task& task, WindowPart parts) const {
+    const auto property = [&](xcb_atom_t atom, std::size_t limit) {
+        return requestProperty(server_.get(), task.window->id, atom, limit);
+    };
+    SecondRequests requests{.task = task, .parts = parts};
+    if (contains(parts, WindowPart::title))
+        requests.legacyName = property(XCB_ATOM_WM_NAME, titleLimit);
+    if (contains(parts, WindowPart::kind))
+        requests.transientFor = property(XCB_ATOM_WM_TRANSIENT_FOR, 4);
+    if (contains(parts, WindowPart::process)) {
+        requests.pid = property(server_.atoms().netWmPid, 4);
+        requests.machine = property(XCB_ATOM_WM_CLIENT_MACHINE, nameLimit);
+    }
+    return requests;
+}
+
+void X11WindowReader::collectSecond(const SecondRequests& requests) const {
+    auto& window = *requests.task.window;
+    const auto property = [&](xcb_get_property_cookie_t cookie) {
+        auto reply = owned(xcb_get_property_reply(server_.get(), cookie, nullptr));
+        requests.task.isGone |= !reply;
+        return reply;
+    };
+    if (contains(requests.parts, WindowPart::title))
+        window.title =
+            legacyText(property(requests.legacyName).get(), titleLimit, server_.atoms().compoundText)
+                .value_or("");
+    if (contains(requests.parts, WindowPart::kind)) {
+        const auto leader = cardinal(property(requests.transientFor).get());
+        window.kind =
+            leader.value_or(XCB_WINDOW_NONE) != XCB_WINDOW_NONE ? WindowKind::dialog : WindowKind::standard;
+    }
+    if (contains(requests.parts, WindowPart::process)) {
         const auto claimed = cardinal(property(requests.pid).get());
         const auto machine = text(property(requests.machine).get(), nameLimit);
-        if (!window.clues.pid && claimed && machine && *machine == hostName_)
+        if (claimed && machine && *machine == hostName_)
             window.clues.pid = processID(*claimed);
     }
 }
 
-void X11WindowReader::readClientIDs(std::span<Task> tasks) const {
-    std::map<std::uint32_t, std::optional<ProcessID>> pids;
-    for (auto& task : tasks) {
-        if (!contains(task.parts, WindowPart::process))
-            continue;
-        task.window->clues.pid.reset();
-        pids.emplace(server_.clientOf(task.window->id), std::nullopt);
-    }
-    pids.erase(0); // would ask for every client
+/// Absent when there is nothing to ask.
+std::optional<xcb_res_query_client_ids_cookie_t>
+X11WindowReader::requestClientIDs(std::span<const Task> tasks) const {
+    std::set<std::uint32_t> clients;
+    for (const auto& task : tasks)
+        if (contains(task.parts, WindowPart::process))
+            clients.insert(server_.clientOf(task.window->id));
+    clients.erase(0); // would ask for every client
+    if (clients.empty() || !server_.extensions().hasClientIDs)
+        return std::nullopt;
     std::vector<xcb_res_client_id_spec_t> questions;
-    for (const auto& [client, pid] : pids)
+    for (const auto client : clients)
         questions.push_back({client, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID});
-    if (questions.empty() || !server_.extensions().hasClientIDs)
-        return;
-    const auto reply = owned(xcb_res_query_client_ids_reply(
-        server_.get(),
-        xcb_res_query_client_ids(server_.get(), static_cast<std::uint32_t>(questions.size()),
-                                 questions.data()),
-        nullptr));
+    return xcb_res_query_client_ids(server_.get(), static_cast<std::uint32_t>(questions.size()),
+                                    questions.data());
+}
+
+void X11WindowReader::collectClientIDs(xcb_res_query_client_ids_cookie_t cookie,
+                                       std::span<Task> tasks) const {
+    std::map<std::uint32_t, std::optional<ProcessID>> pids;
+    const auto reply = owned(xcb_res_query_client_ids_reply(server_.get(), cookie, nullptr));
     if (!reply)
         return;
     for (auto id = xcb_res_query_client_ids_ids_iterator(reply.get()); id.rem > 0;

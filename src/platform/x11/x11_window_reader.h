@@ -3,7 +3,10 @@
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_window.h"
 
+#include <xcb/res.h>
+
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -30,12 +33,15 @@ enum class WindowPart : std::uint16_t {
 constexpr WindowPart operator|(WindowPart a, WindowPart b) {
     return static_cast<WindowPart>(static_cast<std::uint16_t>(a) | static_cast<std::uint16_t>(b));
 }
+constexpr WindowPart without(WindowPart set, WindowPart part) {
+    return static_cast<WindowPart>(static_cast<std::uint16_t>(set) & ~static_cast<std::uint16_t>(part));
+}
 constexpr bool contains(WindowPart set, WindowPart part) {
     return (static_cast<std::uint16_t>(set) & static_cast<std::uint16_t>(part)) != 0;
 }
 
 /// Reads windows: all requests of all windows are sent before the first answer is collected, so any number
-/// of windows costs one round trip.
+/// of windows costs one round trip, and a second one for what few windows leave open.
 class X11WindowReader {
 public:
     struct Task {
@@ -53,9 +59,13 @@ public:
 
 private:
     struct Requests;
+    struct SecondRequests;
     Requests send(const Task& task) const;
-    void collect(const Requests& requests, Task& task) const;
-    void readClientIDs(std::span<Task> tasks) const;
+    WindowPart collect(const Requests& requests, Task& task) const;
+    SecondRequests sendSecond(Task& task, WindowPart parts) const;
+    void collectSecond(const SecondRequests& requests) const;
+    std::optional<xcb_res_query_client_ids_cookie_t> requestClientIDs(std::span<const Task> tasks) const;
+    void collectClientIDs(xcb_res_query_client_ids_cookie_t cookie, std::span<Task> tasks) const;
 
     X11Connection& server_;
     std::string hostName_;

@@ -10,8 +10,8 @@ namespace tavrin {
 X11WindowSystem::X11WindowSystem(std::unique_ptr<X11Connection> questions,
                                  std::unique_ptr<X11Connection> news, EventLoop& eventLoop,
                                  Scheduler& scheduler)
-    : query_(std::move(questions), scheduler), events_(std::move(news), eventLoop, scheduler), table_(query_),
-      windowManager_(query_), mover_(query_, table_, windowManager_),
+    : query_(std::move(questions), eventLoop, scheduler), events_(std::move(news), eventLoop, scheduler),
+      table_(query_), windowManager_(query_), mover_(query_, table_, windowManager_),
       screens_(query_.server(), windowManager_), desktopWatch_(events_, screens_, windowManager_),
       keyWatch_(events_, query_) {}
 

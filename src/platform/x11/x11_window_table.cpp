@@ -14,7 +14,7 @@ constexpr std::size_t windowLimit = 4096;
 
 constexpr std::uint32_t allDesktops = 0xFFFFFFFF;
 
-/// A window that sends more events in one turn is no longer listened to but read again at every question.
+/// A window that sends more events is no longer listened to but read again at every question.
 constexpr int eventLimit = 512;
 
 void selectWindowEvents(xcb_connection_t* connection, xcb_window_t window, std::uint32_t mask) {
@@ -35,8 +35,11 @@ bool X11WindowTable::refresh(Freshness freshness) {
         windows_.clear();
         return false;
     }
-    if (isRootOutdated_)
+    if (isRootOutdated_) {
         readRoot();
+        // What happened before the list was read came with it.
+        connection_.bringUpToDate(Freshness::recent);
+    }
     if (hasLoud_)
         for (auto& [id, entry] : entries_)
             if (entry.eventCount > eventLimit)
@@ -46,8 +49,7 @@ bool X11WindowTable::refresh(Freshness freshness) {
 }
 
 bool X11WindowTable::refreshPlaces() {
-    if (!connection_.bringUpToDate(Freshness::now))
-        return refresh(Freshness::recent);
+    isRootOutdated_ = true;
     for (auto& [id, entry] : entries_)
         markOutdated(entry, WindowPart::visibility | WindowPart::geometry);
     return refresh(Freshness::recent);
@@ -100,6 +102,7 @@ void X11WindowTable::readRoot() {
     const auto clientOf = [this](xcb_window_t window) { return connection_.server().clientOf(window); };
     if (!owner || owner->owner == XCB_WINDOW_NONE || clientOf(owner->owner) != clientOf(windowManager))
         shownDesktop_.reset();
+    hasOutdated_ |= shownDesktop_.has_value(); // the windows' desktops may not have been read before
     activeWindow_ = cardinal(collect(active).get());
 }
 
@@ -137,12 +140,14 @@ void X11WindowTable::readOutdated() {
     if (!hasOutdated_)
         return;
     hasOutdated_ = false;
+    const auto unneeded = shownDesktop_ ? WindowPart::none : WindowPart::desktop;
     std::vector<X11WindowReader::Task> tasks;
     for (auto& [id, entry] : entries_) {
-        if (entry.outdated == WindowPart::none)
+        const auto parts = without(entry.outdated, unneeded);
+        if (parts == WindowPart::none)
             continue;
-        tasks.push_back({.window = &entry.window, .parts = entry.outdated});
-        entry.outdated = WindowPart::none;
+        tasks.push_back({.window = &entry.window, .parts = parts});
+        entry.outdated = without(entry.outdated, parts);
     }
     reader_.read(tasks);
     std::set<xcb_window_t> gone;

@@ -9,8 +9,8 @@
 
 namespace tavrin {
 
-/// The mirror of the client windows. The first question of a turn reads everything in a few round trips,
-/// whatever the number of windows; later ones read again only what changed since.
+/// The mirror of the client windows. The first question reads everything in a few round trips, whatever the
+/// number of windows; later ones read again only what changed since.
 class X11WindowTable final : public X11Mirror {
 public:
     explicit X11WindowTable(X11QueryConnection& connection);
@@ -18,8 +18,8 @@ public:
     /// Brings the mirror up to date. False when there is no window list (no server, no window manager).
     bool refresh(Freshness freshness);
 
-    /// As `refresh` with `Freshness::now`, and reads visibility and geometry of all windows again: a window
-    /// manager may hide or shift a window with its frame without the window being told.
+    /// As `refresh` with `Freshness::now`, and reads the list, and visibility and geometry of all windows,
+    /// again: a window manager may hide or shift a window with its frame without the window being told.
     bool refreshPlaces();
 
     // All below answer from the mirror as the last refresh left it.
