@@ -157,7 +157,7 @@ TEST_F(FaultTest, FiveHundredWindowsAreSavedAndRestored) {
         ASSERT_TRUE(waitUntil([&] { return seen(all[i]) == saved[i]; })) << i;
 }
 
-TEST_F(FaultTest, AHungWindowManagerHoldsUpARestoreForThreeSecondsAtMost) {
+TEST_F(FaultTest, AHungWindowManagerHoldsUpTheProgramForTwoSecondsAtMost) {
     startAll();
     if (lacks(Ability::xDesktop))
         GTEST_SKIP() << "about X";
@@ -174,7 +174,7 @@ TEST_F(FaultTest, AHungWindowManagerHoldsUpARestoreForThreeSecondsAtMost) {
     xDesktop().hangWindowManager();
     const auto begin = std::chrono::steady_clock::now();
     ASSERT_TRUE(program().restoreLayout("Many"));
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
     xDesktop().resumeWindowManager();
     EXPECT_TRUE(waitUntil([&] { return seenAll(all) == saved; })) << "asked all the same";
     expectStillAtWork();

@@ -104,8 +104,9 @@ enum class WindowSystemEvent {
 /// Desktop space: points, origin at the top left of the whole desktop as the window system counts it, y
 /// downwards. The shared layer above turns it into the spaces of the records.
 ///
-/// Main thread only. Every operation returns within about a second, whatever other programs do; what other
-/// programs answer is bounded in length and checked before it gets here.
+/// Main thread only. Every operation returns within about a second, whatever other programs do; only `place`
+/// goes on as long as answers come. What other programs answer is bounded in length and checked before it
+/// gets here.
 class WindowSystem {
 public:
     virtual ~WindowSystem() = default;
@@ -120,7 +121,7 @@ public:
     virtual std::expected<WindowListing, WindowSystemObstacle> list() = 0;
 
     /// Places windows and waits, together and for at most `patience` seconds, until the clients have
-    /// answered; gives up earlier when nothing at all was answered for two seconds. Maximised, fullscreen and
+    /// answered; gives up earlier when nothing at all was answered for a while. Maximised, fullscreen and
     /// shaded states are left first. One outcome for each placement, in their order: windows that do not
     /// answer never hold up the others.
     virtual std::vector<PlacementOutcome> place(std::span<const WindowPlacement> placements,

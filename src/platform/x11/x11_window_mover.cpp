@@ -12,8 +12,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// How long a window manager may take to answer anything at all.
-constexpr auto answerPatience = 2000ms;
+/// How long a window manager may take to answer anything at all. The interface waits as well.
+constexpr auto answerPatience = 800ms;
 /// How long a window may keep a state that it was told to leave.
 constexpr auto statePatience = 250ms;
 /// How long a client may take to draw its shadows again.
