@@ -91,7 +91,7 @@ AppDelegate::AppDelegate(const Platform& platform, UserInterfaceFactory& userInt
                                 profileListViewModel_, *popover_) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
-    reconcileLaunchAtLogin();
+    launchAtLoginService_.reconcile(settingsStore_, LaunchAtLoginService::Missing::enable);
     profileListViewModel_.reload();
     platform_.statusItem.setOnNoStatusArea([this] { showThatItRuns(); });
     if (!statusItemController_)
@@ -136,21 +136,6 @@ void AppDelegate::applicationDidFinishLaunching() {
 
 AppSupportPaths AppDelegate::paths() const {
     return {platform_.fileSystem, platform_.applicationSupportDirectory / "Tavrin"};
-}
-
-void AppDelegate::reconcileLaunchAtLogin() {
-    const auto settings = settingsStore_.load();
-    if (!settings)
-        return;
-    const bool isEnabled = launchAtLoginService_.isEnabled();
-    if (settings->launchAtLogin == isEnabled)
-        return;
-    if (settings->launchAtLogin && !launchAtLoginService_.isSwitchedOff() && launchAtLoginService_.enable())
-        return;
-    // Enabling failed, or the user decided elsewhere: the program never disables a login item by itself.
-    static_cast<void>(
-        settingsStore_.change([&](AppSettings& current) { current.launchAtLogin = !settings->launchAtLogin; },
-                              SettingsStore::Unreadable::refuse));
 }
 
 /// Without a status area nothing is to be seen of the program. Once, the user is shown that it runs.

@@ -32,7 +32,6 @@ public:
 
 private:
     AppSupportPaths paths() const;
-    void reconcileLaunchAtLogin();
     void showThatItRuns();
     void permissionChanged(AccessibilityPermissionState state);
     void refresh();

@@ -10,15 +10,11 @@ AutomationSettingsView::AutomationSettingsView(Collaborators collaborators) : co
 }
 
 void AutomationSettingsView::appear() {
+    LaunchAtLoginService& service = collaborators_.launchAtLoginService;
+    service.reconcile(collaborators_.settingsStore, LaunchAtLoginService::Missing::accept);
     if (auto loaded = collaborators_.settingsStore.load())
         settings_ = std::move(*loaded);
-    const bool isEnabled = collaborators_.launchAtLoginService.isEnabled();
-    if (settings_.launchAtLogin != isEnabled) {
-        settings_.launchAtLogin = isEnabled;
-        static_cast<void>(collaborators_.settingsStore.change(
-            [&](AppSettings& settings) { settings.launchAtLogin = isEnabled; },
-            SettingsStore::Unreadable::refuse));
-    }
+    settings_.launchAtLogin = service.isEnabled();
     readSetups();
     changed.emit();
 }

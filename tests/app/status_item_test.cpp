@@ -121,6 +121,7 @@ TEST_F(StatusItemTest, SavesThroughThePopoverAndUpdatesWithoutIt) {
     EXPECT_EQ(list.profiles.value().size(), 1u);
 
     item.chosen(MenuAction::saveCurrentLayout, {});
+    EXPECT_EQ(popover.view->errorMessage(), "Enter a name for this layout.");
     popover.view->setLayoutName("wORK ");
     EXPECT_EQ(popover.view->notice(), "Replaces existing layout");
     popover.view->setLayoutName(std::string(51, 'x'));

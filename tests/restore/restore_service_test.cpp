@@ -125,5 +125,17 @@ TEST(RestoreResult, TellsHowItWent) {
     EXPECT_EQ(flags({0, 0, 0, {}, 0, 0}), "nothing ");
 }
 
+TEST(RestoreResult, DerivesMissingCounts) {
+    const auto counts = [](const RestoreResult& r) {
+        return std::pair{r.unmatchedCount, r.moveFailureCount};
+    };
+    EXPECT_EQ(counts({3, 0, 3, {}}), (std::pair<std::int64_t, std::int64_t>{3, 0}));
+    EXPECT_EQ(counts({4, 1, 3, {}, std::nullopt, 2}), (std::pair<std::int64_t, std::int64_t>{1, 2}));
+    EXPECT_EQ(counts({2, 5, 0, {}}), (std::pair<std::int64_t, std::int64_t>{0, 0}));
+    EXPECT_EQ(counts({5, 1, 4, {}, 1}), (std::pair<std::int64_t, std::int64_t>{1, 3}));
+    EXPECT_EQ(restoreTriggerSource("Menu Bar"), RestoreTriggerSource::menuBar);
+    EXPECT_EQ(restoreTriggerSource("menuBar"), std::nullopt);
+}
+
 } // namespace
 } // namespace tavrin

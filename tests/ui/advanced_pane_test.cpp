@@ -16,6 +16,15 @@ protected:
     }
 };
 
+TEST_F(AdvancedPaneTest, RechecksThePermissionAndGoesOnByItself) {
+    permission.state = AccessibilityPermissionState::denied;
+    pane.recheckPermission();
+    EXPECT_EQ(pane.permissionTitle(), "Accessibility permission required");
+    permission.state = AccessibilityPermissionState::granted;
+    time.pass(2);
+    EXPECT_TRUE(pane.isPermissionGranted());
+}
+
 TEST_F(AdvancedPaneTest, ReportsForTroubleshootingWithoutWindowTitles) {
     windows.windows = {testing::window(1, "Editor", "diary", {0, 0, 500, 500})};
     displays.snapshot.displays[1].stableID.reset();

@@ -24,6 +24,16 @@ TEST_F(AutomationSettingsTest, ShowsTheFileWhenASwitchCannotBeSaved) {
     EXPECT_TRUE(view.settings().autoRestoreOnWake) << "what was shown stays";
 }
 
+TEST_F(AutomationSettingsTest, AdoptsWhatTheSessionDoesAtLogin) {
+    for (const bool isEnabled : {true, false}) {
+        ASSERT_TRUE(settings.save({.launchAtLogin = !isEnabled}));
+        loginItem.current = isEnabled ? LoginItemStatus::enabled : LoginItemStatus::notRegistered;
+        view.appear();
+        EXPECT_EQ(view.settings().launchAtLogin, isEnabled);
+        EXPECT_EQ(settings.load()->launchAtLogin, isEnabled);
+    }
+}
+
 TEST_F(AutomationSettingsTest, PutsTheLoginSwitchBackWhenTheSessionRefuses) {
     for (const bool isEnabled : {false, true}) {
         loginItem.current = isEnabled ? LoginItemStatus::enabled : LoginItemStatus::notRegistered;

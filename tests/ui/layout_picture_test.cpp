@@ -92,6 +92,13 @@ TEST(LayoutPicture, ShowsWindowsWhereTheUserSawThem) {
     }
 }
 
+TEST(LayoutPicture, TakesAWindowThatHangsBelowTheScreenForNoPanel) {
+    const auto picture = makeLayoutPicture(
+        layoutOn({at({0, 0, 1920, 1080})}, {at("Low", {100, 900, 400, 300}), at("Top", {0, 0, 400, 300})}));
+    EXPECT_EQ(frameOf(picture, "Top"), (Rect{0, 0, 400, 300}));
+    EXPECT_EQ(picture.windows.back().visibleFrame.maxY() <= 1080, true);
+}
+
 TEST(LayoutPicture, PutsSmallWindowsInFrontAndFrontOnesInFrontOfTheirEquals) {
     const auto picture = makeLayoutPicture(
         layoutOn({at({0, 0, 1000, 1000})}, {at("front", {0, 0, 100, 100}), at("back", {50, 0, 100, 100}),

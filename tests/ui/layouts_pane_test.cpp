@@ -61,6 +61,16 @@ TEST_F(LayoutsPaneTest, ShowsTheConnectedSetupFirstWithItsLayouts) {
     EXPECT_EQ(shown(), "Home: Evening. Desk: Work Play. ") << "follows the displays by itself";
 }
 
+TEST_F(LayoutsPaneTest, TellsSetupsOfOneNameApart) {
+    ASSERT_TRUE(store.renameProfile(homeID, "Desk"));
+    pane.appear();
+    displays.snapshot = testing::leftAlone();
+    pane.update(workID);
+    EXPECT_EQ(notice(), "") << "its displays went just now";
+    EXPECT_EQ(pane.content().setups.front().id, homeID);
+    EXPECT_FALSE(card(workID).canUpdate);
+}
+
 TEST_F(LayoutsPaneTest, TheUserSaysWhichOfSeveralSimilarSetupsIsConnected) {
     const auto studio = store.createProfile("Studio", fingerprint(testing::desk()));
     displays.snapshot.displays[1].stableID = "9-9-9";

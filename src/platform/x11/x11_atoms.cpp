@@ -1,6 +1,6 @@
 #include "platform/x11/x11_atoms.h"
 
-#include "platform/x11/x11_reply.h"
+#include "platform/x11/x11_connection.h"
 
 #include <array>
 #include <string_view>

@@ -1,7 +1,6 @@
 #include "platform/x11/x11_connection.h"
 
 #include "platform/x11/x11_keyboard_protocol.h"
-#include "platform/x11/x11_reply.h"
 
 #include <fmt/format.h>
 #include <xcb/randr.h>

@@ -5,11 +5,25 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <expected>
 #include <memory>
 #include <string>
 
 namespace tavrin {
+
+struct FreeDeleter {
+    void operator()(void* memory) const { std::free(memory); }
+};
+
+/// An answer or an event as xcb hands it out; null for an error.
+template <class Content>
+using X11Reply = std::unique_ptr<Content, FreeDeleter>;
+
+template <class Content>
+X11Reply<Content> owned(Content* content) {
+    return X11Reply<Content>(content);
+}
 
 /// What the server offers beyond the core protocol.
 struct X11Extensions {

@@ -1,7 +1,5 @@
 #include "platform/x11/x11_event_connection.h"
 
-#include "platform/x11/x11_reply.h"
-
 #include <utility>
 
 namespace tavrin {

@@ -1,7 +1,7 @@
 #include "platform/x11/x11_key_watch.h"
 
+#include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_keyboard_protocol.h"
-#include "platform/x11/x11_reply.h"
 #include "records/key_combo.h"
 
 #include <xcb/res.h>

@@ -2,7 +2,6 @@
 
 #include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_keyboard_protocol.h"
-#include "platform/x11/x11_reply.h"
 #include "records/key_combo.h"
 
 #include <algorithm>

@@ -11,9 +11,10 @@ namespace tavrin {
 
 class X11Connection;
 
-/// Where the keys of a keyboard are. The server numbers them as the input layer does, plus 8, when it has
-/// real keyboards; a server for remote or virtual desktops may number all but the main block otherwise, and
-/// then the names of the keys tell.
+/// Where the keys of a keyboard are. Not read by libxkbcommon: its X11 part fetches the whole keymap for the
+/// same two tables, and does not tell which keys set a modifier. The server numbers them as the input layer
+/// does, plus 8, when it has real keyboards; a server for remote or virtual desktops may number all but the
+/// main block otherwise, and then the names of the keys tell.
 class KeyPositions {
 public:
     /// The four-letter names of the keys that have one, by the server's key number.

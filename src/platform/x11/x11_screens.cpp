@@ -2,8 +2,8 @@
 
 #include "platform/display_identity/edid.h"
 #include "platform/x11/work_area.h"
+#include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_property.h"
-#include "platform/x11/x11_reply.h"
 
 #include <fmt/format.h>
 #include <xcb/randr.h>

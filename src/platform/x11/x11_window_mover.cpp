@@ -1,7 +1,7 @@
 #include "platform/x11/x11_window_mover.h"
 
+#include "platform/x11/x11_connection.h"
 #include "platform/x11/x11_property.h"
-#include "platform/x11/x11_reply.h"
 
 #include <algorithm>
 #include <cmath>

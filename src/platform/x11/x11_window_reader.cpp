@@ -1,7 +1,6 @@
 #include "platform/x11/x11_window_reader.h"
 
 #include "platform/x11/x11_property.h"
-#include "platform/x11/x11_reply.h"
 
 #include <xcb/res.h>
 
