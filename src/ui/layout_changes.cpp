@@ -33,6 +33,10 @@ std::string windowCountText(std::size_t count) {
     return fmt::format("{} window{}", count, count == 1 ? "" : "s");
 }
 
+std::string layoutCountText(std::size_t count) {
+    return fmt::format("{} layout{}", count, count == 1 ? "" : "s");
+}
+
 void LayoutChanges::save(std::string_view name, const Uuid& profileID) {
     const std::string wanted(name);
     const Uuid setup = profileID;

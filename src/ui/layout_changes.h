@@ -82,5 +82,7 @@ std::string failureText(const CaptureService::Error& error);
 
 /// "1 window", "5 windows".
 std::string windowCountText(std::size_t count);
+/// "1 layout", "5 layouts".
+std::string layoutCountText(std::size_t count);
 
 } // namespace tavrin

@@ -208,7 +208,7 @@ std::optional<DeletionQuestion> LayoutsPane::setupDeletionQuestion(const Uuid& p
     }
     std::string message =
         names.empty() ? std::string("It has no layouts.")
-                      : fmt::format("{} will be lost: {}.", counted(names.size(), "layout"), listed(names));
+                      : fmt::format("{} will be lost: {}.", layoutCountText(names.size()), listed(names));
     if (shortcutCount)
         message += fmt::format(" {} will be removed.", counted(shortcutCount, "shortcut"));
     if (const std::size_t count = profile->learnedAssociations.size())

@@ -4,6 +4,7 @@
 #include "ui/qt/controls/buttons.h"
 #include "ui/qt/controls/icons.h"
 #include "ui/qt/controls/inputs.h"
+#include "ui/qt/controls/labels.h"
 #include "ui/qt/controls/style.h"
 
 #include <QApplication>
@@ -159,6 +160,8 @@ void SavePopoverWindow::showState() {
     const bool isMistake = error && !trimmed(view_->layoutName()).empty();
     const QColor color = isMistake ? warningColor(palette()) : secondaryTextColor(palette());
 
+    if (isVisible() && message_->text() != text && (isMistake || notice))
+        announce(*this, text);
     message_->setText(text);
     setTextColor(*message_, color);
     const bool hasIcon = isMistake || (!error && notice);

@@ -1,6 +1,7 @@
 #include "ui/qt/controls/buttons.h"
 
 #include "ui/qt/controls/icons.h"
+#include "ui/qt/controls/labels.h"
 #include "ui/qt/controls/settings_group.h"
 #include "ui/qt/controls/style.h"
 
@@ -118,8 +119,11 @@ FoldRow::FoldRow(const QString& text) : KeepsItsSize(text) {
 }
 
 void FoldRow::setExpanded(bool isExpanded) {
+    const bool isNew = isExpanded_ != isExpanded;
     isExpanded_ = isExpanded;
     setAccessibleDescription(isExpanded ? QStringLiteral("expanded") : QStringLiteral("collapsed"));
+    if (isNew)
+        announce(*this, accessibleDescription());
     update();
 }
 

@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QStyle>
 #include <QTextLayout>
+#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
@@ -54,10 +55,23 @@ void setAccessibleRole(QWidget& widget, QAccessible::Role role) {
             QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(known));
 }
 
-void announce(QWidget& widget, const QString& text) {
-    widget.setAccessibleName(text);
-    QAccessibleEvent event(&widget, QAccessible::Alert);
-    QAccessible::updateAccessibility(&event);
+void announce(const QWidget& widget, const QString& text) {
+    if (!QAccessible::isActive() || text.isEmpty())
+        return;
+    // Screen readers say what a notification says when it appears.
+    const auto name = QStringLiteral("announcement");
+    auto* notification = widget.window()->findChild<QWidget*>(name, Qt::FindDirectChildrenOnly);
+    if (!notification) {
+        notification = new QWidget(widget.window());
+        notification->setObjectName(name);
+        setAccessibleRole(*notification, QAccessible::Notification);
+    }
+    // After what changes with it, which they may pass over when much comes at once.
+    QTimer::singleShot(std::chrono::milliseconds(150), notification, [notification, text] {
+        notification->setAccessibleName(text);
+        QAccessibleEvent event(notification, QAccessible::ObjectShow);
+        QAccessible::updateAccessibility(&event);
+    });
 }
 
 TextLabel::TextLabel(const QString& text) : QLabel(text) {

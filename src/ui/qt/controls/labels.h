@@ -22,8 +22,8 @@ QString withoutDirectionMarks(QString text);
 /// not been shown yet.
 void setAccessibleRole(QWidget& widget, QAccessible::Role role);
 
-/// Has a screen reader say the text now.
-void announce(QWidget& widget, const QString& text);
+/// Has a screen reader say the text now; `widget` stands in the window that it is about.
+void announce(const QWidget& widget, const QString& text);
 
 /// A label that wraps its text anywhere if it must, so that a long word (a path, an identifier, a name
 /// without blanks) is never cut off. The text is shown as it is, never as markup.

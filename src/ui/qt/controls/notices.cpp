@@ -14,7 +14,7 @@ NoticeBar::NoticeBar(LayoutChanges& changes)
     : changes_(changes), text_(makeText({})), action_(new ActionButton({})),
       close_(new SymbolButton(QStringLiteral("xmark.circle"), QStringLiteral("Dismiss"),
                               SymbolButton::Ground::onHover)) {
-    setAccessibleRole(*this, QAccessible::Notification);
+    setAccessibleRole(*this, QAccessible::Grouping);
     setObjectName(QStringLiteral("notice"));
     auto* line = new QHBoxLayout(this);
     line->setContentsMargins(rowMargin, 6, 8, 6);
@@ -45,6 +45,7 @@ void NoticeBar::showNotice(const std::optional<LayoutChanges::Notice>& notice) {
     action_->setText(qText(notice->actionLabel));
     action_->setVisible(!notice->actionLabel.empty());
     action_->setToolTip(notice->isUndo ? QStringLiteral("Ctrl+Z") : QString());
+    setAccessibleName(text);
     announce(*this, notice->isUndo ? QStringLiteral("%1 Ctrl+Z to undo.").arg(text) : text);
 }
 

@@ -81,6 +81,7 @@ QAbstractButton* AppsPaneWidget::makeExcludedButton(const ListedApplication& app
     auto* button = new SymbolButton(QStringLiteral("minus.circle.fill"), name, SymbolButton::Ground::onHover,
                                     warningColor(palette()));
     button->setToolTip(Qt::convertFromPlainText(name)); // any program may call itself anything
+    button->setAccessibleDescription(qText(application.name));
     connect(button, &QToolButton::clicked, this, [this, bundleID = application.bundleIdentifier] {
         pane_.exclusions.remove(std::string(bundleID));
     });
@@ -116,6 +117,8 @@ void AppsPaneWidget::showLists() {
     const auto& excluded = pane_.exclusions.excludedBundleIDs();
     if (!areListsStale_ && excluded == shownExcluded_)
         return;
+    if (!areListsStale_ && excluded.size() > shownExcluded_.size())
+        announce(*this, QStringLiteral("%1 excluded").arg(qText(excluded.back())));
     areListsStale_ = false;
     const bool hadFocusInList = list_->hasFocus();
     const bool hadFocusInOpenList = openList_->hasFocus();

@@ -76,7 +76,10 @@ void AutomationSettingsWidget::showState() {
                               : picker->findData(qText(chosen->second.text()));
         const QSignalBlocker blocker(picker);
         picker->setCurrentIndex(index < 0 ? 0 : index);
-        notes_.at(profileID)->setVisible(picker->currentIndex() == 0);
+        const bool isNone = picker->currentIndex() == 0;
+        notes_.at(profileID)->setVisible(isNone);
+        // Screen readers tell the label, and of the value only this.
+        picker->setAccessibleDescription(isNone ? notes_.at(profileID)->text() : picker->currentText());
     }
 }
 

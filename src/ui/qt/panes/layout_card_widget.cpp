@@ -73,7 +73,6 @@ QWidget* LayoutCardWidget::makeNameLine() {
 QWidget* LayoutCardWidget::makeReportLine() {
     reportLine_ = new QWidget;
     report_ = makeText({});
-    setAccessibleRole(*report_, QAccessible::Notification);
     details_ = new ActionButton(QStringLiteral("Details"));
     details_->setToolTip(QStringLiteral("Shows the last restore attempt in full."));
     connect(details_, &QPushButton::clicked, this, [this] { callCopy(callbacks_.showDetails); });
@@ -108,7 +107,7 @@ void LayoutCardWidget::showCard(const LayoutCard& card, const QString& setupName
     if (card_ == card)
         return;
     const bool isNewPicture = !card_ || card_->picture != card.picture;
-    const bool isNewReport = !card.report.text.empty() && (!card_ || card_->report != card.report);
+    const bool isNewReport = card_ && card_->report != card.report;
     card_ = card;
     if (isNewPicture)
         picture_->setPicture(card.picture);
@@ -118,7 +117,7 @@ void LayoutCardWidget::showCard(const LayoutCard& card, const QString& setupName
     more_->setAccessibleName(QStringLiteral("More for %1").arg(name));
     showTexts();
     if (isNewReport)
-        announce(*report_, report_->text());
+        announce(*this, report_->text());
 }
 
 void LayoutCardWidget::showTexts() {
@@ -198,7 +197,7 @@ SetupHeaderWidget::SetupHeaderWidget(Callbacks callbacks)
       confirm_(new ActionButton(QStringLiteral("This is the connected one"), ActionButton::Role::suggested)),
       more_(new SymbolButton(QStringLiteral("ellipsis"), {}, SymbolButton::Ground::always)),
       menu_(new QMenu(this)) {
-    setAccessibleRole(*this, QAccessible::ListItem);
+    setAccessibleRole(*this, QAccessible::Heading);
     more_->setToolTip(QStringLiteral("Rename, delete"));
     more_->setAccessibleDescription(QStringLiteral("Menu: rename, delete"));
     menu_->addAction(QStringLiteral("Rename"), this, [this] { nameEditor_->startEditing(); });
@@ -232,9 +231,7 @@ void SetupHeaderWidget::showSetup(const SetupCard& setup, bool isFoldable) {
     nameEditor_->setName(name_);
     QString detail = qText(setup.detail);
     if (!setup.isExpanded)
-        detail += QStringLiteral(" · %1 %2")
-                      .arg(setup.layoutCount)
-                      .arg(setup.layoutCount == 1 ? QStringLiteral("layout") : QStringLiteral("layouts"));
+        detail += QStringLiteral(" · ") + qText(layoutCountText(setup.layoutCount));
     detail_->setText(detail);
     connected_->setVisible(setup.isCurrent);
     confirm_->setVisible(setup.isCandidate);

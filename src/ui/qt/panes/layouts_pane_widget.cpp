@@ -43,8 +43,7 @@ LayoutsPaneWidget::LayoutsPaneWidget(const SettingsCollaborators& collaborators,
       setupRows_(new QVBoxLayout), list_(new KeyboardList(this)) {
     filter_->setPlaceholderText(filter_->accessibleName());
     filter_->setClearButtonEnabled(true);
-    connect(filter_, &QLineEdit::textChanged, this,
-            [this](const QString& text) { pane_.setFilter(text.toStdString()); });
+    connect(filter_, &QLineEdit::textChanged, this, [this](const QString& text) { setFilter(text); });
     auto* find = new QShortcut(QKeySequence::Find, this);
     connect(find, &QShortcut::activated, this, [this] { filter_->setFocus(Qt::ShortcutFocusReason); });
 
@@ -132,6 +131,14 @@ void LayoutsPaneWidget::showContent() {
     showSetups();
 }
 
+void LayoutsPaneWidget::setFilter(const QString& text) {
+    pane_.setFilter(text.toStdString());
+    std::size_t count = 0;
+    for (const SetupCard& setup : pane_.content().setups)
+        count += setup.layouts.size();
+    announce(*this, count == 0 ? noMatch_->text() : qText(layoutCountText(count)));
+}
+
 void LayoutsPaneWidget::showSetups() {
     const LayoutsPaneContent& content = pane_.content();
     const bool hadFocus = list_->hasFocus();
@@ -176,8 +183,11 @@ std::unique_ptr<LayoutsPaneWidget::Section> LayoutsPaneWidget::makeSection(const
         {.toggleExpanded =
              [this, id] {
                  for (const SetupCard& setup : pane_.content().setups)
-                     if (setup.id == id)
+                     if (setup.id == id) {
+                         announce(*this, setup.isExpanded ? QStringLiteral("collapsed")
+                                                          : QStringLiteral("expanded"));
                          return pane_.setExpanded(id, !setup.isExpanded);
+                     }
              },
          .confirm = [this, id] { pane_.confirmSetup(id); },
          .askDelete = [this,
@@ -185,6 +195,7 @@ std::unique_ptr<LayoutsPaneWidget::Section> LayoutsPaneWidget::makeSection(const
          .nameRefusal = [this](const std::string& text) { return pane_.setupNameRefusal(text); },
          .rename = [this, id](const std::string& text) { pane_.renameSetup(id, text); }});
     section->group = new SettingsGroup;
+    setAccessibleRole(*section->group, QAccessible::List);
     section->emptyNote = makeNoteRow(qText(LayoutsPane::emptySetupText));
     section->emptyNote->setParent(section->group);
     section->emptyNote->hide();
@@ -221,6 +232,7 @@ LayoutCardWidget* LayoutsPaneWidget::makeCard(const Uuid& layoutID) {
 
 void LayoutsPaneWidget::showSection(Section& section, const SetupCard& setup) {
     section.header->showSetup(setup, pane_.content().isFoldable);
+    section.group->setAccessibleName(qText(setup.name));
     std::vector<QWidget*> rows;
     for (const LayoutCard& layout : setup.layouts) {
         auto& card = section.cards[layout.id];

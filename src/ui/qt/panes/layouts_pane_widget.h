@@ -43,6 +43,7 @@ private:
 
     QWidget* makeSuggestion();
     QWidget* makeEmptyState();
+    void setFilter(const QString& text);
     void showContent();
     void showSetups();
     void showNextCards();

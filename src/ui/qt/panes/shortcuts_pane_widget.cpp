@@ -99,17 +99,20 @@ void ShortcutRecorderRow::showState() {
     field_->setText(qText(recorder.text()));
     field_->setToolTip(recorder.combo() ? words : QString());
     field_->setAccessibleName(QStringLiteral("Shortcut of %1").arg(owner_));
-    field_->setAccessibleDescription(recorder.isRecording()
-                                         ? QStringLiteral("%1 %2").arg(qText(recorder.text()), message)
-                                         : QStringLiteral("%1 %2").arg(words, message));
+    const QString state = recorder.isRecording() ? qText(recorder.text()) : words;
+    const bool isAboutThis = isRefused || !recorder.isRecording();
+    field_->setAccessibleDescription(
+        isAboutThis && !message.isEmpty() ? QStringLiteral("%1. %2").arg(state, message) : state);
     field_->update();
     clearButton_->setVisible(recorder.combo().has_value());
     QPalette colors = palette();
     colors.setColor(QPalette::WindowText,
                     isRefused ? warningColor(palette()) : secondaryTextColor(palette()));
     message_->setPalette(colors);
-    if (message_->text() != message && !message.isEmpty())
-        announce(*message_, message);
+    const QString spoken = field_->accessibleDescription();
+    if (spoken != spoken_ && field_->hasFocus())
+        announce(*this, spoken);
+    spoken_ = spoken;
     message_->setText(message);
     message_->setVisible(!message.isEmpty());
 }

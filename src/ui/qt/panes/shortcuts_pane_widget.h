@@ -47,6 +47,7 @@ private:
 
     QString title_;
     QString owner_;
+    QString spoken_; ///< what was last said of the field
     ShortcutRecorderView& view_;
     const ShortcutsPane& pane_;
     SymbolButton* clearButton_;
