@@ -74,8 +74,8 @@ protected:
 
     SavedLayout saveLayout() {
         item.chosen(MenuAction::saveCurrentLayout, {});
-        interface.popoverShown->setLayoutName("Work");
-        interface.popoverShown->save();
+        interface.popover->view->setLayoutName("Work");
+        interface.popover->view->save();
         return store.loadLayouts()->back();
     }
 
@@ -139,7 +139,7 @@ TEST_F(AppDelegateTest, ShowsThatNothingWasStored) {
     AppDelegate delegate{platform, interface};
     delegate.applicationDidFinishLaunching();
     item.chosen(MenuAction::saveCurrentLayout, {});
-    const auto form = interface.popoverShown;
+    const auto form = interface.popover->view;
     ASSERT_TRUE(form);
     files.files["/data/Tavrin/layouts.json"] = "broken";
     host.log.clear();
@@ -150,7 +150,7 @@ TEST_F(AppDelegateTest, ShowsThatNothingWasStored) {
     host.open = true;
     host.log.clear();
     item.chosen(MenuAction::saveCurrentLayout, {});
-    EXPECT_FALSE(interface.popoverShown) << "no name is asked for in vain";
+    EXPECT_FALSE(interface.popover->view) << "no name is asked for in vain";
     EXPECT_EQ(host.log, "activate ") << "the pane that is open stays";
 }
 

@@ -23,14 +23,6 @@ std::string dump(const MenuModel& menu) {
     return text;
 }
 
-TEST(StatusItemMenu, ShowsThePermissionFirst) {
-    EXPECT_EQ(
-        dump(statusItemMenu(
-            {.permission = AccessibilityPermissionState::unknown, .currentProfileName = "Desk"})),
-        "[Checking Accessibility permission]; Open Accessibility Settings <0+,>; Recheck Permission <0+r>; "
-        "---; Settings… <0+,>; ---; [Beta — free during beta]; Quit Tavrin <0+q>; ");
-}
-
 TEST(StatusItemMenu, ShowsTheSetupAndItsLayouts) {
     const auto desk = testing::profile("Desk", testing::desk());
     const auto couch = testing::profile("Couch", testing::leftAlone());

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <latch>
 #include <ranges>
 #include <sys/stat.h>
@@ -21,124 +22,6 @@ std::string entry(const std::string& name, const std::string& keys) {
     return "[Desktop Entry]\nType=Application\nName=" + name + "\n" + keys;
 }
 
-/// What a well-filled computer has installed: a name and the keys of its entry.
-constexpr std::string_view installedApplications = R"(
-debian-xterm | Exec=xterm | StartupWMClass=XTerm | Categories=System;TerminalEmulator; | Icon=mini.xterm
-debian-uxterm | Exec=uxterm | StartupWMClass=UXTerm | Categories=System;TerminalEmulator;
-htop | Exec=htop | Terminal=true
-mc | Exec=xterm -e mc
-org.gnome.Nautilus | Exec=nautilus --new-window %U | Categories=GNOME;FileManager;
-org.gnome.Terminal | Exec=gnome-terminal | Categories=TerminalEmulator;
-terminator | Exec=terminator | Categories=TerminalEmulator;
-org.xfce.mousepad | Exec=mousepad %U
-org.xfce.mousepad-settings | Exec=mousepad --preferences
-org.kde.kate | Exec=kate -b %U
-firefox | Exec=firefox %u | StartupWMClass=firefox
-org.mozilla.firefox | Exec=/usr/bin/flatpak run --command=firefox org.mozilla.firefox |
-    StartupWMClass=org.mozilla.firefox | X-Flatpak=org.mozilla.firefox
-firefox_firefox | Exec=env BAMF=/x /snap/bin/firefox %u | X-SnapInstanceName=firefox | NoDisplay=true
-thunderbird_tb | Exec=/snap/bin/tb | X-SnapInstanceName=thunderbird
-firefox-esr | Exec=/usr/lib/firefox-esr/firefox-esr %u | StartupWMClass=Firefox-esr
-google-chrome | Exec=/usr/bin/google-chrome-stable %U | StartupWMClass=Google-chrome
-com.google.Chrome | Exec=/usr/bin/google-chrome-stable %U | StartupWMClass=Google-chrome | NoDisplay=true
-chrome-cifh-Default | Exec=/opt/google/chrome/google-chrome --app-id=cifh | StartupWMClass=crx_cifh
-libreoffice-writer | Exec=libreoffice --writer %U | StartupWMClass=libreoffice-writer
-libreoffice-calc | Exec=libreoffice --calc %U | StartupWMClass=libreoffice-calc
-org.libreoffice.LibreOffice | Exec=/usr/bin/flatpak run org.libreoffice.LibreOffice
-org.libreoffice.LibreOffice.calc | Exec=/usr/bin/flatpak run org.libreoffice.LibreOffice --calc |
-    StartupWMClass=libreoffice-calc
-code | Exec=/usr/share/code/code %F | StartupWMClass=Code | Categories=Development;IDE;
-code-url-handler | Exec=/usr/share/code/code --open-url %U | StartupWMClass=Code | NoDisplay=true
-steam | Exec=/usr/games/steam %U | Categories=Game;
-openjdk | Exec=java -jar | NoDisplay=true
-weird | Exec=/opt/weird/start.sh
-gimp | Exec=gimp-2.10 %U
-python3.11 | Exec=/usr/bin/python3.11 | Terminal=true | NoDisplay=true
-text-editor | Exec=textual | Terminal=true
-a-mousepad-page | Exec=mousepad | StartupWMClass=Page
-a-gimp-page | Exec=gimp-2.10 | StartupWMClass=Page
-a.flatpak.Calc | Exec=flatpak run a.flatpak.Calc | StartupWMClass=libreoffice-calc
-folder/nested | Exec=nested
-gone | Exec=gone | Hidden=true
-website | Type=Link | URL=http://x
-)";
-
-/// Windows and the identifier each must get: situation | declared identifier | instance | class | identifier,
-/// and where it counts the process as "unit program, words < parent"; a parent without a unit has its
-/// child's.
-constexpr std::string_view windows = R"(
-declared | org.gnome.Nautilus | x | XTerm | org.gnome.Nautilus.desktop
-declared with extension | org.gnome.Nautilus.desktop | | | org.gnome.Nautilus.desktop
-declared as a path | /usr/share/applications/org.kde.kate.desktop | | | org.kde.kate.desktop
-declared in another case | org.gnome.nautilus | | | org.gnome.Nautilus.desktop
-declared but not installed | org.example.None | mousepad | Mousepad | org.xfce.mousepad.desktop
-declared but hidden | gone | gone | Gone | gone.Gone
-
-StartupWMClass | | xterm | XTerm | debian-xterm.desktop
-StartupWMClass in another case | | x | xterm | debian-xterm.desktop
-an own name for the terminal | | my-xterm | XTerm | debian-xterm.desktop
-last part of the name | | nautilus | Nautilus | org.gnome.Nautilus.desktop
-program, the entry without arguments | | mousepad | Mousepad | org.xfce.mousepad.desktop
-program with spaces | | gnome-terminal-server | Gnome terminal | org.gnome.Terminal.desktop
-program with version | | gimp-2.10 | Gimp-2.10 | gimp.desktop
-the instance is a web application | | crx_cifh | Google-chrome | chrome-cifh-Default.desktop
-the browser itself, one shown twice | | google-chrome | Google-chrome | google-chrome.desktop
-another class of a program that announces its own | | firefox-esr | x | firefox-esr.desktop
-one of an office | | libreoffice | libreoffice-calc | libreoffice-calc.desktop
-not the handler of links | | code | Code | code.desktop
-in a folder | | nested | Nested | folder-nested.desktop
-named like a program in a terminal | | python3.11 | x | python3.11.desktop
-a program in a terminal has no window | | textual | Textual | textual.Textual
-an interpreter is no application | | java | Java | java.Java
-a link is no application | | website | Website | website.Website
-nothing installed | | tool | Tool | tool.Tool
-instance only | | tool | | tool
-class only | | | Tool | Tool
-
-started by GNOME | | Navigator | firefox | firefox.desktop | app-gnome-firefox-99.scope /x/firefox
-two fit, it was started as one | | libreoffice-calc | libreoffice-writer | libreoffice-writer.desktop |
-    app-gnome-libreoffice\x2dwriter-9.scope /x/soffice.bin
-odd class, started by KDE | | main | Main | weird.desktop | app-weird@0123abcd.service /opt/weird/bin
-odd class, older KDE | | main | Main | weird.desktop | app-weird-0123abcd.scope /opt/weird/bin
-odd class, started at login | | main | Main | weird.desktop | app-weird@autostart.service /opt/weird/bin
-odd class, plain dashes | | main | Main | google-chrome.desktop | app-google-chrome-12.scope /opt/chrome
-started by the bus | | main | Main | org.kde.kate.desktop | app-dbus.slice/dbus-:1.2-org.kde.kate@0.service /x
-odd class, behind its script | | main | Main | weird.desktop |
-    app-weird-1.scope /opt/weird/bin < /usr/bin/bash, bash, /opt/weird/start.sh
-odd class, started again by itself | | main | Main | weird.desktop |
-    app-weird-1.scope /opt/weird/bin < app-weird-0.scope /opt/weird/start.sh
-started as something unknown | | tool | Tool | tool.Tool | app-nothing-1.scope /x/nothing
-
-the terminal itself | | xterm | XTerm | debian-xterm.desktop | app-debian\x2dxterm-1.scope /usr/bin/xterm
-installed, from a terminal | | mousepad | Mousepad | org.xfce.mousepad.desktop |
-    app-debian\x2dxterm-1.scope /usr/bin/mousepad < /usr/bin/bash < /usr/bin/xterm
-not installed, from a terminal | | tool | Tool | tool.Tool |
-    app-debian\x2dxterm-1.scope /home/me/tool < /usr/bin/bash < /usr/bin/xterm
-odd class, from a terminal, known by its program | | main | Main | org.kde.kate.desktop |
-    app-debian\x2dxterm-1.scope /usr/bin/kate < /usr/bin/bash < /usr/bin/xterm
-from a file manager | | tool | Tool | tool.Tool | app-org.gnome.Nautilus-1.scope /x/tool
-from a development environment | | tool | Tool | tool.Tool | app-code-1.scope /x/tool
-from a script that is a terminal | | tool | Tool | tool.Tool |
-    app-terminator-1.scope /x/tool < /usr/bin/python3.11, python3, /usr/bin/terminator
-from a game launcher | | steam_app_5 | steam_app_5 | steam_app_5.steam_app_5 |
-    app-steam@1.service /x/game < /home/me/.steam/steam
-a tab of a terminal | | tool | Tool | tool.Tool | app-org.gnome.Terminal.slice/vte-spawn-1-2.scope /x/tool
-
-Flatpak beside the installed one | | Navigator | firefox | org.mozilla.firefox.desktop |
-    app-flatpak-org.mozilla.firefox-77.scope /app/firefox
-one of several of a Flatpak | | libreoffice | libreoffice-calc | org.libreoffice.LibreOffice.calc.desktop |
-    app-flatpak-org.libreoffice.LibreOffice-7.scope /app/soffice.bin
-snap beside the installed one | | Navigator | firefox | firefox_firefox.desktop |
-    snap.firefox.firefox-01234567-89ab-cdef-0123-456789abcdef.scope /snap/firefox/1/firefox
-snap with another name for its entry | | Mail | odd | thunderbird_tb.desktop |
-    snap.thunderbird.thunderbird.01234567-89ab-cdef-0123-456789abcdef.scope /snap/x
-
-no class, known by its program | | | | org.kde.kate.desktop | init.scope /usr/bin/kate
-no class, a script | | | | terminator.desktop | init.scope /usr/bin/python3.11, python3, -u, /usr/bin/terminator
-no class, an updated program | | | | org.kde.kate.desktop | init.scope /usr/bin/kate (deleted), renamed
-no class, unknown program | | | | tool | init.scope /x/tool
-)";
-
 /// The parts of a text between separators, without the spaces around them.
 std::vector<std::string> split(std::string_view text, std::string_view separator) {
     std::vector<std::string> parts;
@@ -147,12 +30,14 @@ std::vector<std::string> split(std::string_view text, std::string_view separator
     return parts;
 }
 
-/// The rows of a table; a row that ends with the separator goes on in the next line.
-std::vector<std::vector<std::string>> rows(std::string_view table) {
+/// The rows of a file beside this one; a row that ends with the separator goes on in the next line.
+std::vector<std::vector<std::string>> rows(const std::string& table) {
     std::vector<std::vector<std::string>> rows;
+    std::ifstream file(fs::path(TAVRIN_TEST_SOURCES) / "applications" / table);
+    EXPECT_TRUE(file) << table;
     bool goesOn = false;
-    for (const auto& line : split(table, "\n")) {
-        if (line.empty())
+    for (std::string line; std::getline(file, line);) {
+        if (line.empty() || line.starts_with('#'))
             continue;
         if (goesOn)
             rows.back().pop_back();
@@ -166,7 +51,7 @@ std::vector<std::vector<std::string>> rows(std::string_view table) {
 }
 
 void installApplications(const TemporaryDirectory& share) {
-    for (const auto& row : rows(installedApplications)) {
+    for (const auto& row : rows("installed.table")) {
         auto text = entry(row.front(), "");
         for (const auto& key : row | std::views::drop(1))
             text += key + "\n";
@@ -228,7 +113,7 @@ protected:
 TEST_F(ApplicationCatalogTest, windowsOfUsualApplicationsFindTheirEntry) {
     installApplications(share);
     auto applications = catalog();
-    for (const auto& row : rows(windows)) {
+    for (const auto& row : rows("windows.table")) {
         ApplicationClues clues{{}, row.at(1), row.at(2), row.at(3)};
         if (row.size() > 5)
             clues.pid = processes.add(row[5]);

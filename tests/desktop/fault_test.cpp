@@ -134,29 +134,6 @@ TEST_F(FaultTest, TitlesOfEveryKindAreSavedAndRestored) {
         EXPECT_LE(entry["windowTitle"].toString().toUtf8().size(), 1024);
 }
 
-TEST_F(FaultTest, FiveHundredWindowsAreSavedAndRestored) {
-    startAll();
-    std::vector<WindowHandle> all;
-    for (int i = 0; i < 500; ++i) {
-        const auto window = client().open(
-            {.applicationClass = "Application" + std::to_string(i / 50),
-             .title = "window " + std::to_string(i),
-             .frame = {10.0 + (i * 37) % 1500, 30.0 + (i * 53) % 700, 200.0 + i % 90, 150.0 + i % 60}});
-        ASSERT_TRUE(window) << i;
-        all.push_back(*window);
-    }
-    const auto saved = seenAll(all);
-    ASSERT_TRUE(program().saveLayout("Many"));
-    for (const auto& window : all)
-        windows().tell(window, {400, 300, 250, 200});
-    for (const auto& window : all)
-        ASSERT_TRUE(waitUntil([&] { return seen(window).x == 400; }));
-    ASSERT_TRUE(program().restoreLayout("Many"));
-    // In the order in which they are moved, so that each has the whole time of a wait.
-    for (std::size_t i = all.size(); i-- > 0;)
-        ASSERT_TRUE(waitUntil([&] { return seen(all[i]) == saved[i]; })) << i;
-}
-
 TEST_F(FaultTest, AHungWindowManagerHoldsUpTheProgramForTwoSecondsAtMost) {
     startAll();
     if (lacks(Ability::xDesktop))

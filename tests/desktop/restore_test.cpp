@@ -195,24 +195,6 @@ TEST_F(RestoreTest, AWindowThatMakesItselfFullscreenAgainIsNoSuccess) {
     EXPECT_TRUE(windows().isFullscreen(window));
 }
 
-TEST_F(RestoreTest, AWindowThatVanishesHalfWayStopsNoOther) {
-    beginWith(oneDisplay);
-    const auto bystander = open({.applicationClass = "Other", .title = "bystander"}, {1200, 600, 500, 400});
-    const auto first = open({.title = "first"}, {100, 100, 400, 300});
-    const auto second = open({.title = "second"}, {600, 100, 400, 300});
-    const Rect saved = seen(bystander);
-    ASSERT_TRUE(program().saveLayout("Work"));
-    for (const auto& window : {bystander, first, second})
-        ASSERT_TRUE(windows().place(window, {300, 500, 350, 280}));
-    ASSERT_TRUE(client().vanishOnMove({first, second}));
-    ASSERT_TRUE(program().restoreLayout("Work"));
-    EXPECT_EQ(seen(bystander), saved);
-    // On Wayland the client hears of its move, and vanishes, after the restore.
-    EXPECT_TRUE(waitUntil(
-        [&] { return windows().find("first").has_value() != windows().find("second").has_value(); }));
-    EXPECT_TRUE(program().process().isRunning());
-}
-
 TEST_F(RestoreTest, AHungApplicationStopsNoOther) {
     beginWith(oneDisplay);
     const auto hanging = desktop().startClient();

@@ -118,23 +118,6 @@ TEST_F(SessionTest, TheMenuTellsTheStateItemByItem) {
     EXPECT_EQ(program().process().waitForExit(), 0);
 }
 
-// Without a window manager nothing can be read or moved. Once asked to check, the program keeps looking.
-TEST_F(SessionTest, PermissionFollowsTheWindowManager) {
-    begin({.hasWindowManager = false});
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
-    ASSERT_TRUE(program().start());
-    EXPECT_THAT(program().menu(), StartsWith("Accessibility access is required"));
-    ASSERT_TRUE(tray().choose({"Recheck Permission"}));
-    ASSERT_TRUE(xDesktop().startWindowManager());
-    EXPECT_TRUE(waitUntil([&] { return shownMenu().starts_with("Current Display Setup"); }));
-
-    xDesktop().stopWindowManager();
-    EXPECT_TRUE(waitUntil([&] { return shownMenu().starts_with("Accessibility access is required"); }));
-    ASSERT_TRUE(xDesktop().startWindowManager());
-    EXPECT_TRUE(waitUntil([&] { return shownMenu().starts_with("Current Display Setup"); }));
-}
-
 // Any program may write the property by which window managers announce themselves.
 TEST_F(SessionTest, AForgedAnnouncementDoesNotHideWhatComesAfterIt) {
     begin({});

@@ -85,19 +85,13 @@ struct FakeInterface : UserInterfaceFactory {
     explicit FakeInterface(SettingsWindowSurface& window) : window(window) {}
 
     SettingsWindowSurface& window;
-    std::shared_ptr<SaveLayoutPopoverView> popoverShown;
+    FakePopover* popover = nullptr; ///< the program's
     std::optional<SettingsCollaborators> collaborators;
 
     std::unique_ptr<PopoverSurface> makePopover() override {
-        struct Popover : PopoverSurface {
-            FakeInterface& owner;
-            explicit Popover(FakeInterface& interface) : owner(interface) {}
-            void show(std::shared_ptr<SaveLayoutPopoverView> view, std::optional<Rect>) override {
-                owner.popoverShown = std::move(view);
-            }
-            void close() override { owner.popoverShown.reset(); }
-        };
-        return std::make_unique<Popover>(*this);
+        auto made = std::make_unique<FakePopover>();
+        popover = made.get();
+        return made;
     }
 
     std::unique_ptr<SettingsWindowSurface> makeSettingsWindow(const SettingsCollaborators& made) override {

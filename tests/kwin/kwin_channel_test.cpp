@@ -21,8 +21,6 @@ using namespace std::chrono_literals;
 class FakeKWin : public QDBusVirtualObject {
 public:
     std::atomic<bool> isSilent = false;
-    std::atomic<bool> hasTakenObject = false; ///< the script's object is that of another one
-    std::atomic<int> loads = 0, unloads = 0;
 
     FakeKWin(const PrivateBus& bus, QString answer)
         : answer_(std::move(answer)), connection_(QDBusConnection::connectToBus(
@@ -51,7 +49,6 @@ public:
                 return false;
             const auto line = file.readLine();
             agent_ = QJsonDocument::fromJson(line.mid(line.indexOf('{')).chopped(2)).object();
-            ++loads;
             return connection_.send(message.createReply(7));
         }
         if (method == "run") {
@@ -59,11 +56,10 @@ public:
                 return false;
             connection_.send(message.createReply());
         }
-        if (method == (hasTakenObject ? "start" : "run"))
+        if (method == "run")
             QMetaObject::invokeMethod(this, [this] { waitForQuestion(); });
         if (method == "run")
             return true;
-        unloads += method == "unloadScript" ? 1 : 0;
         return connection_.send(message.createReply(true));
     }
 
@@ -115,20 +111,6 @@ protected:
     TemporaryDirectory folder;
 };
 
-TEST_F(KWinScriptChannelTest, loadsTheScriptForQuestionsAndUnloadsItAfterwards) {
-    FakeKWin kwin(bus, R"({"windows": []})");
-    auto asked = channel(20ms);
-    EXPECT_TRUE(answersWithinASecond(asked));
-    EXPECT_TRUE(answersWithinASecond(asked));
-    EXPECT_EQ(kwin.loads, 1);
-    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
-    const int before = kwin.unloads;
-    EXPECT_TRUE(waitUntil([&] { return kwin.unloads > before; }));
-    kwin.hasTakenObject = true;
-    EXPECT_TRUE(answersWithinASecond(asked));
-    EXPECT_EQ(kwin.loads, 2);
-}
-
 TEST_F(KWinScriptChannelTest, nonsenseIsNoAnswer) {
     for (const QString text : {"", "[]", "7", "{\"windows\": [", "{\"error\": \"oh\"}", "\\ud800"}) {
         FakeKWin kwin(bus, text);
@@ -136,18 +118,6 @@ TEST_F(KWinScriptChannelTest, nonsenseIsNoAnswer) {
         EXPECT_FALSE(answersWithinASecond(asked)) << text.toStdString();
         EXPECT_TRUE(asked.isAvailable());
     }
-}
-
-TEST_F(KWinScriptChannelTest, anotherKWinTakesOver) {
-    auto kwin = std::make_unique<FakeKWin>(bus, "{}");
-    auto asked = channel();
-    EXPECT_TRUE(answersWithinASecond(asked));
-    kwin.reset();
-    EXPECT_FALSE(answersWithinASecond(asked)); // nobody has told yet
-    EXPECT_TRUE(waitUntil([&] { return !asked.isAvailable(); }));
-    kwin = std::make_unique<FakeKWin>(bus, "{}");
-    EXPECT_TRUE(waitUntil([&] { return asked.isAvailable(); }));
-    EXPECT_TRUE(answersWithinASecond(asked));
 }
 
 TEST_F(KWinScriptChannelTest, onlyKWinMayAnswer) {

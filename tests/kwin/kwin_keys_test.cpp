@@ -1,25 +1,11 @@
 #include "platform/kwin/kwin_keys.h"
+#include "wayland/named_keyboard.h"
 
 #include <Qt>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <xkbcommon/xkbcommon.h>
-
 namespace tavrin {
 namespace {
-
-KeyboardMap keyboard(const char* layouts) {
-    auto* context = xkb_context_new(XKB_CONTEXT_NO_FLAGS);
-    const xkb_rule_names names{.rules = "evdev", .model = "pc105", .layout = layouts};
-    auto* keymap = xkb_keymap_new_from_names(context, &names, XKB_KEYMAP_COMPILE_NO_FLAGS);
-    char* text = xkb_keymap_get_as_string(keymap, XKB_KEYMAP_FORMAT_TEXT_V1);
-    auto map = KeyboardMap::parse(text);
-    std::free(text);
-    xkb_keymap_unref(keymap);
-    xkb_context_unref(context);
-    return *map;
-}
 
 std::string texts(const std::vector<int>& keys) {
     std::string all;
@@ -58,7 +44,7 @@ TEST(KWinKeysTest, areWhatThePositionGivesInTheLayoutInUse) {
              {"us", 0, {padPlus, c}, KeypadKeys::marked, "Ctrl++(pad)"},
              {"us", 0, {200, c}, plain, ""},
          })
-        EXPECT_EQ(texts(qtKeys(combo, keyboard(layouts), layout, keypad)), expected) << layouts;
+        EXPECT_EQ(texts(qtKeys(combo, namedKeyboard(layouts), layout, keypad)), expected) << layouts;
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "qt/qt_application.h"
 #include "ui/qt/controls/icons.h"
 
+#include <QDir>
 #include <QPalette>
 #include <QSvgRenderer>
 #include <gtest/gtest.h>
@@ -11,20 +12,6 @@
 
 namespace tavrin {
 namespace {
-
-constexpr const char* drawings[] = {"MenuBarGlyph",
-                                    "checkmark.circle.fill",
-                                    "xmark.circle",
-                                    "info.circle.fill",
-                                    "minus.circle.fill",
-                                    "exclamationmark.triangle.fill",
-                                    "rectangle.3.group",
-                                    "bolt.badge.clock",
-                                    "keyboard",
-                                    "app.badge",
-                                    "wrench.and.screwdriver",
-                                    "org.tavrin.Tavrin",
-                                    "org.tavrin.Tavrin-symbolic"};
 
 /// The part of the picture that stands out against a panel of that lightness.
 double visiblePart(const QImage& image, int paper) {
@@ -39,10 +26,9 @@ double visiblePart(const QImage& image, int paper) {
 }
 
 TEST(IconsTest, EveryDrawingReadsOnPanelsOfAnyColourAtEverySize) {
-    for (const char* name : drawings) {
-        ASSERT_TRUE(hasDrawing(name)) << name;
-        EXPECT_TRUE(QSvgRenderer(QStringLiteral(":/icons/%1.svg").arg(name)).isValid()) << name;
-    }
+    EXPECT_TRUE(hasDrawing("keyboard"));
+    for (const auto& drawing : QDir(":/icons").entryInfoList())
+        EXPECT_TRUE(QSvgRenderer(drawing.filePath()).isValid()) << drawing.fileName().toStdString();
     EXPECT_FALSE(hasDrawing("nothing"));
     EXPECT_FALSE(hasDrawing(""));
     const std::pair<const char*, QIcon> icons[] = {

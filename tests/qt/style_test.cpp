@@ -1,4 +1,3 @@
-#include "platform/qt/desktop_colors.h"
 #include "qt/qt_application.h"
 #include "ui/qt/controls/style.h"
 
@@ -39,18 +38,6 @@ TEST(StyleTest, KeepsTheContrastOnEveryDesktop) {
             EXPECT_GE(contrast(shapeColor(palette), ground), 3) << name << " border, switch";
         }
     }
-}
-
-TEST(StyleTest, TakesOtherColoursWhereTheToolkitFoundNone) {
-    const QPalette beige(QColor(0xd6d2d0)), plain(QColor(0xefefef)), themed(QColor(0x123456));
-    const auto window = [](const QPalette& found, ColorScheme scheme) {
-        return betterPalette(found, scheme).value_or(found).color(QPalette::Window).rgb() & 0xffffff;
-    };
-    EXPECT_EQ(window(beige, ColorScheme::noPreference), 0xeff0f1);
-    EXPECT_EQ(window(beige, ColorScheme::dark), 0x2a2e32);
-    EXPECT_EQ(window(plain, ColorScheme::dark), 0x2a2e32);
-    EXPECT_EQ(window(plain, ColorScheme::light), 0xefefef);
-    EXPECT_EQ(window(themed, ColorScheme::dark), 0x123456) << "a theme knows best";
 }
 
 } // namespace

@@ -4,11 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <thread>
-#include <unistd.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 namespace tavrin {
@@ -18,90 +13,6 @@ static void PrintTo(const SwayUserBinding& binding, std::ostream* out) {
 }
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
-
-/// Answers whatever it is asked with the same bytes, then closes or keeps silent.
-class FakeSocket {
-public:
-    enum class Then { stays, closes };
-
-    FakeSocket(const std::string& path, std::string bytes, Then then = Then::stays)
-        : listener_(::socket(AF_UNIX, SOCK_STREAM, 0)) {
-        ::unlink(path.c_str());
-        sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
-        path.copy(address.sun_path, sizeof address.sun_path - 1);
-        EXPECT_EQ(::bind(listener_, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-        EXPECT_EQ(::listen(listener_, 4), 0);
-        server_ = std::jthread([this, bytes = std::move(bytes), then](const std::stop_token& stop) {
-            int connection = -1;
-            while (!stop.stop_requested()) {
-                pollfd ready[] = {{listener_, POLLIN, 0}, {connection, POLLIN, 0}};
-                if (::poll(ready, 2, 20) <= 0)
-                    continue;
-                char question[1024];
-                if (ready[0].revents != 0)
-                    connection = ::accept(listener_, nullptr, nullptr);
-                else if (::read(connection, question, sizeof question) <= 0)
-                    ::close(std::exchange(connection, -1));
-                else if (::write(connection, bytes.data(), bytes.size()) >= 0 && then == Then::closes)
-                    ::close(std::exchange(connection, -1));
-            }
-            ::close(connection);
-        });
-    }
-    ~FakeSocket() {
-        server_.request_stop();
-        server_.join();
-        ::close(listener_);
-    }
-
-private:
-    int listener_;
-    std::jthread server_;
-};
-
-std::string message(std::uint32_t size, I3Question type, const std::string& payload) {
-    std::string bytes = "i3-ipc";
-    const std::uint32_t words[] = {size, static_cast<std::uint32_t>(type)};
-    return bytes.append(reinterpret_cast<const char*>(words), sizeof words) + payload;
-}
-std::string tree(const std::string& payload) {
-    return message(static_cast<std::uint32_t>(payload.size()), I3Question::tree, payload);
-}
-
-TEST(I3QuestionsTest, badAnswersEndInAnErrorInTimeAndTheNextSocketIsUsed) {
-    using enum FakeSocket::Then;
-    TemporaryDirectory folder;
-    const auto path = (folder.path() / "socket").string();
-    const struct {
-        std::string bytes;
-        FakeSocket::Then then;
-        I3Error error;
-    } cases[] = {
-        {"i3-i", closes, I3Error::closed},
-        {message(100, I3Question::tree, "{\"id\":"), closes, I3Error::closed},
-        {message(100, I3Question::tree, "{\"id\":"), stays, I3Error::timedOut},
-        {"", stays, I3Error::timedOut},
-        {"HTTP/1.1 400 Bad Request\r\n\r\n", stays, I3Error::malformed},
-        {message(0xFFFFFFFF, I3Question::tree, "{"), stays, I3Error::malformed},
-        {message(2, I3Question::version, "{}"), stays, I3Error::malformed},
-    };
-    const auto ask = [](I3Questions& questions) { return questions.ask(I3Question::tree, {}, Seconds{0.2}); };
-    I3Questions questions(path);
-    EXPECT_EQ(ask(questions), std::unexpected(I3Error::unreachable));
-    for (const auto& [bytes, then, error] : cases) {
-        {
-            const FakeSocket socket(path, bytes, then);
-            const auto start = Clock::now();
-            for (int i = 0; i < 5; ++i) // a socket that is slow once does not cost its time again and again
-                EXPECT_EQ(ask(questions), std::unexpected(error)) << bytes;
-            EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(700)) << bytes;
-        }
-        const FakeSocket good(path, tree(R"({"type":"root"})"));
-        EXPECT_EQ(ask(questions), R"({"type":"root"})") << "after: " << bytes;
-    }
-}
 
 TEST(I3TreeTest, whatIsNoTreeHasNoWindows) {
     std::string deep = R"({"type":"root","nodes":[)";

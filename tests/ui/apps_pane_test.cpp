@@ -20,32 +20,20 @@ protected:
 };
 
 TEST_F(AppsPaneTest, TakesIdentifiersOfAtLeastTwoParts) {
-    struct Case {
-        const char* typed;
-        const char* added; ///< null: refused
-    };
-    for (const Case& c : {Case{"com.apple.finder", "com.apple.finder"},
-                          {"  org.gnome.gedit\n", "org.gnome.gedit"},
-                          {"a.b", "a.b"},
-                          {"a-1.B2-", "a-1.B2-"},
-                          {"", nullptr},
-                          {" \n", nullptr},
-                          {"finder", nullptr},
-                          {"com.1password", nullptr},
-                          {"com..finder", nullptr},
-                          {".com.finder", nullptr},
-                          {"com.finder.", nullptr},
-                          {"com.my_app", nullptr},
-                          {"com.-app", nullptr},
-                          {"com.app le", nullptr},
-                          {"com.äpp", nullptr}}) {
+    const auto expectAdded = [&](const std::string& typed, const List& added) {
         ASSERT_TRUE(settings.save({}));
         view.appear();
-        EXPECT_EQ(add(c.typed), c.added != nullptr) << c.typed;
-        EXPECT_EQ(stored(), c.added ? List{c.added} : List{}) << c.typed;
-        EXPECT_EQ(view.excludedBundleIDs(), stored());
-        EXPECT_EQ(view.newBundleID(), c.added ? "" : c.typed);
-    }
+        EXPECT_EQ(add(typed), !added.empty()) << typed;
+        EXPECT_EQ(stored(), added) << typed;
+        EXPECT_EQ(view.excludedBundleIDs(), added);
+        EXPECT_EQ(view.newBundleID(), added.empty() ? typed : "");
+    };
+    expectAdded("  org.gnome.gedit\n", {"org.gnome.gedit"});
+    for (const std::string good : {"com.apple.finder", "a.b", "a-1.B2-"})
+        expectAdded(good, {good});
+    for (const std::string bad : {"", " \n", "finder", "com.1password", "com..finder", ".com.finder",
+                                  "com.finder.", "com.my_app", "com.-app", "com.app le", "com.äpp"})
+        expectAdded(bad, {});
 }
 
 TEST_F(AppsPaneTest, KeepsTheOrderRefusesDoublesAndLeavesOtherSettingsAlone) {

@@ -33,22 +33,11 @@ public:
     ShortcutManager shortcuts{settings, keys, time};
     RestoreDebugStore attempts;
     LaunchAtLoginService launchAtLogin{loginItem};
-    CaptureService capture{{.windowProvider = windows,
-                            .axWindowProvider = nullptr,
-                            .profileStore = store,
-                            .settingsStore = settings,
-                            .displaySnapshotProvider = displays,
-                            .clock = time},
-                           4711};
+    CaptureService capture{{windows, nullptr, store, settings, displays, time}, 4711};
     ScriptedRestores restores;
     LayoutRestorer restorer{{store, restores, attempts, time, [] {}}};
     Rect savedBeside;
-    LayoutChanges changes{{.captureService = capture,
-                           .profileStore = store,
-                           .shortcutManager = shortcuts,
-                           .currentProfileViewModel = current,
-                           .profileListViewModel = list,
-                           .scheduler = time}};
+    LayoutChanges changes{{capture, store, shortcuts, current, list, time}};
     SettingsCollaborators collaborators{.permissionStatusViewModel = permissionModel,
                                         .profileListViewModel = list,
                                         .currentProfileViewModel = current,

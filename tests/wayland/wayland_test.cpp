@@ -1,10 +1,9 @@
-#include "platform/wayland/wayland_keyboard.h"
 #include "platform/wayland/wayland_outputs.h"
 #include "posix/temporary_directory.h"
+#include "wayland/named_keyboard.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fstream>
 #include <xkbcommon/xkbcommon.h>
 
@@ -66,32 +65,20 @@ TEST_F(OutputHardwareTest, isTheConnectorWhereTheDisplaySendsNothing) {
 }
 
 TEST(KeyboardMapTest, keysArePositionsWhateverIsPrintedOnThem) {
-    const auto load = [](const char* layouts) {
-        auto* context = xkb_context_new(XKB_CONTEXT_NO_FLAGS);
-        const xkb_rule_names names{.rules = "evdev", .model = "pc105", .layout = layouts};
-        auto* keymap = xkb_keymap_new_from_names(context, &names, XKB_KEYMAP_COMPILE_NO_FLAGS);
-        char* text = xkb_keymap_get_as_string(keymap, XKB_KEYMAP_FORMAT_TEXT_V1);
-        auto map = KeyboardMap::parse(text);
-        std::free(text);
-        xkb_keymap_unref(keymap);
-        xkb_context_unref(context);
-        return map;
-    };
     using Shift = KeyboardMap::Shift;
     constexpr std::uint32_t oneKey = 2, qKey = 16, sKey = 31, homeKey = 102;
-    const auto map = load("fr,ru");
-    ASSERT_TRUE(map);
-    EXPECT_EQ(map->layoutCount(), 2U);
-    EXPECT_EQ(map->symbol(oneKey, 0), XKB_KEY_ampersand);
-    EXPECT_EQ(map->symbol(oneKey, 0, Shift::isDown), XKB_KEY_1);
-    EXPECT_EQ(map->symbol(oneKey, 1), XKB_KEY_1);
-    EXPECT_EQ(map->symbol(sKey, 1), XKB_KEY_Cyrillic_yeru);
-    EXPECT_EQ(map->symbol(homeKey, 1), XKB_KEY_Home); // a key with one layout serves for all
-    EXPECT_EQ(map->symbol(qKey, 2), XKB_KEY_NoSymbol);
-    EXPECT_EQ(map->symbol(0xFFFFFFFF, 0), XKB_KEY_NoSymbol);
-    EXPECT_EQ(map->position(XKB_KEY_a), qKey);
-    EXPECT_EQ(map->position(XKB_KEY_Cyrillic_yeru), sKey);
-    EXPECT_EQ(map->position(XKB_KEY_Thai_sosua), std::nullopt);
+    const auto map = namedKeyboard("fr,ru");
+    EXPECT_EQ(map.layoutCount(), 2U);
+    EXPECT_EQ(map.symbol(oneKey, 0), XKB_KEY_ampersand);
+    EXPECT_EQ(map.symbol(oneKey, 0, Shift::isDown), XKB_KEY_1);
+    EXPECT_EQ(map.symbol(oneKey, 1), XKB_KEY_1);
+    EXPECT_EQ(map.symbol(sKey, 1), XKB_KEY_Cyrillic_yeru);
+    EXPECT_EQ(map.symbol(homeKey, 1), XKB_KEY_Home); // a key with one layout serves for all
+    EXPECT_EQ(map.symbol(qKey, 2), XKB_KEY_NoSymbol);
+    EXPECT_EQ(map.symbol(0xFFFFFFFF, 0), XKB_KEY_NoSymbol);
+    EXPECT_EQ(map.position(XKB_KEY_a), qKey);
+    EXPECT_EQ(map.position(XKB_KEY_Cyrillic_yeru), sKey);
+    EXPECT_EQ(map.position(XKB_KEY_Thai_sosua), std::nullopt);
     for (const auto* text : {"", "xkb_keymap {", "no keymap"})
         EXPECT_FALSE(KeyboardMap::parse(text)) << text;
 }
