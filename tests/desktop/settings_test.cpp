@@ -3,6 +3,9 @@
 #include "support/desktop/screenshot.h"
 #include "ui/qt/controls/style.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
 #include <QDir>
 #include <QFile>
 #include <QFileSystemWatcher>
@@ -244,8 +247,11 @@ TEST_F(SettingsTest, WhatIsMissingComesFirstWithWhatMendsIt) {
     dataChanges_.addPath(dataFolder());
     ASSERT_TRUE(openSettings(layouts) && press(tabKey) && press(Keyboard::returnKey)); // "Open Advanced"
     waitUntilDrawn(desktop().x());
-    ASSERT_TRUE(press(tabKey) && press(Keyboard::returnKey)); // "Set Aside and Start Fresh"
-    EXPECT_TRUE(waitUntil([&] { return !QFile::exists(file.fileName()); }));
+    const auto isSetAside = [&] { return !QFile::exists(file.fileName()); };
+    for (int attempt = 0; attempt < 3 && !isSetAside(); ++attempt) {
+        ASSERT_TRUE(press(tabKey) && press(Keyboard::returnKey)); // "Set Aside and Start Fresh"
+        waitUntil(isSetAside, attemptLimit);
+    }
     const QDir data(dataFolder());
     const auto kept = data.entryList({"layouts.json.unreadable-*"});
     ASSERT_EQ(kept.size(), 1);
@@ -253,19 +259,21 @@ TEST_F(SettingsTest, WhatIsMissingComesFirstWithWhatMendsIt) {
     EXPECT_TRUE(aside.open(QIODevice::ReadOnly) && aside.readAll() == "{");
 }
 
-// Plasma's own colours would have 2.2.
-TEST_F(SettingsTest, WhatIsWrittenOnTheAccentCanBeRead) {
+// The desktop becomes dark while the window is open; its own accent would have a contrast of 2.4 to the text.
+TEST_F(SettingsTest, FollowsTheDesktopToColoursThatCanBeRead) {
     begin();
-    QFile colors(desktop().home() + "/.config/kdeglobals");
-    ASSERT_TRUE(QDir().mkpath(desktop().home() + "/.config") && colors.open(QIODevice::WriteOnly));
-    colors.write("[Colors:Window]\nBackgroundNormal=42,46,50\nForegroundNormal=252,252,252\n"
-                 "[Colors:Selection]\nBackgroundNormal=61,174,233\nForegroundNormal=252,252,252\n");
-    colors.close();
-    desktop().setVariable("XDG_CURRENT_DESKTOP", "KDE");
-    desktop().setVariable("KDE_SESSION_VERSION", "5");
+    QDBusConnection bus = desktop().sessionBus().connection();
+    ASSERT_TRUE(bus.registerService("org.freedesktop.portal.Desktop"));
     ASSERT_TRUE(program().start() && openSettings(layouts));
+    auto change = QDBusMessage::createSignal("/org/freedesktop/portal/desktop",
+                                             "org.freedesktop.portal.Settings", "SettingChanged");
+    change.setArguments(
+        {"org.freedesktop.appearance", "color-scheme", QVariant::fromValue(QDBusVariant(1U))});
+    bus.send(change);
     const Rect row = firstPane();
-    const QImage pane = picture().copy(int(row.x), int(row.y), int(row.width), int(row.height));
+    const QImage screen = picture();
+    EXPECT_LT(qGray(screen.pixel(int(row.x), int(row.maxY()) + 300)), 60) << "dark";
+    const QImage pane = screen.copy(int(row.x), int(row.y), int(row.width), int(row.height));
     const QColor ground = pane.pixelColor(0, 0);
     double best = 0;
     for (int y = 0; y < pane.height(); ++y)

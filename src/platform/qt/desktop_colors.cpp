@@ -1,7 +1,6 @@
 #include "platform/qt/desktop_colors.h"
 
 #include <QApplication>
-#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 
@@ -61,7 +60,7 @@ DesktopColors::DesktopColors(BusLink& sessionBus) : sessionBus_(sessionBus), fou
 void DesktopColors::listen() {
     QDBusConnection bus = sessionBus_.connection();
     bus.connect(portal, portalPath, settings, QStringLiteral("SettingChanged"), this,
-                SLOT(settingChanged(QString, QString, QDBusVariant)));
+                SLOT(settingChanged(QDBusMessage)));
     auto question = QDBusMessage::createMethodCall(portal, portalPath, settings, QStringLiteral("Read"));
     question.setArguments({appearance, schemeKey});
     auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
@@ -73,9 +72,10 @@ void DesktopColors::listen() {
     });
 }
 
-void DesktopColors::settingChanged(const QString& nameSpace, const QString& key, const QDBusVariant& value) {
-    if (nameSpace == appearance && key == schemeKey)
-        use(value.variant());
+void DesktopColors::settingChanged(const QDBusMessage& change) {
+    const auto values = change.arguments();
+    if (values.size() == 3 && values[0] == appearance && values[1] == schemeKey)
+        use(values[2]);
 }
 
 void DesktopColors::use(const QVariant& value) {

@@ -2,7 +2,7 @@
 
 #include "platform/session_bus/bus_link.h"
 
-#include <QDBusVariant>
+#include <QDBusMessage>
 #include <QObject>
 #include <QPalette>
 
@@ -25,7 +25,7 @@ public:
     explicit DesktopColors(BusLink& sessionBus);
 
 private Q_SLOTS:
-    void settingChanged(const QString& nameSpace, const QString& key, const QDBusVariant& value);
+    void settingChanged(const QDBusMessage& change);
 
 private:
     void listen();
