@@ -26,6 +26,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <set>
 #include <unistd.h>
 
 namespace tavrin {
@@ -107,10 +108,11 @@ public:
             system_->observe(WindowSystemEvent::screensChanged, emit(SystemEvent::screenParametersChanged)));
         observers_.push_back(system_->observe(WindowSystemEvent::availabilityChanged, [this] {
             events_.emit(SystemEvent::trustMayHaveChanged);
-            if (heldUnlock_ && trust_.isProcessTrusted()) {
-                heldUnlock_.release();
-                events_.emit(SystemEvent::screenIsUnlocked);
-            }
+            if (!trust_.isProcessTrusted())
+                return;
+            patience_.release();
+            for (const auto event : std::exchange(held_, {}))
+                events_.emit(event);
         }));
         observers_.push_back(system_->observe(WindowSystemEvent::connectionLost, [this] {
             std::fprintf(stderr, "tavrin: the connection to the window system is lost\n");
@@ -178,14 +180,19 @@ private:
         return [this, event] { events_.emit(event); };
     }
 
-    /// At login this program may run before the window manager, without which nothing can be restored: the
-    /// event is kept for it, for a while.
+    /// At login this program may run before the window manager, and while the screen is locked GNOME has
+    /// no extensions: until windows can be moved the event is kept, for a while.
     void sessionEvent(SystemEvent event) {
-        constexpr Seconds untilWindowManager{60};
-        if (event == SystemEvent::screenIsUnlocked && !trust_.isProcessTrusted())
-            heldUnlock_ = toolkit_->scheduler.after(untilWindowManager, [this] { heldUnlock_.release(); });
-        else
+        if (trust_.isProcessTrusted()) {
             events_.emit(event);
+            return;
+        }
+        constexpr Seconds longest{60};
+        held_.insert(event);
+        patience_ = toolkit_->scheduler.after(longest, [this] {
+            patience_.release();
+            held_.clear();
+        });
     }
 
     std::unique_ptr<DesktopToolkit> toolkit_;
@@ -234,7 +241,8 @@ private:
                        .applicationCatalog = catalog_,
                        .desktopInformation = information_};
     std::vector<Token> observers_;
-    Token heldUnlock_;
+    std::set<SystemEvent> held_; ///< until windows can be moved
+    Token patience_;             ///< of `held_`
 };
 
 } // namespace

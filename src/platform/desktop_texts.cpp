@@ -18,9 +18,11 @@ std::string textOf(WindowSystemObstacle obstacle) {
                "and so "
                "does every X11 session.";
     case WindowSystemObstacle::extensionMissing:
-        return "GNOME on Wayland lets only its own extensions move windows, and Tavrin's is not enabled. "
-               "1. Enable “Tavrin” in GNOME's Extensions. 2. If it is not listed there yet, log out and in "
-               "once.";
+        return "On Wayland, GNOME lets only extensions move windows, and the one that comes with Tavrin is "
+               "not "
+               "enabled. 1. Enable it. 2. Log out and in once, if GNOME does not know it yet.";
+    case WindowSystemObstacle::loginNeeded:
+        return "Tavrin's extension is enabled. Log out and in once: GNOME finds new extensions only then.";
     case WindowSystemObstacle::extensionMismatch:
         return "Tavrin's extension of GNOME is of another version than Tavrin. Log out and in again; if that "
                "does not help, install both from one package.";
@@ -36,7 +38,9 @@ DesktopTexts desktopTexts(std::optional<WindowSystemObstacle> obstacle) {
     constexpr auto control = ModifierSet::control;
     constexpr ModifierSet controlCommand{control.rawValue | ModifierSet::command.rawValue};
     const std::string arrows = "Control-arrow shortcuts are commonly reserved for switching workspaces.";
+    const bool canEnable = obstacle == WindowSystemObstacle::extensionMissing;
     return {.missingPermission = obstacle ? textOf(*obstacle) : std::string(),
+            .requestPermission = canEnable ? "Enable the Extension" : "",
             .grantPermission =
                 "Choose “Open Accessibility Settings” in Tavrin's menu to see what this desktop needs.",
             .launchAtLogin =

@@ -106,6 +106,8 @@ struct ReservedCombo {
 struct DesktopTexts {
     /// What is missing now and what to do about it; empty when nothing is known of it.
     std::string missingPermission;
+    /// On the button that asks the desktop for the permission; empty where that is no use.
+    std::string requestPermission;
     std::string grantPermission; ///< where to grant it, as a sentence; empty for the usual one
     std::string launchAtLogin =
         "First time you enable this, macOS may ask you to confirm in System Settings > "

@@ -35,10 +35,12 @@ std::string PermissionStatusViewModel::message() const {
 
 void PermissionStatusViewModel::refresh() {
     state.set(service_.currentState());
+    checked.emit();
 }
 
 void PermissionStatusViewModel::requestAccess() {
     state.set(service_.requestAccess());
+    checked.emit();
     pollIfNeeded();
 }
 

@@ -19,6 +19,7 @@ public:
         : state(initial), service_(service), scheduler_(scheduler) {}
 
     Observable<AccessibilityPermissionState> state;
+    Signal<> checked; ///< the desktop was asked; also where the answer is the same for another reason
 
     std::string title() const;
     std::string message() const;

@@ -7,6 +7,7 @@ namespace tavrin {
 Troubles::Troubles(const SettingsCollaborators& collaborators) : collaborators_(collaborators) {
     subscriptions_.push_back(
         collaborators_.permissionStatusViewModel.state.subscribe([this](const auto&) { refresh(); }));
+    subscriptions_.push_back(collaborators_.permissionStatusViewModel.checked.connect([this] { refresh(); }));
     subscriptions_.push_back(collaborators_.profileListViewModel.reloaded.connect([this] { refresh(); }));
 }
 
@@ -14,9 +15,10 @@ void Troubles::refresh() {
     std::vector<Trouble> list;
     const PermissionStatusViewModel& permission = collaborators_.permissionStatusViewModel;
     if (permission.state.value() == AccessibilityPermissionState::denied) {
-        const std::string help = collaborators_.desktopInformation.texts().missingPermission;
-        list.push_back(
-            {Trouble::Kind::permission, permission.title(), help.empty() ? permission.message() : help});
+        const auto texts = collaborators_.desktopInformation.texts();
+        const auto& help = texts.missingPermission;
+        list.push_back({Trouble::Kind::permission, permission.title(),
+                        help.empty() ? permission.message() : help, texts.requestPermission});
     }
     auto files = collaborators_.profileStore.unreadableFiles();
     for (auto& file : collaborators_.settingsStore.unreadableFiles())

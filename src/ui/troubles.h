@@ -13,6 +13,7 @@ struct Trouble {
     Kind kind = Kind::permission;
     std::string title;
     std::string message; ///< what is wrong here and what to do about it
+    std::string request; ///< on the button that has the desktop mend it; empty where it cannot
 
     bool operator==(const Trouble&) const = default;
 };
@@ -31,6 +32,8 @@ public:
 
     /// Opens the page that says what this desktop needs; false when nothing could be opened.
     bool showHowToFix() { return collaborators_.linkOpener.openAccessibilitySettings(); }
+    /// Asks the desktop for the permission.
+    void requestPermission() { collaborators_.permissionStatusViewModel.requestAccess(); }
     void recheckPermission() { collaborators_.permissionStatusViewModel.recheckAndPoll(); }
     /// Renames the files that cannot be read, so that the program starts without their content.
     void setFilesAside();

@@ -153,7 +153,9 @@ struct FakeCatalog : ApplicationCatalog {
 
 struct FixedDesktopInformation : DesktopInformation {
     DesktopFacts facts{"XFCE", "Openbox", "x11", "Qt 6"};
+    DesktopTexts sentences;
     DesktopFacts currentFacts() override { return facts; }
+    DesktopTexts texts() override { return sentences; }
 };
 
 struct FakeLoginItem : LoginItem {

@@ -271,6 +271,10 @@ TEST_F(SettingsWindowTest, SaysFirstWhatIsMissing) {
     host.log.clear();
     click(button("How to fix it"));
     EXPECT_EQ(host.log, "help ");
+    information.sentences.requestPermission = "Enable it";
+    permissionModel.refresh();
+    click(button("Enable it"));
+    EXPECT_EQ(permission.prompts, 1);
     click(button("Set Aside and Start Fresh"));
     EXPECT_FALSE(says("“settings.json” cannot be read"));
     show(SettingsPane::layouts);

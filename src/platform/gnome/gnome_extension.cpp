@@ -3,6 +3,8 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QJsonDocument>
+#include <QProcess>
+#include <QTimer>
 
 #include <algorithm>
 #include <limits>
@@ -20,6 +22,10 @@ constexpr int version = 1;
 constexpr qsizetype answerLimit = 32 * 1024 * 1024;
 
 constexpr int greetingMilliseconds = 800;
+
+const QString extension = QStringLiteral("windows@tavrin.org");
+const QStringList enabledExtensions{QStringLiteral("org.gnome.shell"), QStringLiteral("enabled-extensions")};
+constexpr std::chrono::seconds settingsPatience{10};
 
 /// Absent when it is no object as text.
 std::optional<QJsonObject> objectIn(const QDBusMessage& answer) {
@@ -85,6 +91,54 @@ std::optional<QJsonObject> GnomeExtension::ask(const char* method, const QVarian
         greet();
     }
     return objectIn(answer);
+}
+
+void GnomeExtension::enable() {
+    auto call = QDBusMessage::createMethodCall(
+        QStringLiteral("org.gnome.Shell"), QStringLiteral("/org/gnome/Shell"),
+        QStringLiteral("org.gnome.Shell.Extensions"), QStringLiteral("EnableExtension"));
+    call.setAutoStartService(false);
+    auto* waiting = new QDBusPendingCallWatcher(bus_.asyncCall(call << extension), this);
+    connect(waiting, &QDBusPendingCallWatcher::finished, this, [this, waiting] {
+        waiting->deleteLater();
+        const auto answer = waiting->reply();
+        if (answer.type() == QDBusMessage::ReplyMessage && answer.arguments().value(0) == false)
+            enableAtNextLogin();
+    });
+}
+
+/// The shell enables only what it knew at its start, and reads this list then.
+void GnomeExtension::enableAtNextLogin() {
+    runSettings(QStringList{QStringLiteral("get")} + enabledExtensions, [this](const QString& output) {
+        auto list = output.trimmed();
+        if (list == QLatin1String("@as []"))
+            list = QStringLiteral("[]");
+        if (!list.startsWith('[') || !list.endsWith(']'))
+            return;
+        const auto name = "'" + extension + "'";
+        if (!list.contains(name))
+            list.insert(list.size() - 1, (list.size() > 2 ? ", " : "") + name);
+        runSettings(QStringList{QStringLiteral("set")} + enabledExtensions + QStringList{list},
+                    [this](const QString&) {
+                        isEnabledAtNextLogin_ = true;
+                        changed_.emit();
+                    });
+    });
+}
+
+/// `finished` is called only after success.
+void GnomeExtension::runSettings(const QStringList& arguments,
+                                 std::function<void(const QString& output)> finished) {
+    auto* process = new QProcess(this);
+    connect(process, &QProcess::errorOccurred, process, &QObject::deleteLater);
+    connect(process, &QProcess::finished, this,
+            [process, finished = std::move(finished)](int status, QProcess::ExitStatus) {
+                process->deleteLater();
+                if (status == 0)
+                    finished(QString::fromUtf8(process->readAllStandardOutput()));
+            });
+    QTimer::singleShot(settingsPatience, process, &QProcess::kill);
+    process->start(QStringLiteral("gsettings"), arguments);
 }
 
 void GnomeExtension::setOwner(const QString& owner) {

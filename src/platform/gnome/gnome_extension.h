@@ -36,6 +36,11 @@ public:
     /// something else. After it did not answer in time, questions fail at once until it does again.
     std::optional<QJsonObject> ask(const char* method, const QVariantList& arguments, Seconds patience);
 
+    /// Has the shell enable it, on the user's word, now or at the next login; nothing is waited for.
+    void enable();
+    /// It was enabled here and the shell did not know it.
+    bool isEnabledAtNextLogin() const { return isEnabledAtNextLogin_; }
+
     /// `handler` is called after `state` changed, or another extension took over; never from within a call.
     Token observeState(std::function<void()> handler) { return changed_.connect(std::move(handler)); }
     /// The same for what it answers about the screens.
@@ -52,12 +57,15 @@ private Q_SLOTS:
 private:
     QDBusMessage question(const char* method, const QVariantList& arguments = {}) const;
     void setOwner(const QString& owner);
+    void enableAtNextLogin();
+    void runSettings(const QStringList& arguments, std::function<void(const QString& output)> finished);
     void greet();
 
     QDBusConnection bus_;
     QString owner_;
     QDBusServiceWatcher watcher_;
     bool isSilent_ = false;
+    bool isEnabledAtNextLogin_ = false;
     int version_ = 0; ///< of its interface; 0 until it has answered
     Signal<> changed_;
     Signal<> areas_;

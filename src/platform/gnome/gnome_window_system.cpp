@@ -71,8 +71,10 @@ GnomeWindowSystem::GnomeWindowSystem(BusLink& bus, GnomeSession session,
         conversation_.reset();
         availabilityMayHaveChanged();
     }));
-    watches_.push_back(
-        outputs_.observeChanges([this] { signals_[WindowSystemEvent::screensChanged].emit(); }));
+    watches_.push_back(outputs_.observeChanges([this] {
+        haveScreensChanged_ = obstacle_.has_value();
+        signals_[WindowSystemEvent::screensChanged].emit();
+    }));
     watches_.push_back(
         connection_->observeLoss([this] { signals_[WindowSystemEvent::connectionLost].emit(); }));
 }
@@ -94,8 +96,12 @@ std::optional<QJsonObject> GnomeWindowSystem::ask(const char* method, const QVar
 
 void GnomeWindowSystem::availabilityMayHaveChanged() {
     const auto now = obstacle();
-    if (std::exchange(obstacle_, now) != now)
-        signals_[WindowSystemEvent::availabilityChanged].emit();
+    if (std::exchange(obstacle_, now) == now)
+        return;
+    signals_[WindowSystemEvent::availabilityChanged].emit();
+    // Nothing could be moved behind the lock screen.
+    if (!obstacle_ && std::exchange(haveScreensChanged_, false))
+        signals_[WindowSystemEvent::screensChanged].emit();
 }
 
 std::string GnomeWindowSystem::name() {
@@ -115,7 +121,8 @@ std::optional<WindowSystemObstacle> GnomeWindowSystem::obstacle() {
         return WindowSystemObstacle::notAnswering;
     switch (conversation_->extension.state()) {
     case GnomeExtension::State::missing:
-        return WindowSystemObstacle::extensionMissing;
+        return conversation_->extension.isEnabledAtNextLogin() ? WindowSystemObstacle::loginNeeded
+                                                               : WindowSystemObstacle::extensionMissing;
     case GnomeExtension::State::mismatched:
         return WindowSystemObstacle::extensionMismatch;
     case GnomeExtension::State::silent:
@@ -124,6 +131,11 @@ std::optional<WindowSystemObstacle> GnomeWindowSystem::obstacle() {
         break;
     }
     return std::nullopt;
+}
+
+void GnomeWindowSystem::requestAccess() {
+    if (conversation_)
+        conversation_->extension.enable();
 }
 
 std::expected<WindowListing, WindowSystemObstacle> GnomeWindowSystem::list() {

@@ -30,6 +30,7 @@ public:
 
     std::string name() override;
     std::optional<WindowSystemObstacle> obstacle() override;
+    void requestAccess() override;
     std::expected<WindowListing, WindowSystemObstacle> list() override;
     std::vector<PlacementOutcome> place(std::span<const WindowPlacement> placements,
                                         Seconds patience) override;
@@ -64,8 +65,9 @@ private:
     std::unique_ptr<Conversation> conversation_; ///< null while there is no bus
     std::vector<KeyCombo> combos_;
     std::function<void(const KeyCombo&)> pressed_;
-    ScriptAreas areas_; ///< as last read
-    std::optional<WindowSystemObstacle> obstacle_;
+    ScriptAreas areas_;                            ///< as last read
+    std::optional<WindowSystemObstacle> obstacle_; ///< as last told
+    bool haveScreensChanged_ = false;              ///< while there was one
     std::map<WindowSystemEvent, Signal<>> signals_;
     std::vector<Token> watches_;
 };

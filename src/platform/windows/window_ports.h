@@ -49,7 +49,11 @@ public:
     explicit WindowSystemTrust(WindowSystem& system) : system_(system) {}
 
     bool isProcessTrusted() override { return !system_.obstacle(); }
-    bool isProcessTrusted(Prompt) override { return isProcessTrusted(); }
+    bool isProcessTrusted(Prompt prompt) override {
+        if (prompt == Prompt::show && !isProcessTrusted())
+            system_.requestAccess();
+        return isProcessTrusted();
+    }
 
 private:
     WindowSystem& system_;

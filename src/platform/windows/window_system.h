@@ -87,6 +87,7 @@ enum class WindowSystemObstacle {
     partialView,     ///< an X server that is a bridge into a Wayland session: it shows some windows only
     unsupportedCompositor, ///< a Wayland compositor that lets no program move windows
     extensionMissing,      ///< the desktop needs an extension that is not installed or not enabled
+    loginNeeded,           ///< the extension is enabled, and loaded at the next login
     extensionMismatch,     ///< the extension is of another version than this program
     notAnswering,          ///< the window system does not answer, or its answers make no sense
 };
@@ -116,6 +117,10 @@ public:
 
     /// Nothing when windows of all applications can be read and moved now, else why not.
     virtual std::optional<WindowSystemObstacle> obstacle() = 0;
+
+    /// Asks the desktop for what is missing, on the user's word. What comes of it is told by
+    /// `availabilityChanged`.
+    virtual void requestAccess() {}
 
     /// All windows now, in one answer; the obstacle when they cannot be read.
     virtual std::expected<WindowListing, WindowSystemObstacle> list() = 0;

@@ -33,7 +33,8 @@ enable-animations=false
 
 // What the other scripts use.
 constexpr auto vocabulary = R"(globalThis.harness = {
-    windows: () => global.get_window_actors().map(actor => actor.meta_window).filter(w => w),
+    // Those that have a place; the shell gives it to a window when it first shows it.
+    windows: () => global.get_window_actors().filter(actor => actor.visible).map(actor => actor.meta_window),
     window: id => harness.windows().find(w => String(w.get_id()) === id),
     keyboard: imports.gi.Clutter.get_default_backend().get_default_seat()
         .create_virtual_device(imports.gi.Clutter.InputDeviceType.KEYBOARD_DEVICE),
@@ -148,7 +149,6 @@ void GnomeWindows::tell(const WindowHandle& window, const Rect& frame) {
 }
 
 bool GnomeWindows::place(const WindowHandle& window, const Rect& frame) {
-    // The shell places a new window once more when it has its first content.
     return waitUntil([&] {
         tell(window, frame);
         return visibleFrame(window) == frame;
@@ -234,10 +234,9 @@ void GnomeDesktop::installExtensions() {
     require(isDone, "extensions");
 }
 
-bool GnomeDesktop::setExtension(bool isEnabled) {
-    auto call =
-        QDBusMessage::createMethodCall("org.gnome.Shell", "/org/gnome/Shell", "org.gnome.Shell.Extensions",
-                                       isEnabled ? "EnableExtension" : "DisableExtension");
+bool GnomeDesktop::disableExtension() {
+    auto call = QDBusMessage::createMethodCall("org.gnome.Shell", "/org/gnome/Shell",
+                                               "org.gnome.Shell.Extensions", "DisableExtension");
     return callAndServe(sessionBus().connection(), call << extension).arguments().value(0).toBool();
 }
 

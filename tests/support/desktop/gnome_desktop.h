@@ -91,8 +91,8 @@ public:
     void crash() override { process_.kill(); }
     Process* compositor() override { return &process_; }
 
-    /// Enables or disables the program's extension, as the user does.
-    bool setExtension(bool isEnabled);
+    /// Disables the program's extension, as the user does.
+    bool disableExtension();
     /// What the shell does with its extensions while the lock screen is there.
     void setLockScreen(bool isShown);
 

@@ -99,6 +99,8 @@ QWidget* TroubleBanners::makeBanner(const Trouble& trouble) {
         connect(button, &QPushButton::clicked, this, [action = std::move(action)] { callCopy(action); });
         buttons->addWidget(button);
     };
+    if (!trouble.request.empty())
+        add(trouble.request.c_str(), [this] { troubles_.requestPermission(); });
     if (trouble.kind == Trouble::Kind::permission) {
         add("How to fix it", [this] { troubles_.showHowToFix(); });
         add("Recheck", [this] { troubles_.recheckPermission(); });
