@@ -38,6 +38,7 @@ was plugged or unplugged, after wake and after unlock.
 .
 It only moves windows that are open; it never starts or closes an
 application. It needs an X11 session with a window manager that follows
-the EWMH standard, or a Wayland session with sway.")
+the EWMH standard, or a Wayland session with KDE Plasma, sway, or GNOME,
+whose extension for it is part of this package.")
 
 include(CPack)
