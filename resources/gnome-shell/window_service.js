@@ -21,8 +21,7 @@ const ACCELERATOR = /^(<Control>)?(<Alt>)?(<Shift>)?(<Super>)?0x[0-9a-f]{1,3}$/;
 const TICK = 100, QUIET_TICKS = 20; // milliseconds; after so many without any news the rest counts as lost
 
 const KINDS = new Map([
-    [Meta.WindowType.NORMAL, 'standard'],
-    [Meta.WindowType.DIALOG, 'dialog'], [Meta.WindowType.MODAL_DIALOG, 'dialog'],
+    [Meta.WindowType.NORMAL, 'standard'], [Meta.WindowType.DIALOG, 'dialog'], [Meta.WindowType.MODAL_DIALOG, 'dialog'],
     [Meta.WindowType.UTILITY, 'floating'], [Meta.WindowType.TOOLBAR, 'floating'],
 ]);
 
@@ -203,12 +202,12 @@ class WindowService {
 
     _grab(accelerator) {
         const action = global.display.grab_accelerator(accelerator, Meta.KeyBindingFlags.IGNORE_AUTOREPEAT);
-        if (action !== Meta.KeyBindingAction.NONE) {
-            const {NORMAL, OVERVIEW, POPUP} = Shell.ActionMode;
-            Main.wm.allowKeybinding(Meta.external_binding_name_for_action(action), NORMAL | OVERVIEW | POPUP);
-            this._keys.set(action, accelerator);
-        }
-        return action !== Meta.KeyBindingAction.NONE;
+        if (action === Meta.KeyBindingAction.NONE)
+            return false;
+        const {NORMAL, OVERVIEW, POPUP} = Shell.ActionMode;
+        Main.wm.allowKeybinding(Meta.external_binding_name_for_action(action), NORMAL | OVERVIEW | POPUP);
+        this._keys.set(action, accelerator);
+        return true;
     }
 
     _releaseKeys() {
