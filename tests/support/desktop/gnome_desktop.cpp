@@ -10,6 +10,7 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <sys/stat.h>
 
 namespace tavrin::desktop {
 
@@ -188,6 +189,10 @@ GnomeDesktop::GnomeDesktop(const Options& options) : Desktop(options) {
     heartbeat_.start(20);
     prepareWaylandSession("GNOME");
     installExtensions();
+    // Where no X server has run yet the shell makes the folder, closed to others, and refuses it for that.
+    constexpr auto sockets = "/tmp/.X11-unix";
+    if (::mkdir(sockets, 0777) == 0)
+        require(::chmod(sockets, 01777) == 0, "folder for X sockets");
     auto environment = environment_;
     environment.insert("LIBGL_ALWAYS_SOFTWARE", "1");
     QStringList arguments{"--headless", "--wayland-display", "wayland-test"};
