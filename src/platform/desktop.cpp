@@ -32,7 +32,7 @@
 namespace tavrin {
 namespace {
 
-/// Presses for other applications from the window system, those for the program's own windows from Qt.
+/// Presses for other applications from the window system, those that reach the program's own windows from Qt.
 class DesktopKeyMonitors final : public KeyMonitors {
 public:
     DesktopKeyMonitors(WindowSystem& system, const QtApplicationHost& host, const SessionEvents& session)
@@ -40,9 +40,9 @@ public:
 
     void watch(std::vector<KeyCombo> combos, std::function<void(const KeyEvent&)> pressed) override {
         system_.watchKeys(std::move(combos), [this, pressed = std::move(pressed)](const KeyCombo& combo) {
-            // An open menu of this program takes the keyboard without taking the focus. A window system may
-            // show what is typed to unlock the screen, too.
-            if (!host_.isActive() && !session_.isScreenLocked())
+            // What this program's own windows get comes from Qt. A window system may show what is typed to
+            // unlock the screen, too.
+            if ((system_.reservesKeys() || !host_.isActive()) && !session_.isScreenLocked())
                 pressed({.keyCode = combo.keyCode, .modifierFlags = combo.modifiers.rawValue});
         });
     }

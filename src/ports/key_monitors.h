@@ -16,7 +16,8 @@ public:
 
     /// From now on `pressed` is called for presses of exactly these combinations that go to other
     /// applications. Replaces what was watched before; an empty set ends it, and costs nothing. Where the
-    /// desktop can only reserve combinations, no other application gets them meanwhile.
+    /// desktop can only reserve combinations, no application gets them meanwhile, and `pressed` is called for
+    /// all.
     virtual void watch(std::vector<KeyCombo> combos, std::function<void(const KeyEvent&)> pressed) = 0;
 
     /// Those of the watched combinations that the desktop does not deliver.

@@ -237,7 +237,7 @@ TEST_F(SessionTest, WakingAndUnlockingRestoreWhenTheUserWantsIt) {
     EXPECT_EQ(seen(window()), saved) << "after logging in";
 }
 
-TEST_F(SessionTest, AShortcutWorksWhileAnotherApplicationHasTheKeyboard) {
+TEST_F(SessionTest, AShortcutWorksWhoeverHasTheKeyboard) {
     begin({});
     ASSERT_TRUE(program().start());
     const Rect saved{700, 300, 500, 400};
@@ -264,6 +264,13 @@ TEST_F(SessionTest, AShortcutWorksWhileAnotherApplicationHasTheKeyboard) {
     ASSERT_FALSE(program().menu().empty());
     EXPECT_TRUE(desktop().keyboard().pressWith(Keyboard::controlKey, 'r'));
     EXPECT_TRUE(program().waitForFeedback());
+    EXPECT_EQ(seen(window()), saved);
+
+    ASSERT_TRUE(windows().place(window(), {120, 140, 360, 280}) && tray().choose({"Settings…"}));
+    ASSERT_TRUE(waitUntil([&] { return windows().processWithKeyboard() == program().process().pid(); }));
+    ASSERT_TRUE(program().waitForRest());
+    EXPECT_TRUE(desktop().keyboard().pressWith(Keyboard::controlKey, 'r'));
+    EXPECT_TRUE(program().waitForFeedback()) << "a window of its own has the keyboard";
     EXPECT_EQ(seen(window()), saved);
 }
 

@@ -37,6 +37,7 @@ public:
                                         Seconds patience) override;
     std::vector<DesktopScreen> screens() override;
     void watchKeys(std::vector<KeyCombo> combos, std::function<void(const KeyCombo&)> pressed) override;
+    bool reservesKeys() const override { return true; }
     std::vector<RefusedKey> refusedKeys() override;
     std::optional<std::uint32_t> keyPosition(std::uint32_t nativeScanCode) override;
     bool activate(WindowID window, const std::string& token) override;

@@ -136,11 +136,13 @@ public:
     /// or the window system does not answer.
     virtual std::vector<DesktopScreen> screens() = 0;
 
-    /// From now on `pressed` is called whenever exactly one of these combinations is pressed while another
-    /// program has the keyboard: once per press, not while it is held. Replaces the set watched before; an
-    /// empty one stops watching, and costs nothing. Where presses can only be reserved, no other program gets
-    /// them meanwhile.
+    /// From now on `pressed` is called whenever exactly one of these combinations is pressed, whoever has the
+    /// keyboard: once per press, not while it is held. Replaces the set watched before; an empty one stops
+    /// watching, and costs nothing.
     virtual void watchKeys(std::vector<KeyCombo> combos, std::function<void(const KeyCombo&)> pressed) = 0;
+
+    /// Whether watched presses are reserved: then no window gets them, this program's own neither.
+    virtual bool reservesKeys() const { return false; }
 
     /// Those of the watched combinations that are not delivered.
     virtual std::vector<RefusedKey> refusedKeys() = 0;
