@@ -123,6 +123,8 @@ std::expected<WindowListing, WindowSystemObstacle> KWinWindowSystem::list() {
     if (!result)
         return std::unexpected(WindowSystemObstacle::notAnswering);
     identifiers_ = std::move(result->identifiers);
+    if (client_)
+        result->listing.primaryScreen = client_->outputs.primaryFrame();
     return std::move(result->listing);
 }
 

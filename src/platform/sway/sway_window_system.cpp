@@ -111,7 +111,7 @@ std::expected<WindowListing, WindowSystemObstacle> SwayWindowSystem::list() {
     // Without an output sway lists no windows, though they are there.
     if (!tree || tree->outputs.empty())
         return std::unexpected(WindowSystemObstacle::notAnswering);
-    WindowListing listing{.activeWindow = tree->focused};
+    WindowListing listing{.activeWindow = tree->focused, .primaryScreen = outputs_.primaryFrame()};
     listing.windows.reserve(tree->windows.size());
     for (auto& window : tree->windows)
         listing.windows.push_back(std::move(window.window));

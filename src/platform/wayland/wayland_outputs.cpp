@@ -208,6 +208,14 @@ std::optional<std::string> WaylandOutputs::primary() const {
     return (atOrigin == all.end() ? all.front() : *atOrigin).name;
 }
 
+std::optional<Rect> WaylandOutputs::primaryFrame() const {
+    const auto name = primary();
+    for (const auto& output : outputs())
+        if (output.name == name)
+            return output.frame;
+    return std::nullopt;
+}
+
 DisplayHardware outputHardware(const WaylandOutput& output, const std::filesystem::path& systemRoot) {
     EdidIdentity identity{.product = connectorNumber(output.name)};
     std::error_code error;

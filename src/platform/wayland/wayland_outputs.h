@@ -45,6 +45,7 @@ public:
     /// The primary output: the first in the user's order, else the one at the origin, else the first. Absent
     /// without outputs.
     std::optional<std::string> primary() const;
+    std::optional<Rect> primaryFrame() const;
 
     /// An output came, went or changed, or the order did. Bursts are not merged.
     Token observeChanges(std::function<void()> handler) { return changed_.connect(std::move(handler)); }
