@@ -111,6 +111,7 @@ public:
     Keyboard& keyboard() override { return *keyboard_; }
     void crash() override { kwin_.kill(); }
     Process* compositor() override { return &kwin_; }
+    KWinTalk& talk() { return talk_; }
 
     /// After a crash.
     void start();
