@@ -43,6 +43,15 @@ QString placement(const Rect& frame) {
         .arg(frame.y);
 }
 
+QString setting(const QString& output, const Rect& area) {
+    return QString("output %1 resolution %2x%3 position %4 %5")
+        .arg(output)
+        .arg(area.width)
+        .arg(area.height)
+        .arg(area.x)
+        .arg(area.y);
+}
+
 bool write(const QString& path, const QByteArray& bytes) {
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
@@ -90,14 +99,15 @@ bool SwayOutputs::plug(int output, const Rect& area, const std::optional<Monitor
             return false;
     }
     identifyOutput(systemRoot_, name, identity);
-    return waitUntil([&] { return active().contains(name); }) &&
-           sway_.run(QString("output %1 resolution %2x%3 position %4 %5")
-                         .arg(name)
-                         .arg(area.width)
-                         .arg(area.height)
-                         .arg(area.x)
-                         .arg(area.y)) &&
+    return waitUntil([&] { return active().contains(name); }) && sway_.run(setting(name, area)) &&
            waitUntil([&] { return active()[name] == area; });
+}
+
+QString SwayOutputs::configuration() {
+    QString lines;
+    for (const auto& [name, area] : active())
+        lines += setting(name, area) + '\n';
+    return lines;
 }
 
 xcb_window_t SwayOutputs::window(const QString& name) {
@@ -263,8 +273,8 @@ void SwayDesktop::start(std::size_t outputCount) {
 
 bool SwayDesktop::configure(const QString& lines) {
     QFile file(scratch_.filePath("sway/config"));
-    return file.open(QIODevice::Append) && file.write(lines.toUtf8()) > 0 && file.flush() &&
-           talk_.run("reload");
+    return file.open(QIODevice::Append) && file.write((outputs_.configuration() + lines).toUtf8()) > 0 &&
+           file.flush() && talk_.run("reload");
 }
 
 QStringList SwayDesktop::commandLine(const QString& program, const QStringList& arguments) {

@@ -37,6 +37,8 @@ public:
     void adopt(XConnection& server) { server_ = &server; }
     /// The X window in which the output is seen; none when it is off.
     xcb_window_t window(const QString& name);
+    /// What keeps them as they are now when sway reads its configuration again.
+    QString configuration();
     /// One of them, whichever.
     xcb_window_t anyWindow() { return names_.empty() ? XCB_NONE : window(names_.begin()->second); }
 

@@ -30,11 +30,20 @@ std::optional<WindowHandle> TestClient::open(const WindowRequest& request) {
         command += fmt::format("\tshadow={}", fmt::join(request.shadow, ","));
     if (request.increment != std::array<int, 2>{})
         command += fmt::format("\tincrement={}", fmt::join(request.increment, ","));
-    const auto answer = ask(command);
-    if (!answer)
-        return std::nullopt;
-    const auto window = windows_.waitForOpened(
-        static_cast<std::uint32_t>(std::strtoul(answer->c_str(), nullptr, 10)), pid(), request.title);
+    auto answer = ask(command);
+    const auto opened = [&] {
+        return answer ? windows_.waitForOpened(
+                            static_cast<std::uint32_t>(std::strtoul(answer->c_str(), nullptr, 10)), pid(),
+                            request.title)
+                      : std::nullopt;
+    };
+    auto window = opened();
+    if (answer && !window) {
+        // sway 1.10 now and then never shows a window that its X server has.
+        ask("destroy\t" + *answer);
+        answer = ask(command);
+        window = opened();
+    }
     if (window)
         names_[window->id()] = *answer;
     return window;

@@ -30,14 +30,16 @@ std::optional<WindowHandle> ListedWindows::waitForTitle(const std::string& title
 std::optional<WindowHandle> ListedWindows::waitForOpened(std::uint32_t number, qint64 pid,
                                                          const std::string& title) {
     std::optional<Listed> found;
-    waitUntil([&] {
-        found = first([&](const Listed& window) {
-            return number != 0 && window.xWindow != 0
-                       ? window.xWindow == number
-                       : window.pid == pid && window.title == title && !opened_.contains(window.id);
-        });
-        return found && !found->isTiled;
-    });
+    waitUntil(
+        [&] {
+            found = first([&](const Listed& window) {
+                return number != 0 && window.xWindow != 0
+                           ? window.xWindow == number
+                           : window.pid == pid && window.title == title && !opened_.contains(window.id);
+            });
+            return found && !found->isTiled;
+        },
+        patience);
     if (!found)
         return std::nullopt;
     opened_.insert(found->id);
