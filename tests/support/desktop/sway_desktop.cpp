@@ -185,7 +185,14 @@ void SwayWindows::tell(const WindowHandle& window, const Rect& frame) {
 }
 
 bool SwayWindows::place(const WindowHandle& window, const Rect& frame) {
-    return tell(window, placement(frame)) && waitUntil([&] { return visibleFrame(window) == frame; });
+    // sway 1.10 places a new window once more when its client has drawn it.
+    return waitUntil([&] {
+               const auto seen = visibleFrame(window);
+               if (seen && seen != frame)
+                   tell(window, frame);
+               return !seen || seen == frame;
+           }) &&
+           visibleFrame(window) == frame;
 }
 
 bool SwayWindows::setFullscreen(const WindowHandle& window, bool isWanted) {
