@@ -41,6 +41,8 @@ bool isNamed(const char* desktop) {
 constexpr std::chrono::milliseconds busPatience{500};
 
 std::expected<std::unique_ptr<OpenedPlatform>, std::string> openKWin(int& argc, char** argv) {
+    // Plasma starts a KWin that crashed again: from 6.5 on Qt then goes on in the new one.
+    ::setenv("QT_WAYLAND_RECONNECT", "1", 0);
     auto toolkit = waylandToolkit(argc, argv);
     toolkit->sessionBus.open(busPatience);
     const auto folder = variable("XDG_RUNTIME_DIR");

@@ -17,6 +17,7 @@ namespace tavrin::desktop {
 
 namespace {
 
+using ::testing::AnyOf;
 using ::testing::HasSubstr;
 
 const Rect display{0, 0, 1920, 1080};
@@ -107,7 +108,7 @@ TEST_F(FaultTest, WindowsThatComeAndGoDuringRestoresDoNoHarm) {
 TEST_F(FaultTest, TitlesOfEveryKindAreSavedAndRestored) {
     startAll();
     const std::vector<std::string> titles{
-        std::string(1 << 20, 'm'),
+        std::string(lacks(Ability::longTitles) ? 2000 : 1 << 20, 'm'), // sway 1.10 dies of it
         "invalid \xff\xfe\xc3( \xed\xa0\x80 text",
         "\xd7\xa9\xd7\x9c\xd7\x95\xd7\x9d \xe2\x80\xae reversed \xe2\x80\xac",
         "bell\a escape\x1b[31m delete\x7f",
@@ -219,7 +220,9 @@ TEST_F(FaultTest, ALostServerEndsTheProgramWithAMessage) {
     const auto status = program().process().waitForExit();
     ASSERT_TRUE(status) << "crashed, or went on without a screen";
     EXPECT_NE(*status, 0);
-    EXPECT_THAT(programLog(), HasSubstr("tavrin: the connection to the window system is lost"));
+    // On Wayland the toolkit ends the process, with words of its own.
+    EXPECT_THAT(programLog(), AnyOf(HasSubstr("tavrin: the connection to the window system is lost"),
+                                    HasSubstr("Did the Wayland compositor die?")));
 }
 
 // Whatever is wrong with the buses: the program starts none, its icon is soon there, it runs once, and

@@ -61,6 +61,7 @@ enum class Ability {
     xDesktop,      ///< it is an `XDesktop`, with a window manager that comes and goes
     largeXWindows, ///< it tells the frame of an X window that was made as large as its monitor
     tilesWindows,  ///< the user has a window fill half of its monitor
+    longTitles,    ///< it survives a title wider than it can draw
 };
 
 /// A whole private desktop: a window system, a session bus and a second bus standing in for the system bus, a

@@ -102,7 +102,8 @@ public:
     explicit KWinDesktop(const Options& options);
 
     bool has(Ability ability) const override {
-        return ability == Ability::largeXWindows || ability == Ability::tilesWindows;
+        return ability == Ability::largeXWindows || ability == Ability::tilesWindows ||
+               ability == Ability::longTitles;
     }
     /// The server in which KWin shows the windows of X programs.
     XConnection& x() override { return *x_; }
