@@ -138,7 +138,7 @@ AppSupportPaths AppDelegate::paths() const {
     return {platform_.fileSystem, platform_.applicationSupportDirectory / "Tavrin"};
 }
 
-/// Without a status area nothing is to be seen of the program. Once, the user is shown that it runs.
+/// Without a status area the program is invisible, so the settings window is shown, once.
 void AppDelegate::showThatItRuns() {
     constexpr auto wasShown = "tavrin.statusArea.absenceWasShown";
     if (platform_.userDefaults.boolean(wasShown))

@@ -40,7 +40,7 @@ public:
     explicit StatusItemController(Collaborators collaborators);
     ~StatusItemController();
 
-    /// Shows on the icon for a moment how a restore went.
+    /// Shows on the icon for a short time how a restore went.
     void showRestoreFeedback(const RestoreResult& result);
 
 private:

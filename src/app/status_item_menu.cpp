@@ -80,7 +80,7 @@ MenuModel permissionItems(AccessibilityPermissionState permission) {
     menu.push_back(MenuItem::label(permission == AccessibilityPermissionState::denied
                                        ? "Accessibility access is required"
                                        : "Checking Accessibility permission"));
-    // The same key as that of the settings: whoever lacks the permission wants this one first.
+    // The same key as that of the settings: without the permission this one is needed first.
     menu.push_back(MenuItem::command("Open Accessibility Settings", MenuAction::openAccessibilitySettings, {},
                                      KeyEquivalent{",", {}}));
     menu.push_back(

@@ -6,7 +6,7 @@
 
 namespace tavrin {
 
-/// A value that tells its observers about changes. Assigning an equal value tells nobody.
+/// A value that notifies its observers of changes. Assigning an equal value notifies nobody.
 template <class Value>
 class Observable {
 public:

@@ -13,7 +13,7 @@
 namespace tavrin {
 
 /// A list of callbacks. A callback may connect, disconnect or destroy the signal while it is being
-/// called: whoever was disconnected meanwhile is not called any more, whoever came in is called next time.
+/// called: a callback that is disconnected meanwhile is not called any more, a new one is called next time.
 template <class... Arguments>
 class Signal {
 public:

@@ -33,7 +33,7 @@ private:
     std::move_only_function<void()> release_;
 };
 
-/// Calls a copy of `callback`, which may destroy whoever holds the callback, or itself. An empty callback
+/// Calls a copy of `callback`, which may destroy the object that holds it, or itself. An empty callback
 /// does nothing.
 template <class Callback, class... Arguments>
 void callCopy(Callback callback, Arguments... arguments) {

@@ -33,8 +33,7 @@ DisplaySnapshot snapshot(const Screen& screen, const DisplayFrame& whole) {
                             .visibleFrame = screen.visibleFrame};
     if (screen.hardware.empty())
         return display;
-    // A mirror image, or one screen of several panels, is known by all of them, in whatever order they are
-    // told.
+    // A mirrored screen, or one screen of several panels, is identified by all of its outputs, in any order.
     std::vector<std::string> identities;
     for (const DisplayHardware& hardware : screen.hardware)
         identities.push_back(

@@ -7,7 +7,7 @@
 
 namespace tavrin {
 
-/// Brings the events of several platform folders together.
+/// Collects the events of several platform folders.
 class SystemEventHub : public SystemEvents {
 public:
     Token observe(SystemEvent event, std::function<void()> handler) override {

@@ -33,7 +33,7 @@ public:
     /// Something exists at `path` (a dangling link counts as nothing).
     virtual bool exists(const std::filesystem::path& path) = 0;
 
-    /// The stamp of what stands at `path`, links followed; absent when it cannot be looked at.
+    /// The stamp of the file at `path`, links followed; absent when it cannot be read.
     virtual std::optional<FileStamp> stamp(const std::filesystem::path& path) = 0;
 
     /// All bytes of a regular file; other kinds of file are an error.

@@ -25,7 +25,7 @@ class UserDefaults;
 class WallClock;
 class WindowElements;
 
-/// Everything the program needs of the desktop it runs on. Whoever made it owns what it refers to.
+/// Everything the program needs of the desktop it runs on. Its maker owns what it refers to.
 struct Platform {
     ScreenList& screenList;
     RawWindowList& windowList;

@@ -9,7 +9,7 @@
 
 namespace tavrin {
 
-/// Everything the user can choose. The member initialisers are the settings of somebody who never changed
+/// Everything the user can choose. The member initialisers are the settings of a user who never changed
 /// anything.
 struct AppSettings {
     bool launchAtLogin = false;

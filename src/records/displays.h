@@ -13,8 +13,8 @@ namespace tavrin {
 /// A rectangle in the displays' space: bottom-left origin at the primary display, y growing upwards.
 using DisplayFrame = Rect;
 
-/// One display as it was seen at one moment. It is deliberately coarse, so that the same physical setup
-/// gives the same values every time.
+/// One display at one point in time. Deliberately coarse, so that the same physical setup gives the same
+/// values every time.
 struct DisplaySnapshot {
     std::optional<std::string> stableID; ///< vendor-model-serial; absent for a display without a number
     DisplayFrame normalizedFrame;        ///< fractions of the union of all displays
@@ -43,7 +43,7 @@ struct DisplaySnapshot {
     }
 };
 
-/// All displays of one moment, sorted by arrangement key.
+/// All displays at one point in time, sorted by arrangement key.
 struct DisplaySnapshotCollection {
     std::vector<DisplaySnapshot> displays;
 

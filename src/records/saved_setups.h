@@ -9,8 +9,8 @@
 
 namespace tavrin {
 
-/// All saved display setups and their layouts as the files held them at one moment. Copies share the lists,
-/// which never change.
+/// All saved display setups and their layouts as the files held them when they were read. Copies share the
+/// lists, which never change.
 class SavedSetups {
 public:
     using Profiles = std::vector<MonitorProfile>;

@@ -35,7 +35,7 @@ public:
     /// Looks at all free windows, in their order. `score(window)` is absent for one that cannot be taken.
     template <class Score>
     void look(const std::vector<bool>& isTaken, Score score) {
-        // Whoever has to look again is likely to have to once more.
+        // An entry that has to search again is likely to have to once more.
         const std::size_t limit = best_.empty() ? firstLimit : laterLimit;
         best_.clear();
         next_ = 0;

@@ -15,7 +15,7 @@ bool isInPlace(const MatchedPair& pair, double tolerance) {
            std::abs(now.height - target.height) <= tolerance;
 }
 
-/// Enters in `result` what is worth telling of a move.
+/// Enters in `result` what is worth reporting of a move.
 bool isSuccess(const WindowMoveOutcome& outcome, const std::string& application, const char* prefix,
                RestoreResult& result) {
     if (const auto* failed = std::get_if<WindowMoveFailed>(&outcome)) {
@@ -50,7 +50,7 @@ RestoreResult RestoreService::restore(const SavedLayout& layout) {
     const auto overflow = clustersExtraWindows() ? matcher_.overflowPairs(layout, windows, displays, pairs)
                                                  : std::vector<MatchedPair>{};
 
-    // All moves go to the desktop together; what came of them is told in the order of the pairs.
+    // All moves go to the desktop together; their outcomes are reported in the order of the pairs.
     std::vector<WindowMove> moves;
     const auto attempts = planMoves(pairs, moves);
     const auto overflowAttempts = planMoves(overflow, moves);

@@ -24,10 +24,10 @@ public:
     /// counts as applied all the same. Nothing happens where the user defaults cannot remember it.
     Outcome applyIfNeeded();
 
-    /// A reset happened and the user has not been told yet.
+    /// A reset happened and the user has not been informed yet.
     bool isResetNoticePending();
 
-    /// As above; from now on the user counts as told.
+    /// As above; from now on the user counts as informed.
     bool consumeResetNotice();
 
 private:

@@ -19,7 +19,7 @@ struct AppSupportPaths {
     /// error when another program keeps the lock for longer than a second.
     std::expected<Token, FileError> lock() const;
 
-    /// Puts `bytes` in the place of `file` so that at any moment, whatever happens, the file holds either
+    /// Puts `bytes` in the place of `file` so that at any time, whatever happens, the file holds either
     /// the old or the new content: a file of a name of its own is written beside it, flushed and renamed,
     /// then the directory is flushed. A link is followed and its target replaced. The caller holds the lock.
     std::expected<void, FileError> writeAtomically(const std::filesystem::path& file,

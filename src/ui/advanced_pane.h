@@ -13,7 +13,7 @@
 
 namespace tavrin {
 
-/// What somebody needs to know who looks into a fault. Titles of windows and names of layouts are not in it.
+/// What is needed to look into a fault. It contains no window titles and no names of layouts.
 struct TroubleshootingReport {
     struct Line {
         std::string label;

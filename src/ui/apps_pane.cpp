@@ -84,7 +84,7 @@ void ExclusionListView::append(std::string bundleID) {
 void ExclusionListView::save(std::vector<std::string> list) {
     static_cast<void>(
         settingsStore_.change([&](AppSettings& settings) { settings.excludedBundleIDs = std::move(list); }));
-    // Saved or not, the list is what the file holds; while nobody can read it, it stays as it was.
+    // Saved or not, the list is what the file holds; while it cannot be read, the list stays as it was.
     if (const auto settings = settingsStore_.load())
         excludedBundleIDs_ = settings->excludedBundleIDs;
 }

@@ -57,7 +57,7 @@ private:
 /// An application as the pane lists it.
 struct ListedApplication {
     std::string bundleIdentifier;
-    std::string name; ///< the identifier when nobody knows a name
+    std::string name; ///< the identifier when no name is known
     std::optional<std::string> iconName;
 
     bool operator==(const ListedApplication&) const = default;

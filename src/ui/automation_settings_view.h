@@ -16,7 +16,7 @@
 
 namespace tavrin {
 
-/// Chooses what happens by itself: when windows are restored, to which layout, and whether the program
+/// Chooses what happens automatically: when windows are restored, to which layout, and whether the program
 /// starts at login. Everything is saved at once; only a login item that cannot be changed is worth a message.
 class AutomationSettingsView {
 public:

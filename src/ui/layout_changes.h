@@ -56,7 +56,7 @@ public:
 
     /// Does what the notice offers. Without an offer nothing happens.
     void act();
-    /// The next action began: what was done before is not told and not taken back any more.
+    /// The next action began: the notice of the last one goes, and with it the offer to undo it.
     void dismiss() { tell(std::nullopt, nullptr); }
 
 private:

@@ -73,7 +73,7 @@ LayoutsPane::LayoutsPane(const SettingsCollaborators& collaborators) : collabora
     subscriptions_.push_back(collaborators_.currentProfileViewModel.setup.subscribe(tell));
     subscriptions_.push_back(collaborators_.shortcutManager.layoutShortcuts.subscribe(tell));
     subscriptions_.push_back(collaborators_.permissionStatusViewModel.state.subscribe(tell));
-    // What was said of a restore is over when the displays are others.
+    // The report of a restore goes when the displays change.
     subscriptions_.push_back(collaborators_.currentProfileViewModel.setup.subscribe(
         [this, arrangement = std::string()](const CurrentSetup& setup) mutable {
             if (std::exchange(arrangement, setup.arrangementSignature) != setup.arrangementSignature)
@@ -302,7 +302,7 @@ LayoutsPaneContent LayoutsPane::read() const {
     content.offersFilter = count > manyLayouts;
     content.isFoldable = count > manyLayouts && profiles.size() > 1;
     if (content.isUnreadable)
-        return content; // nothing is said of what nobody knows
+        return content; // nothing is shown of what cannot be read
     for (const MonitorProfile& profile : profiles) {
         auto setup = readSetup(profile, *setups, content.isFoldable);
         if (filter_.empty() || !setup.layouts.empty())

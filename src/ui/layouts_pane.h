@@ -29,7 +29,7 @@ struct LayoutCard {
     std::optional<std::string> age; ///< see `relativeTimeText`
     bool isDefault = false;
     bool canRestore = false;
-    bool canUpdate = false; ///< its displays are connected, so the windows of now belong to it
+    bool canUpdate = false; ///< its displays are connected, so the open windows belong to it
     std::optional<KeyCombo> shortcut;
     LayoutPicture picture;
     RestoreReport report;
@@ -121,7 +121,7 @@ public:
     void renameLayout(const Uuid& layoutID, std::string_view name);
     void renameSetup(const Uuid& profileID, std::string_view name);
 
-    /// Absent for what is gone meanwhile.
+    /// Absent for what no longer exists.
     std::optional<DeletionQuestion> layoutDeletionQuestion(const Uuid& layoutID);
     std::optional<DeletionQuestion> setupDeletionQuestion(const Uuid& profileID);
     void deleteLayout(const Uuid& layoutID);
@@ -136,11 +136,11 @@ private:
     SetupCard readSetup(const MonitorProfile& profile, const SavedSetups& setups, bool isFoldable) const;
     RestoreReport report(const RestoreResult& result, const Uuid& layoutID) const;
     void publish();
-    /// Lets the models read again what an action left behind, and with them this pane.
+    /// Has the models, and with them this pane, read the result of an action.
     void reloadModels();
     void setReport(const Uuid& layoutID, RestoreReport report);
     void clearReport();
-    /// Whatever the user does next ends what was said about the action before.
+    /// The user's next action removes the report of the one before.
     void beginAction();
     void readAgainSoon();
 

@@ -22,7 +22,7 @@ public:
     /// Reads the list again; one that cannot be read leaves what was shown.
     void reload();
 
-    /// As the store's operations of that name; the list is read again whatever comes of it.
+    /// As the store's operations of that name; the list is read again even when they fail.
     std::expected<MonitorProfile, StoreError> createProfile(std::string_view name,
                                                             const DisplayFingerprint& fingerprint);
     std::expected<void, StoreError> renameProfile(const Uuid& profileID, std::string_view name);

@@ -120,7 +120,7 @@ void ShortcutsPane::readGroups() {
             groups.push_back(std::move(group));
     }
     std::ranges::stable_partition(groups, &Group::isCurrent);
-    // Whoever shows a row that is gone lets go of its recorder in answer to `changed`.
+    // The views drop the recorders of removed rows in answer to `changed`.
     recorders_.swap(recorders);
     if (groups_ == groups)
         return;

@@ -48,7 +48,7 @@ private:
 /// The shortcut in the words printed on keyboards, for example "Ctrl+Alt+R".
 std::string shortcutInWords(const KeyCombo& combo);
 
-/// All shortcuts with their recorders: the one that finds the layout by itself, then one per layout.
+/// All shortcuts with their recorders: auto-detect first, then one per layout.
 class ShortcutsPane {
 public:
     static constexpr std::string_view autoDetectTitle = "Auto-detect";
@@ -56,7 +56,7 @@ public:
         "Restores the default layout of the connected setup.";
     static constexpr std::string_view emptyText = "Every layout you save can have a shortcut of its own.";
 
-    /// One shortcut; without a layout it is the one that finds the layout by itself.
+    /// One shortcut; without a layout it is auto-detect.
     struct Row {
         std::optional<Uuid> layoutID;
         std::string title;
@@ -85,7 +85,7 @@ public:
     /// What the user should know of a shortcut although it is accepted; empty for most.
     std::string note(const KeyCombo& combo) const;
 
-    /// Rows came or went; each recorder tells of its own changes.
+    /// Rows were added or removed; each recorder reports its own changes.
     Signal<> changed;
 
 private:

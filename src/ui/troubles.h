@@ -27,7 +27,7 @@ public:
 
     const std::vector<Trouble>& list() const { return list_; }
 
-    /// Looks again.
+    /// Checks again.
     void refresh();
 
     /// Opens the page that says what this desktop needs; false when nothing could be opened.

@@ -40,7 +40,7 @@ public:
     using Clock = std::function<std::chrono::steady_clock::time_point()>;
 
     /// `directories` as $XDG_DATA_DIRS orders them, best first; a missing one may appear later. They are
-    /// looked at for changes when the index is used, but not more often than every `checkInterval`.
+    /// checked for changes when the index is used, but not more often than every `checkInterval`.
     DesktopEntryIndex(std::vector<std::filesystem::path> directories, std::vector<std::string> locales,
                       Seconds checkInterval = Seconds(1), Clock clock = std::chrono::steady_clock::now);
 

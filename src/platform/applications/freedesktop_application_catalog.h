@@ -14,7 +14,7 @@ namespace tavrin {
 /// The applications that have a desktop entry. The bundle identifier is the desktop file ID, for example
 /// org.gnome.Nautilus.desktop; see `matchApplication` for how it is found. Without an entry it is the
 /// window class as instance.class, for example xterm.XTerm, and the name is the class. Answers are kept as
-/// long as the process and the installed applications stay; both are looked at at most once per second.
+/// long as the process and the installed applications stay; both are checked at most once per second.
 class FreedesktopApplicationCatalog final : public ApplicationCatalog {
 public:
     /// What the environment says about directories and language is read once, here.

@@ -27,7 +27,7 @@ struct LaunchedApplication {
 /// What the content of a process's cgroup file says; absent where no application is named.
 std::optional<LaunchedApplication> launchedApplication(std::string_view cgroupFile);
 
-/// What the kernel tells of a process; empty for one that is gone or may not be looked at.
+/// What the kernel knows of a process; empty for one that is gone or may not be read.
 struct ProcessFacts {
     std::optional<LaunchedApplication> launched;
 

@@ -17,7 +17,7 @@ namespace tavrin {
 
 /// What went wrong with a question over the i3 protocol, which sway speaks too.
 enum class I3Error {
-    unreachable, ///< nobody listens at the socket
+    unreachable, ///< no program listens at the socket
     timedOut,
     closed,    ///< the other end went before the answer was whole
     malformed, ///< an answer that makes no sense, or is too large
@@ -41,7 +41,7 @@ enum class I3Event : std::uint32_t {
     shutdown = 0x80000006,
 };
 
-/// One connection to the socket of i3 or sway. No call waits longer than it is told.
+/// One connection to the socket of i3 or sway. Every call takes the longest time that it may wait.
 class I3Channel {
 public:
     struct Message {
@@ -88,7 +88,7 @@ private:
     int overdueAnswers_ = 0;
 };
 
-/// Events, told by the event loop. When the other end has gone, it is looked for again, more and more seldom.
+/// Events, delivered by the event loop. When the other end has gone, it tries again at growing intervals.
 class I3Events {
 public:
     /// `events` is the list of what to subscribe to, as JSON.

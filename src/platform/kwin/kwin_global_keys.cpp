@@ -150,8 +150,8 @@ void KWinGlobalKeys::update() {
         changed_.emit();
     if (actions_.empty())
         return;
-    // Those of an earlier run that nobody wants any more would keep their keys. The answers come in the order
-    // of the questions.
+    // Actions of an earlier run that are no longer wanted would keep their keys. The answers come in the
+    // order of the questions.
     ask("allActionsForComponent", {QStringList{component, "", componentName, ""}},
         [this](const QDBusMessage& answer) {
             for (const auto& identifier : qdbus_cast<QList<QStringList>>(answer.arguments().value(0)))

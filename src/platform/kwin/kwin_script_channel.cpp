@@ -51,7 +51,7 @@ QByteArray scriptText() {
 
 } // namespace
 
-/// The rest of a patience.
+/// The time that is left of `patience`.
 class KWinScriptChannel::Deadline {
 public:
     explicit Deadline(Seconds patience)

@@ -72,7 +72,7 @@ std::expected<void, std::string> KWinWindowSystem::connect() {
     return {};
 }
 
-/// A short absence is no reason to tell the user, and to give up what waits for a moment of quiet.
+/// A short absence is not reported to the user and does not cancel a pending restore.
 void KWinWindowSystem::availabilityMayHaveChanged() {
     const auto tell = [this](bool isMissing) {
         if (std::exchange(isMissing_, isMissing) != isMissing)

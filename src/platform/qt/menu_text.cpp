@@ -11,7 +11,7 @@
 namespace tavrin {
 namespace {
 
-/// More than any title of the program needs; what comes in is bounded before it is looked at.
+/// More than any title of the program needs; input is bounded before it is processed.
 constexpr std::size_t longestTitleInBytes = 4096;
 
 struct ModifierName {

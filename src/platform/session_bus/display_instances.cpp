@@ -60,7 +60,7 @@ bool DisplayInstances::lock() {
         return true;
     const int file = ::open(lockFile_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     if (file < 0)
-        return true; // nobody else can have it either
+        return true; // no other program can have it either
     if (::flock(file, LOCK_EX | LOCK_NB) != 0) {
         ::close(file);
         return false;
@@ -77,7 +77,7 @@ void DisplayInstances::serve() {
     auto text = std::to_string(ownPID_) + "\n";
     if (sessionBus_.isOpen()) {
         auto bus = sessionBus_.connection();
-        // Before the name is there, so that whoever sees the name can call.
+        // Before the name is taken, so that a program that sees the name can call.
         bus.registerObject(objectPath, this, QDBusConnection::ExportScriptableSlots);
         auto request = QDBusMessage::createMethodCall(
             QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),

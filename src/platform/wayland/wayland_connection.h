@@ -30,7 +30,7 @@ public:
     /// Whether there is a compositor where the environment says. It may be that of a session that is over.
     static bool isReachable();
 
-    /// An empty display name means the one of the environment. Returns when the compositor has told what it
+    /// An empty display name means the one of the environment. Returns when the compositor has listed what it
     /// offers. The error is a text for the user.
     static std::expected<std::unique_ptr<WaylandConnection>, std::string>
     open(EventLoop& eventLoop, const std::string& displayName = {});

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t outputLimit = 64;
 constexpr std::size_t nameLimit = 128;
 
-/// Beyond this no desktop reaches; such numbers make no sense.
+/// No desktop is larger; greater numbers are errors.
 constexpr double extentLimit = 1e6;
 
 bool isSideways(std::int32_t transform) {
@@ -25,7 +25,7 @@ bool isSideways(std::int32_t transform) {
 
 } // namespace
 
-/// What the compositor has told of one output; in force from its "done" on.
+/// What the compositor has sent about one output; valid from its "done" on.
 struct WaylandOutputs::Head {
     WaylandOutputs* owner = nullptr;
     wl_output* output = nullptr;

@@ -72,7 +72,7 @@ struct WindowPlacement {
 
 /// What came of placing a window.
 enum class PlacementOutcome {
-    done,     ///< it is where it was told to go
+    done,     ///< it is at the target
     adjusted, ///< it is there, in a size that its client rounded or limited
     pending,  ///< accepted; a hidden window carries it out when it is shown
     tiled,    ///< the window manager decides about its place; it is on the wanted screen

@@ -7,7 +7,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A flood of events goes on as long as they are read; the rest of the program must get its turns.
+/// A flood of events can last as long as they are read; the rest of the program must get its turn.
 constexpr auto timeAtOnce = 10ms;
 /// In a flood, how often what it changed is reported.
 constexpr auto batchInterval = 500ms;

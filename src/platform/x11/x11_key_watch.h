@@ -39,7 +39,7 @@ private:
     std::function<void(const KeyCombo&)> pressed_;
     X11Keyboard keyboard_;
     HeldKeys held_;
-    std::uint8_t modifiers_ = 0; ///< in force, as the last notice told
+    std::uint8_t modifiers_ = 0; ///< in force, by the last notice
     bool isKeyboardOutdated_ = true;
     std::map<std::uint32_t, bool> isOwnClient_;
     Token eventToken_;

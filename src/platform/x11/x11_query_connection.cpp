@@ -9,11 +9,11 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto recentAge = 2ms;
-/// A flood of events goes on as long as they are read; whoever waits must get its turn.
+/// A flood of events can last as long as they are read; the callers must get their turn.
 constexpr int eventsAtOnce = 4096;
 /// A person who uses the program asks again within this time.
 constexpr Seconds idleTime{5};
-/// Reading more events than these costs more than reading everything anew when somebody asks.
+/// Reading more events than these costs more than reading everything anew at the next question.
 constexpr int unaskedEventLimit = 4096;
 
 void selectRootEvents(X11Connection& server, std::uint32_t mask) {
@@ -29,7 +29,7 @@ X11QueryConnection::X11QueryConnection(std::unique_ptr<X11Connection> connection
 bool X11QueryConnection::bringUpToDate(Freshness freshness) {
     // At the beginning nothing is known that could be out of date.
     if (isInUse_ && (freshness == Freshness::now || Clock::now() - lastRoundTrip_ > recentAge)) {
-        // Any reply will do: the server has sent all earlier events before it.
+        // Any reply will do: the server sends all earlier events before it.
         const auto reply = owned(xcb_get_input_focus_reply(get(), xcb_get_input_focus(get()), nullptr));
         lastRoundTrip_ = Clock::now();
     }
@@ -104,7 +104,7 @@ void X11QueryConnection::endUse() {
     selectRootEvents(*connection_, XCB_EVENT_MASK_NO_EVENT);
     for (auto* mirror : mirrors_)
         mirror->forget();
-    // What the server sent before it read this is read away now; nothing follows.
+    // Discard what the server sent before it read this; nothing follows.
     const auto reply = owned(xcb_get_input_focus_reply(get(), xcb_get_input_focus(get()), nullptr));
     while (const auto event = owned(xcb_poll_for_queued_event(get()))) {
     }

@@ -16,7 +16,7 @@ enum class Freshness {
     recent, ///< a change of the last two milliseconds may be missing; many questions, hardly any round trip
 };
 
-/// Somebody who keeps a mirror of what the server said.
+/// Keeps a mirror of what the server said.
 class X11Mirror {
 public:
     virtual ~X11Mirror() = default;
@@ -24,7 +24,8 @@ public:
     /// An event arrived (its type may carry the bit of a sent event).
     virtual void handleEvent(const xcb_generic_event_t& event) = 0;
 
-    /// Nobody asked for some time, or too much happens: unselect what was selected and forget everything.
+    /// There was no question for some time, or too many events: unselect what was selected and forget
+    /// everything.
     virtual void forget() = 0;
 };
 
@@ -43,11 +44,11 @@ public:
     const X11Atoms& atoms() const { return connection_->atoms(); }
     xcb_window_t root() const { return connection_->root(); }
 
-    /// Mirrors are told of every event, in order of joining; they must outlive this object's use.
+    /// Mirrors get every event, in the order in which they joined; they must outlive the use of this object.
     void join(X11Mirror& mirror) { mirrors_.push_back(&mirror); }
 
-    /// Has the mirrors told of everything that happened, as far as `freshness` demands. From the first call
-    /// until the mirrors are told to forget, changes of the root window are selected. False when the server
+    /// Passes everything that happened to the mirrors, as far as `freshness` demands. From the first call
+    /// until the mirrors forget, changes of the root window are selected. False when the server
     /// is gone.
     bool bringUpToDate(Freshness freshness);
 

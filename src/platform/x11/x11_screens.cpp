@@ -247,7 +247,7 @@ RootFacts readRoot(X11Connection& server) {
 
 struct DockFacts {
     std::vector<Dock> docks;
-    std::vector<std::uint32_t> areasPerMonitor; ///< four values each; empty where nobody tells them
+    std::vector<std::uint32_t> areasPerMonitor; ///< four values each; may be empty
 };
 
 DockFacts readDocks(X11Connection& server, const RootFacts& root) {

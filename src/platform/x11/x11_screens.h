@@ -9,7 +9,7 @@
 namespace tavrin {
 
 /// The scale that the desktop's resource texts (lines of "name: value") ask for: Xft.dpi in relation to the
-/// usual 96. 1 when there is no such line or its value is no possible resolution.
+/// usual 96. 1 when there is no such line or its value is not a possible resolution.
 double resourceScale(std::string_view resources);
 
 /// The monitors with their hardware identity and what panels leave free of them. Nothing is remembered:

@@ -21,7 +21,7 @@ struct WindowStates {
 
     bool operator==(const WindowStates&) const = default;
 
-    /// A window in one of these states does not go where it is told.
+    /// A window in one of these states ignores requests to move it.
     bool isPinned() const {
         return isFullscreen || isMaximizedHorizontally || isMaximizedVertically || isShaded;
     }
@@ -37,7 +37,7 @@ struct X11Window {
     FrameInsets shadows;
     bool drawsOwnShadows = false; ///< the client says how wide they are, even where it is nothing now
     WindowStates states;
-    std::optional<std::uint32_t> desktop; ///< absent where there are no desktops, or nobody asks for it
+    std::optional<std::uint32_t> desktop; ///< absent where there are no desktops, or when not asked for
     std::optional<WindowKind> kind;       ///< absent for wallpaper, panels, menus and notifications
     std::string title;
     ApplicationClues clues;

@@ -26,13 +26,13 @@ public:
     const WindowManagerFacts& facts(Freshness freshness = Freshness::recent);
 
     /// A window manager that was there this short a time ago still counts as running: restarting one or
-    /// replacing it by another takes a moment.
+    /// replacing it by another takes a short time.
     static constexpr Seconds absenceLimit{3};
 
     /// It lists its windows and moves them on request, and shows all of them to this program.
     bool isControllable(Freshness freshness = Freshness::recent);
 
-    /// It is controllable only because it was so until a moment ago.
+    /// It is controllable only because it was until very recently.
     bool isAbsent() const { return absentSince_.has_value(); }
 
     /// The window by which it announces itself; none while none runs.

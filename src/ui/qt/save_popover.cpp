@@ -68,7 +68,7 @@ void setTextColor(QWidget& widget, const QColor& color) {
     widget.setPalette(palette);
 }
 
-/// Everything the form may have to say, so that there is room for it from the start.
+/// Every text that the form may show, so that there is room for it from the start.
 std::vector<QString> possibleMessages() {
     const std::string longName(4096, 'x');
     SaveLayoutPopoverView form({longName}, {}, {});
@@ -156,7 +156,7 @@ void SavePopoverWindow::showState() {
     const auto error = view_->errorMessage();
     const auto notice = view_->notice();
     const auto text = QString::fromStdString(error.value_or(notice.value_or("")));
-    // An empty field is where everybody begins, not a mistake.
+    // An empty field is the start, not a mistake.
     const bool isMistake = error && !trimmed(view_->layoutName()).empty();
     const QColor color = isMistake ? warningColor(palette()) : secondaryTextColor(palette());
 

@@ -175,7 +175,7 @@ bool QtSettingsWindow::event(QEvent* event) {
 void QtSettingsWindow::keyPressEvent(QKeyEvent* event) {
     if (pressFocusedControl(*event) || !scrollArea_)
         return;
-    // What nobody has a use for scrolls the pane, so that every text can be read without a mouse.
+    // Keys that no control uses scroll the pane, so that every text can be read without a mouse.
     QScrollBar* bar = scrollArea_->verticalScrollBar();
     switch (event->key()) {
     case Qt::Key_Up:

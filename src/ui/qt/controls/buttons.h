@@ -72,7 +72,7 @@ private:
 };
 
 /// Lets Return press the control that has the focus, as Space does: a button, a switch, a menu, a picker. For
-/// the keys that reach a window because nobody in it took them. False when this is no such key or control.
+/// keys that no control of the window used. False when this is no such key or control.
 bool pressFocusedControl(const QKeyEvent& event);
 
 } // namespace tavrin

@@ -18,8 +18,7 @@ inline QString qText(std::string_view text) {
 /// sentences around them.
 QString withoutDirectionMarks(QString text);
 
-/// The role that a screen reader is told instead of the usual one of such a widget. For widgets that have
-/// not been shown yet.
+/// Gives a widget that has not been shown yet another role for screen readers than the usual one.
 void setAccessibleRole(QWidget& widget, QAccessible::Role role);
 
 /// Has a screen reader say the text now; `widget` stands in the window that it is about.

@@ -61,7 +61,7 @@ bool NameEditor::eventFilter(QObject* object, QEvent* event) {
             break;
         }
     }
-    // The field's own menu, and another window in front, do not end the editing.
+    // The field's own menu and another window in front do not end the editing.
     if (event->type() == QEvent::FocusOut) {
         const auto reason = static_cast<QFocusEvent*>(event)->reason();
         if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason)

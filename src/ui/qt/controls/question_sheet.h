@@ -15,7 +15,7 @@ namespace tavrin {
 /// window and none of its own, so no window manager decorates, loses or stacks it.
 class QuestionSheet final : public QWidget {
 public:
-    /// Covers `window` at once, with the focus on the harmless answer. Goes by itself when answered.
+    /// Covers `window` at once, with the focus on the harmless answer. Disappears when answered.
     QuestionSheet(QWidget& window, const DeletionQuestion& question, std::function<void()> confirmed);
 
 protected:

@@ -25,10 +25,10 @@ public:
 /// `share` of `b` (0 to 1) in `a`.
 QColor mixedColor(const QColor& a, const QColor& b, double share);
 
-/// How well one colour is told from the other, from 1 (not at all) to 21.
+/// The contrast of two colours, from 1 (none) to 21.
 double contrast(const QColor& a, const QColor& b);
 
-/// `color`, moved towards black or white as far as needed to be told from `ground` with that contrast.
+/// `color`, moved towards black or white as far as needed for that contrast with `ground`.
 QColor withContrast(const QColor& color, const QColor& ground, double least);
 
 inline constexpr double textContrast = 4.5;

@@ -278,7 +278,7 @@ void LayoutsPaneWidget::updateList() {
             }
     }
     list_->setRows(std::move(rows));
-    // The first card is what one comes for, once there is one.
+    // The focus goes to the first card, if there is one.
     if (firstCard && !hadCards_ && !list_->hasFocus())
         list_->setCurrent(firstCard);
     hadCards_ = firstCard;
