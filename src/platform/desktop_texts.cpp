@@ -27,7 +27,7 @@ std::string textOf(WindowSystemObstacle obstacle) {
         return "Tavrin's extension of GNOME is of another version than Tavrin. Log out and in again; if that "
                "does not help, install both from one package.";
     case WindowSystemObstacle::notAnswering:
-        return "The window system does not answer. Tavrin asks again by itself.";
+        return "The window system does not respond. Tavrin keeps trying.";
     }
     return {};
 }

@@ -29,9 +29,9 @@ std::string description(const StoreError& error) {
     struct {
         std::string operator()(const ProfileStoreError& refusal) const {
             if (std::holds_alternative<ProfileNotFound>(refusal))
-                return "The display setup is not there any more.";
+                return "The display setup no longer exists.";
             if (std::holds_alternative<LayoutNotFound>(refusal))
-                return "The layout is not there any more.";
+                return "The layout no longer exists.";
             return "The name is empty.";
         }
         std::string operator()(const UnreadableFile& file) const {

@@ -24,7 +24,7 @@ std::string failureText(const CaptureService::Error& error) {
     case CaptureError::noWindowsFound:
         return "Nothing was stored: no windows are open.";
     case CaptureError::noProfileMatched:
-        return "Nothing was stored: the display setup is not there any more.";
+        return "Nothing was stored: the display setup no longer exists.";
     }
     fatal("a failure without a text");
 }

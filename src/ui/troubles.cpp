@@ -25,11 +25,11 @@ void Troubles::refresh() {
         files.push_back(std::move(file));
     for (const UnreadableFile& file : files) {
         const std::string reason = file.reason();
-        list.push_back(
-            {Trouble::Kind::dataFile, fmt::format("“{}” cannot be read", file.file.filename().string()),
-             fmt::format("The reason: {}{} What it holds is not shown, and nothing is stored in it "
-                         "until it can be read again or is set aside.",
-                         reason, reason.ends_with('.') ? "" : ".")});
+        list.push_back({Trouble::Kind::dataFile,
+                        fmt::format("“{}” cannot be read", file.file.filename().string()),
+                        fmt::format("Reason: {}{} Its content is not shown, and nothing is saved to it "
+                                    "until it can be read again or is set aside.",
+                                    reason, reason.ends_with('.') ? "" : ".")});
     }
     if (list == list_)
         return;

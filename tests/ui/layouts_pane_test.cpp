@@ -228,8 +228,8 @@ TEST_F(LayoutsPaneTest, SaysWhenNothingWasStored) {
     ASSERT_EQ(troubles.list().size(), 1U);
     EXPECT_EQ(troubles.list()[0].title, "“layouts.json” cannot be read");
     EXPECT_EQ(troubles.list()[0].message,
-              "The reason: it was written by another version of the program (format 2). What it holds is not "
-              "shown, and nothing is stored in it until it can be read again or is set aside.");
+              "Reason: it was written by another version of the program (format 2). Its content is not "
+              "shown, and nothing is saved to it until it can be read again or is set aside.");
     troubles.setFilesAside();
     EXPECT_TRUE(troubles.list().empty());
     EXPECT_EQ(shown(), "Desk:. Home:. ");

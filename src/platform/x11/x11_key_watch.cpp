@@ -53,7 +53,7 @@ std::vector<RefusedKey> X11KeyWatch::refusedKeys() const {
 std::string X11KeyWatch::obstacle() const {
     return events_.server().extensions().hasRawKeys
                ? std::string()
-               : "This X server does not show key presses to other programs.";
+               : "This X server does not report key presses to other programs.";
 }
 
 void X11KeyWatch::start() {

@@ -140,7 +140,7 @@ void AdvancedPaneWidget::buildTroubleshooting() {
         folderMessage_->setVisible(!isOpen);
     });
     auto* copyReport = new ActionButton(QStringLiteral("Copy Report"));
-    copyReport->setToolTip(QStringLiteral("Copies all of this as text. Titles of windows are not in it."));
+    copyReport->setToolTip(QStringLiteral("Copies all of this as text, without window titles."));
     copyReport->setAccessibleDescription(copyReport->toolTip());
     connect(copyReport, &QPushButton::clicked, this, [this] { copy(pane_.report().text()); });
     inner->addLayout(makeButtonLine({openFolder, copyReport}));

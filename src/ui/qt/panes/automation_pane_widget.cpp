@@ -90,7 +90,7 @@ void AutomationSettingsWidget::rebuildSetups() {
     setupRows_->clear();
     if (shownSetups_.empty())
         setupRows_->addRow(
-            makeNoteRow(QStringLiteral("No display setup yet. One is made when you save the first layout.")));
+            makeNoteRow(QStringLiteral("No display setup yet. Saving the first layout creates one.")));
     for (const auto& setup : shownSetups_) {
         QComboBox* picker = makePicker(setup);
         pickers_[setup.profileID] = picker;

@@ -39,7 +39,7 @@ LayoutsPaneWidget::LayoutsPaneWidget(const SettingsCollaborators& collaborators,
     : pane_(collaborators), catalog_(collaborators.applicationCatalog),
       showAdvancedPane_(std::move(showAdvancedPane)), suggestion_(makeSuggestion()), note_(new QWidget),
       emptyState_(makeEmptyState()), filter_(new TextField(QStringLiteral("Filter layouts"))),
-      noMatch_(makeText(QStringLiteral("No layout has this in its name."), TextRole::secondary)),
+      noMatch_(makeText(QStringLiteral("No layout name contains this."), TextRole::secondary)),
       setupRows_(new QVBoxLayout), list_(new KeyboardList(this)) {
     filter_->setPlaceholderText(filter_->accessibleName());
     filter_->setClearButtonEnabled(true);
