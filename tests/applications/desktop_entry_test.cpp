@@ -87,15 +87,6 @@ TEST(DesktopEntryTest, survivesWhatIsNoDesktopEntry) {
     EXPECT_EQ(entry->icon.size(), 4096U);
 }
 
-TEST(DesktopEntryTest, keysAreReplacedAndAllElseStays) {
-    EXPECT_EQ(withDesktopEntryKeys("# mine\n[Desktop Entry]\nName[de]=D\nHidden = true\nX-Own=1\n\n"
-                                   "[Desktop Action a]\nHidden=true\nExec=e",
-                                   {{"Hidden", "false"}, {"Exec", "new"}}),
-              "# mine\n[Desktop Entry]\nHidden=false\nExec=new\nName[de]=D\nX-Own=1\n\n"
-              "[Desktop Action a]\nHidden=true\nExec=e\n");
-    EXPECT_EQ(withDesktopEntryKeys("", {{"Type", "Application"}}), "[Desktop Entry]\nType=Application\n");
-}
-
 TEST(ExecLineTest, wordsAndProgram) {
     const struct {
         const char* exec;

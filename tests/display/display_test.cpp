@@ -82,19 +82,6 @@ TEST(DisplaySnapshotProvider, PlacesDisplaysOnAllSidesOfThePrimary) {
               "external:0.333:0.000:0.667:1.000:1:900x600");
 }
 
-TEST(DisplaySnapshotProvider, GivesTheSameFingerprintInAnyOrderOfScreens) {
-    FixedScreens screens;
-    const std::vector<DisplayHardware> twin{{1, 2, 0, false, 1920, 1080}};
-    screens.list = {screen({1920, 0, 1920, 1080}, twin), screen({0, 0, 1920, 1080}, twin)};
-    const auto one = DisplaySnapshotProvider{screens}.currentSnapshot();
-    std::swap(screens.list[0], screens.list[1]);
-    const auto other = DisplaySnapshotProvider{screens}.currentSnapshot();
-    EXPECT_EQ(one, other);
-    EXPECT_EQ(one.displays[0].normalizedFrame.x, 0) << "the left twin sorts first";
-    EXPECT_EQ(MonitorProfileMatcher{}.makeFingerprint(one).stableDisplayIDs,
-              (std::vector<std::string>{"1-2-0", "1-2-0"}));
-}
-
 // ----- matching
 
 using testing::desk;

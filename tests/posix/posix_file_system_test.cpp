@@ -162,17 +162,6 @@ TEST_F(PosixFileSystemTest, twoProgramsThatChangeOneFileLoseNothing) {
         << "the settings and the lock";
 }
 
-TEST_F(PosixFileSystemTest, existsFollowsLinksAndReportsDoubtAsExisting) {
-    directory.write("file", "");
-    fs::create_symlink("file", at("link"));
-    fs::create_symlink("nowhere", at("dangling"));
-    fs::create_symlink("circle", at("circle"));
-    for (const auto* name : {"file", "link", "", "circle"})
-        EXPECT_TRUE(files.exists(at(name))) << name;
-    for (const auto* name : {"dangling", "missing", "file/below"})
-        EXPECT_FALSE(files.exists(at(name))) << name;
-}
-
 TEST_F(PosixFileSystemTest, linksLeadToTheirEndEvenWhereNothingIsYet) {
     directory.write("folder/file", "");
     fs::create_symlink("folder/file", at("relative"));

@@ -75,23 +75,5 @@ TEST_F(QtLocalKeyMonitorTest, ConsumedPressReachesNothingElse) {
     EXPECT_EQ(laterHandler, 1);
 }
 
-TEST_F(QtLocalKeyMonitorTest, HandlersMayLeaveWhileTheyAreAsked) {
-    Token own;
-    Token other;
-    own = monitor->add([&](const KeyEvent&) {
-        own.release();
-        other.release();
-        return false;
-    });
-    bool wasAsked = false;
-    other = monitor->add([&](const KeyEvent&) { return wasAsked = true; });
-    EXPECT_TRUE(reachesField(PhysicalKey::r, Qt::NoModifier));
-    EXPECT_FALSE(wasAsked);
-    auto outliving = monitor->add([](const KeyEvent&) { return true; });
-    monitor.reset();
-    EXPECT_TRUE(reachesField(PhysicalKey::r, Qt::NoModifier));
-    outliving.release();
-}
-
 } // namespace
 } // namespace tavrin

@@ -107,20 +107,6 @@ struct BusMenuTest : testing::Test {
                  [this](const MenuItem& item) { chosen.push_back(item.title); }};
 };
 
-TEST_F(BusMenuTest, TellsWhetherTheMenuChangedBeforeItIsShown) {
-    int updates = 0;
-    QObject::connect(&menu, &BusMenu::LayoutUpdated, [&] { ++updates; });
-    EXPECT_FALSE(menu.AboutToShow(BusMenuTree::root));
-    EXPECT_EQ(updates, 0);
-    replacement = {MenuItem::command("New", MenuAction::restoreLayout, first)};
-    EXPECT_TRUE(menu.AboutToShow(BusMenuTree::root));
-    EXPECT_EQ(updates, 1) << "one update for one replacement";
-    EXPECT_FALSE(menu.AboutToShow(BusMenuTree::root)) << "an equal menu is no update";
-    EXPECT_EQ(updates, 1);
-    EXPECT_FALSE(menu.AboutToShow(1)) << "submenus are part of the menu";
-    EXPECT_EQ(openings, 3);
-}
-
 // Any program on the bus may ask, for anything.
 TEST_F(BusMenuTest, HugeQuestionsGetSmallAnswers) {
     const QList<int> equal(1'000'000, 2);

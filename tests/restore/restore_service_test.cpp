@@ -112,19 +112,6 @@ TEST_F(RestoreServiceTest, SendsSurplusWindowsAfterTheOthersWithoutCountingThem)
     EXPECT_EQ(restore(), RestoreResult(1, 1, 0, {}, 0, 0));
 }
 
-TEST(RestoreResult, TellsHowItWent) {
-    const auto flags = [](const RestoreResult& result) {
-        return std::string(result.isCompleteSuccess() ? "complete " : "") +
-               (result.isPartialSuccess() ? "partial " : "") + (result.isMoveFailureOnly() ? "failed " : "") +
-               (result.isNothingMatched() ? "nothing " : "");
-    };
-    EXPECT_EQ(flags({3, 3, 0, {}, 0, 0}), "complete ");
-    EXPECT_EQ(flags({3, 1, 2, {}, 1, 1}), "partial ");
-    EXPECT_EQ(flags({3, 0, 3, {}, 1, 2}), "failed ");
-    EXPECT_EQ(flags({3, 0, 3, {}, 3, 0}), "nothing ");
-    EXPECT_EQ(flags({0, 0, 0, {}, 0, 0}), "nothing ");
-}
-
 TEST(RestoreResult, DerivesMissingCounts) {
     const auto counts = [](const RestoreResult& r) {
         return std::pair{r.unmatchedCount, r.moveFailureCount};

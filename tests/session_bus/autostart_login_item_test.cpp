@@ -138,22 +138,5 @@ TEST_F(LoginItemTest, theUsersEntryHidesOrReplacesTheSystems) {
     EXPECT_EQ(item.status(), notRegistered);
 }
 
-TEST_F(LoginItemTest, failuresSayWhereAndWhy) {
-    directory.write("config", "in the way");
-    auto item = this->item();
-    EXPECT_EQ(item.registerItem().error(),
-              (PlatformError{ENOTDIR, "create directory " + path("config") + ": Not a directory"}));
-    fs::remove(path("config"));
-
-    fs::create_directories(path(userEntry));
-    EXPECT_EQ(item.status(), notRegistered);
-    EXPECT_EQ(item.registerItem().error().code, EISDIR);
-    EXPECT_EQ(item.unregisterItem().error().code, EISDIR);
-    EXPECT_EQ(std::distance(fs::directory_iterator(path("config/autostart")), {}), 1) << "no temporary file";
-
-    fs::remove(program);
-    EXPECT_EQ(item.registerItem().error().code, ENOENT);
-}
-
 } // namespace
 } // namespace tavrin

@@ -156,17 +156,6 @@ TEST_F(ShortcutManagerTest, CleansStoredShortcutsAndLeavesCleanFilesAlone) {
     EXPECT_EQ(settings.load()->autoDetectShortcut, std::nullopt);
 }
 
-TEST_F(ShortcutManagerTest, WorksInMemoryWhenTheSettingsCannotBeRead) {
-    files.files["/data/settings.json"] = "on a disk that fails";
-    files.failing = {"read"};
-    auto manager = made();
-    listen(manager);
-    manager.setAutoDetectShortcut(KeyCombo{keyR, control});
-    time.pass(1);
-    EXPECT_EQ(pressed(press(keyR, control)), "auto ");
-    EXPECT_EQ(files.files["/data/settings.json"], "on a disk that fails");
-}
-
 TEST(ShortcutConflictChecker, NamesReservationsThenTheFirstOwner) {
     const ShortcutConflictChecker checker;
     const auto message = [&](KeyCombo combo) { return checker.conflictMessage(combo, {}).value_or(""); };

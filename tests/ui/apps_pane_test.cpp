@@ -51,20 +51,6 @@ TEST_F(AppsPaneTest, KeepsTheOrderRefusesDoublesAndLeavesOtherSettingsAlone) {
     EXPECT_TRUE(view.excludedBundleIDs().empty());
 }
 
-TEST_F(AppsPaneTest, ShowsTheFileWhenItCannotBeSaved) {
-    ASSERT_TRUE(settings.save({.excludedBundleIDs = {"a.a"}}));
-    view.appear();
-    files.failing = {"writeFlushed"};
-    add("b.b");
-    EXPECT_EQ(view.excludedBundleIDs(), List{"a.a"});
-    EXPECT_EQ(view.newBundleID(), "b.b") << "nothing typed is lost";
-    view.remove("a.a");
-    EXPECT_EQ(view.excludedBundleIDs(), List{"a.a"});
-    files.failing = {"read"};
-    add("b.b");
-    EXPECT_EQ(view.excludedBundleIDs(), List{"a.a"});
-}
-
 TEST_F(AppsPaneTest, OffersTheApplicationsWithOpenWindowsOnce) {
     auto own = testing::window(9, "Tavrin", "Settings", {0, 0, 100, 100});
     own.ownerPID = 4711;
