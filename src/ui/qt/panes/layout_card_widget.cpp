@@ -217,7 +217,7 @@ SetupHeaderWidget::SetupHeaderWidget(Callbacks callbacks)
     texts->addWidget(nameEditor_);
     texts->addWidget(detail_);
     auto* line = new QHBoxLayout(this);
-    line->setContentsMargins(8, 4, 8, 4);
+    line->setContentsMargins(8, 6, 8, 6);
     line->setSpacing(8);
     line->addWidget(fold_, 0, Qt::AlignVCenter);
     line->addLayout(texts, 1);
