@@ -5,6 +5,7 @@
 
 #include <QCryptographicHash>
 #include <QDBusArgument>
+#include <QDBusConnectionInterface>
 #include <QDBusMetaType>
 #include <QDBusVariant>
 
@@ -123,6 +124,9 @@ void Tray::RegisterStatusNotifierItem(const QString& item) {
     bus_.connect(service_, path_, itemInterface, "NewIcon", this, SLOT(noteNewIcon()));
     bus_.connect(service_, QString(), menuInterface, "LayoutUpdated", this, SLOT(noteNewMenu()));
     Q_EMIT StatusNotifierItemRegistered(service_ + path_);
+    // A program that left before the bus knew of the watch is never reported.
+    if (!bus_.interface()->isServiceRegistered(service_))
+        forget(service_);
 }
 
 void Tray::forget(const QString& service) {
