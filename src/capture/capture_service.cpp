@@ -75,16 +75,17 @@ std::expected<Uuid, CaptureService::Error> CaptureService::resolveProfileID() {
     if (const auto* exact = std::get_if<match::Exact>(&verdict))
         return exact->profile.id;
 
-    if (const auto created =
-            store.createProfile(defaultProfileName(displays), matcher_.makeFingerprint(displays));
-        !created)
+    const auto created =
+        store.createProfile(defaultProfileName(displays), matcher_.makeFingerprint(displays));
+    if (!created)
         return std::unexpected(created.error());
     profiles = store.loadProfiles();
     if (!profiles)
         return std::unexpected(profiles.error());
-    if (profiles->empty())
+    // Another copy of the program may have added or removed setups meanwhile.
+    if (std::ranges::find(*profiles, created->id, &MonitorProfile::id) == profiles->end())
         return std::unexpected(CaptureError::noProfileMatched);
-    return profiles->back().id;
+    return created->id;
 }
 
 std::expected<SavedLayout, CaptureService::Error>

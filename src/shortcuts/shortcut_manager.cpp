@@ -9,6 +9,13 @@ std::optional<KeyCombo> accepted(std::optional<KeyCombo> combo) {
     return combo && combo->hasControl() ? combo : std::nullopt;
 }
 
+void dropUnusable(AppSettings& settings) {
+    settings.autoDetectShortcut = accepted(settings.autoDetectShortcut);
+    std::erase_if(settings.layoutShortcuts, [](const auto& shortcut) {
+        return !Uuid::parse(shortcut.first) || !shortcut.second.hasControl();
+    });
+}
+
 } // namespace
 
 ShortcutManager::ShortcutManager(SettingsStore& settingsStore, KeyMonitors& keyMonitors, WallClock& clock)
@@ -16,15 +23,10 @@ ShortcutManager::ShortcutManager(SettingsStore& settingsStore, KeyMonitors& keyM
     const auto settings = settingsStore_.load();
     if (!settings)
         return;
-    autoDetectShortcut.set(accepted(settings->autoDetectShortcut));
-    std::map<Uuid, KeyCombo> kept;
-    for (const auto& [text, combo] : settings->layoutShortcuts)
-        if (const auto layoutID = Uuid::parse(text); layoutID && combo.hasControl())
-            kept[*layoutID] = combo;
-    layoutShortcuts.set(kept);
+    adopt(*settings);
     if (autoDetectShortcut.value() != settings->autoDetectShortcut ||
-        kept.size() < settings->layoutShortcuts.size())
-        persist(SettingsStore::Unreadable::refuse);
+        layoutShortcuts.value().size() < settings->layoutShortcuts.size())
+        change(dropUnusable, SettingsStore::Unreadable::refuse);
 }
 
 ShortcutManager::~ShortcutManager() {
@@ -67,21 +69,19 @@ void ShortcutManager::watch() {
 
 void ShortcutManager::setAutoDetectShortcut(std::optional<KeyCombo> combo) {
     armSuppression(accepted(combo));
-    autoDetectShortcut.set(accepted(combo));
-    watch();
-    persist(SettingsStore::Unreadable::setAside);
+    change([&](AppSettings& settings) { settings.autoDetectShortcut = accepted(combo); },
+           SettingsStore::Unreadable::setAside);
 }
 
 void ShortcutManager::setLayoutShortcut(std::optional<KeyCombo> combo, const Uuid& layoutID) {
-    auto shortcuts = layoutShortcuts.value();
-    if (const auto kept = accepted(combo))
-        shortcuts[layoutID] = *kept;
-    else
-        shortcuts.erase(layoutID);
     armSuppression(accepted(combo));
-    layoutShortcuts.set(std::move(shortcuts));
-    watch();
-    persist(SettingsStore::Unreadable::setAside);
+    const auto edit = [&](AppSettings& settings) {
+        std::erase_if(settings.layoutShortcuts,
+                      [&](const auto& shortcut) { return Uuid::parse(shortcut.first) == layoutID; });
+        if (const auto kept = accepted(combo))
+            settings.layoutShortcuts[layoutID.text()] = *kept;
+    };
+    change(edit, SettingsStore::Unreadable::setAside);
 }
 
 void ShortcutManager::removeLayoutShortcut(const Uuid& layoutID) {
@@ -89,13 +89,12 @@ void ShortcutManager::removeLayoutShortcut(const Uuid& layoutID) {
 }
 
 void ShortcutManager::pruneLayoutShortcuts(const std::vector<Uuid>& layoutIDs) {
-    auto shortcuts = layoutShortcuts.value();
-    std::erase_if(shortcuts, [&](const auto& shortcut) {
-        return std::ranges::find(layoutIDs, shortcut.first) == layoutIDs.end();
-    });
-    layoutShortcuts.set(std::move(shortcuts));
-    watch();
-    persist(SettingsStore::Unreadable::refuse);
+    const auto edit = [&](AppSettings& settings) {
+        std::erase_if(settings.layoutShortcuts, [&](const auto& shortcut) {
+            return std::ranges::find(layoutIDs, Uuid::parse(shortcut.first)) == layoutIDs.end();
+        });
+    };
+    change(edit, SettingsStore::Unreadable::refuse);
 }
 
 Token ShortcutManager::pause() {
@@ -144,15 +143,37 @@ void ShortcutManager::armSuppression(std::optional<KeyCombo> combo) {
             std::chrono::duration_cast<std::chrono::system_clock::duration>(suppressionDuration);
 }
 
-void ShortcutManager::persist(SettingsStore::Unreadable unreadable) {
-    const auto store = [this](AppSettings& settings) {
-        settings.autoDetectShortcut = autoDetectShortcut.value();
-        settings.layoutShortcuts.clear();
+void ShortcutManager::change(const std::function<void(AppSettings&)>& edit,
+                             SettingsStore::Unreadable unreadable) {
+    // Another copy of the program may have stored shortcuts of its own; they stay.
+    const auto stored = settingsStore_.change(edit, SettingsStore::Unreadable::refuse);
+    if (stored) {
+        adopt(*stored);
+    } else {
+        // What could not be saved still holds until the program ends.
+        AppSettings own{.autoDetectShortcut = autoDetectShortcut.value()};
         for (const auto& [layoutID, combo] : layoutShortcuts.value())
-            settings.layoutShortcuts[layoutID.text()] = combo;
-    };
-    // What could not be saved still holds until the program ends.
-    static_cast<void>(settingsStore_.change(store, unreadable));
+            own.layoutShortcuts[layoutID.text()] = combo;
+        edit(own);
+        adopt(own);
+        const auto replace = [&](AppSettings& settings) {
+            settings.autoDetectShortcut = own.autoDetectShortcut;
+            settings.layoutShortcuts = own.layoutShortcuts;
+        };
+        if (unreadable == SettingsStore::Unreadable::setAside &&
+            std::holds_alternative<UnreadableFile>(stored.error()))
+            static_cast<void>(settingsStore_.change(replace, unreadable));
+    }
+    watch();
+}
+
+void ShortcutManager::adopt(const AppSettings& settings) {
+    std::map<Uuid, KeyCombo> kept;
+    for (const auto& [text, combo] : settings.layoutShortcuts)
+        if (const auto layoutID = Uuid::parse(text); layoutID && combo.hasControl())
+            kept[*layoutID] = combo;
+    autoDetectShortcut.set(accepted(settings.autoDetectShortcut));
+    layoutShortcuts.set(std::move(kept));
 }
 
 } // namespace tavrin

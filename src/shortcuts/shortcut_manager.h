@@ -55,7 +55,9 @@ public:
 
 private:
     void armSuppression(std::optional<KeyCombo> combo);
-    void persist(SettingsStore::Unreadable unreadable);
+    /// Lets `edit` alter the stored shortcuts and takes over what is stored from then on.
+    void change(const std::function<void(AppSettings&)>& edit, SettingsStore::Unreadable unreadable);
+    void adopt(const AppSettings& settings);
     /// Tells the desktop the combinations to watch now, when they are others than before.
     void watch();
 

@@ -65,9 +65,7 @@ void ExclusionListView::addRunning(const std::string& bundleID) {
 }
 
 void ExclusionListView::remove(const std::string& bundleID) {
-    auto list = excludedBundleIDs_;
-    std::erase(list, bundleID);
-    save(std::move(list));
+    save([&](std::vector<std::string>& list) { std::erase(list, bundleID); });
     changed.emit();
 }
 
@@ -76,14 +74,15 @@ bool ExclusionListView::contains(std::string_view bundleID) const {
 }
 
 void ExclusionListView::append(std::string bundleID) {
-    auto list = excludedBundleIDs_;
-    list.push_back(std::move(bundleID));
-    save(std::move(list));
+    save([&](std::vector<std::string>& list) {
+        if (std::ranges::find(list, bundleID) == list.end())
+            list.push_back(std::move(bundleID));
+    });
 }
 
-void ExclusionListView::save(std::vector<std::string> list) {
+void ExclusionListView::save(const std::function<void(std::vector<std::string>&)>& edit) {
     static_cast<void>(
-        settingsStore_.change([&](AppSettings& settings) { settings.excludedBundleIDs = std::move(list); }));
+        settingsStore_.change([&](AppSettings& settings) { edit(settings.excludedBundleIDs); }));
     // Saved or not, the list is what the file holds; while it cannot be read, the list stays as it was.
     if (const auto settings = settingsStore_.load())
         excludedBundleIDs_ = settings->excludedBundleIDs;

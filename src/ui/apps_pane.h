@@ -47,7 +47,7 @@ public:
 private:
     bool contains(std::string_view bundleID) const;
     void append(std::string bundleID);
-    void save(std::vector<std::string> list);
+    void save(const std::function<void(std::vector<std::string>&)>& edit);
 
     SettingsStore& settingsStore_;
     std::vector<std::string> excludedBundleIDs_;

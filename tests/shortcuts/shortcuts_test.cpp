@@ -156,6 +156,22 @@ TEST_F(ShortcutManagerTest, CleansStoredShortcutsAndLeavesCleanFilesAlone) {
     EXPECT_EQ(settings.load()->autoDetectShortcut, std::nullopt);
 }
 
+TEST_F(ShortcutManagerTest, KeepsWhatAnotherCopyStored) {
+    files.failing = {"read"};
+    auto blind = made();
+    files.failing = {};
+    auto one = made(), other = made();
+    one.setLayoutShortcut(KeyCombo{keyQ, control}, work);
+    other.setAutoDetectShortcut(KeyCombo{keyR, control});
+    blind.setLayoutShortcut(KeyCombo{keyA, control}, play);
+    EXPECT_EQ(blind.autoDetectShortcut.value(), (KeyCombo{keyR, control}));
+    EXPECT_EQ(settings.load(), (AppSettings{.autoDetectShortcut = KeyCombo{keyR, control},
+                                            .layoutShortcuts = {{work.text(), {keyQ, control}},
+                                                                {play.text(), {keyA, control}}}}));
+    one.pruneLayoutShortcuts({play});
+    EXPECT_EQ(settings.load()->layoutShortcuts.size(), 1u);
+}
+
 TEST(ShortcutConflictChecker, NamesReservationsThenTheFirstOwner) {
     const ShortcutConflictChecker checker;
     const auto message = [&](KeyCombo combo) { return checker.conflictMessage(combo, {}).value_or(""); };
