@@ -24,32 +24,42 @@ void removeLeftovers(FileSystem& files, const std::filesystem::path& target) {
 
 } // namespace
 
+StagedFile::StagedFile(FileSystem& files, std::filesystem::path temporary, std::filesystem::path target)
+    : files_(files), temporary_(std::move(temporary)), target_(std::move(target)) {}
+
+StagedFile::~StagedFile() {
+    if (!temporary_.empty())
+        static_cast<void>(files_.remove(temporary_));
+}
+
+std::expected<void, FileError> StagedFile::publish() {
+    if (const auto renamed = files_.rename(temporary_, target_); !renamed)
+        return renamed;
+    temporary_.clear();
+    // The new content is there. Failing now would call it lost, and leave a second file that belongs to it
+    // behind.
+    static_cast<void>(files_.flushDirectory(target_.parent_path()));
+    return {};
+}
+
 std::expected<Token, FileError> AppSupportPaths::lock() const {
     if (const auto created = fileManager.createDirectories(rootURL); !created)
         return std::unexpected(created.error());
     return fileManager.lock(rootURL / ".lock");
 }
 
-std::expected<void, FileError> AppSupportPaths::writeAtomically(const std::filesystem::path& file,
-                                                                std::string_view bytes) const {
+std::expected<StagedFile, FileError> AppSupportPaths::stage(const std::filesystem::path& file,
+                                                            std::string_view bytes) const {
     const auto target = fileManager.resolveLink(file);
     if (!target)
         return std::unexpected(target.error());
     removeLeftovers(fileManager, *target);
     const auto temporary = target->parent_path() / fmt::format(".{}.{}{}", target->filename().string(),
                                                                Uuid::random().text(), temporarySuffix);
-    if (const auto written = fileManager.writeFlushed(temporary, bytes); !written) {
-        static_cast<void>(fileManager.remove(temporary));
-        return written;
-    }
-    if (const auto renamed = fileManager.rename(temporary, *target); !renamed) {
-        static_cast<void>(fileManager.remove(temporary));
-        return renamed;
-    }
-    // The new content is there. Failing now would call it lost, and leave a second file that belongs to it
-    // behind.
-    static_cast<void>(fileManager.flushDirectory(target->parent_path()));
-    return {};
+    StagedFile staged(fileManager, temporary, *target);
+    if (const auto written = fileManager.writeFlushed(temporary, bytes); !written)
+        return std::unexpected(written.error());
+    return staged;
 }
 
 std::expected<std::filesystem::path, FileError> AppSupportPaths::setAside(const std::filesystem::path& file,

@@ -28,29 +28,58 @@ public:
         const auto stamp = files.stamp(file_);
         if (stamp && stamp->isSettled && stamp == stamp_)
             return decoded_;
+        if (stamp && stamp->isSettled && stamp == faultStamp_)
+            return std::unexpected(*fault_);
         auto bytes = files.read(file_);
         if (!bytes)
             return std::unexpected(UnreadableFile{file_, bytes.error()});
         // Reading is cheap and decoding is not: the same bytes are not decoded twice.
         if (!decoded_ || *bytes != bytes_) {
             auto payload = migration_.decode<Payload>(*bytes);
-            if (!payload)
-                return std::unexpected(UnreadableFile{file_, payload.error()});
+            if (!payload) {
+                fault_ = UnreadableFile{file_, payload.error()};
+                faultStamp_ = stamp;
+                return std::unexpected(*fault_);
+            }
             remember(std::move(*payload), std::move(*bytes));
         }
         stamp_ = stamp;
         return decoded_;
     }
 
-    /// Replaces the file; `now` is the time of writing. The caller holds the lock.
-    std::expected<void, StoreError> save(Payload payload, Timestamp now) {
+    /// Writes the payload beside the file; `now` is the time of writing. The caller holds the lock until the
+    /// payload is published or dropped.
+    std::expected<void, StoreError> stage(Payload payload, Timestamp now) {
         auto bytes = migration_.encode(payload, now);
         if (!bytes)
             return std::unexpected(bytes.error());
-        if (const auto written = paths_.writeAtomically(file_, *bytes); !written)
-            return std::unexpected(written.error());
-        remember(std::move(payload), std::move(*bytes));
+        auto staged = paths_.stage(file_, *bytes);
+        if (!staged)
+            return std::unexpected(staged.error());
+        staged_.emplace(std::move(*staged), std::move(payload), std::move(*bytes));
         return {};
+    }
+
+    /// Replaces the file with what was staged.
+    std::expected<void, StoreError> publish() {
+        auto& [file, payload, bytes] = *staged_;
+        if (const auto published = file.publish(); !published)
+            return std::unexpected(published.error());
+        remember(std::move(payload), std::move(bytes));
+        staged_.reset();
+        return {};
+    }
+
+    /// Forgets what was staged, if anything.
+    void drop() { staged_.reset(); }
+
+    /// `stage` and `publish` in one.
+    std::expected<void, StoreError> save(Payload payload, Timestamp now) {
+        auto saved = stage(std::move(payload), now);
+        if (saved)
+            saved = publish();
+        drop();
+        return saved;
     }
 
     /// Renames the file when it cannot be read, and adds the new path to `renamed`. The caller holds the
@@ -79,11 +108,14 @@ private:
     Snapshot decoded_;               ///< null before the first time
     std::string bytes_;              ///< what `decoded_` was decoded from, or written as
     std::optional<FileStamp> stamp_; ///< of the file when it held `bytes_`
+    std::optional<UnreadableFile> fault_;
+    std::optional<FileStamp> faultStamp_; ///< of the file when it had `fault_`
+    std::optional<std::tuple<StagedFile, Payload, std::string>> staged_;
 };
 
-/// One operation on several files: locks them, reads all, lets `change` alter copies of what they hold, and
-/// writes the copies in the order of the files. Nothing is written when a file cannot be read or `change`
-/// returns an error; when a file cannot be written, those after it are not.
+/// One operation on several files: locks them, reads all, lets `change` alter copies of what they hold,
+/// writes all copies beside the files, and replaces the files in their order. Nothing is replaced when a file
+/// cannot be read, `change` returns an error or a copy cannot be written.
 template <class Change, class... Payloads>
 std::expected<void, StoreError> changeFiles(const AppSupportPaths& paths, Timestamp now, Change change,
                                             DataFile<Payloads>&... files) {
@@ -102,9 +134,14 @@ std::expected<void, StoreError> changeFiles(const AppSupportPaths& paths, Timest
         return result;
     return std::apply(
         [&](Payloads&... payloads) {
-            if (result = change(payloads...); result)
-                static_cast<void>(
-                    ((result = files.save(std::move(payloads), now), result.has_value()) && ...));
+            const auto succeeds = [&](std::expected<void, StoreError> step) {
+                result = std::move(step);
+                return result.has_value();
+            };
+            static_cast<void>(succeeds(change(payloads...)) &&
+                              (succeeds(files.stage(std::move(payloads), now)) && ...) &&
+                              (succeeds(files.publish()) && ...));
+            (files.drop(), ...);
             return result;
         },
         copies);

@@ -2,6 +2,7 @@
 
 #include "ports/file_system.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <map>
 #include <set>
@@ -10,7 +11,8 @@
 
 namespace tavrin::testing {
 
-/// Files in memory that can be told to fail. A name in `failing` is the operation that fails with EIO.
+/// Files in memory that can be told to fail. A name in `failing` is the operation that fails with EIO, or the
+/// beginning of a file's name that cannot be written.
 class FakeFileSystem : public FileSystem {
 public:
     std::map<std::string, std::string> files;
@@ -65,7 +67,10 @@ public:
     std::expected<void, FileError> writeFlushed(const std::filesystem::path& path,
                                                 std::string_view bytes) override {
         // A full disk leaves half a file behind.
-        const bool fails = failing.contains("writeFlushed");
+        const bool fails = failing.contains("writeFlushed") ||
+                           std::ranges::any_of(failing, [name = path.filename().string()](const auto& start) {
+                               return name.starts_with(start);
+                           });
         files[path.string()] = std::string(bytes.substr(0, fails ? bytes.size() / 2 : bytes.size()));
         return fails ? failure("writeFlushed", path) : done("write " + path.string());
     }

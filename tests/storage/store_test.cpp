@@ -192,7 +192,11 @@ TEST_F(StoreTest, LeavesTheOldFileWhenAnyStepOfWritingFails) {
         EXPECT_EQ(files.files, before) << step << " must leave nothing behind";
     }
     files.failing = {};
-    EXPECT_EQ(store.loadProfiles()->size(), 1u);
+    const auto work = newLayout(store.loadProfiles()->at(0));
+    const auto both = files.files;
+    files.failing = {".profiles.json"}; // the disk is full at the second file
+    EXPECT_FALSE(store.deleteLayout(work.id));
+    EXPECT_EQ(files.files, both);
 }
 
 TEST_F(StoreTest, AFailureToFlushTheDirectoryDoesNotSeparateALayoutFromItsProfile) {
@@ -218,10 +222,10 @@ TEST_F(StoreTest, LocksThenWritesBesideTheFileRenamesAndFlushesAndLayoutsBeforeP
     EXPECT_EQ(temporaries.size(), 4u) << "every write has a name of its own";
     EXPECT_EQ(
         std::vector(files.log.begin(), files.log.begin() + 9),
-        (std::vector<std::string>{"lock", "remove /elsewhere/.mine.json.left-by-a-crash.tmp",
-                                  "write /elsewhere/.mine.json.*.tmp", "rename /elsewhere/mine.json",
-                                  "flush /elsewhere", "write /data/Tavrin/.profiles.json.*.tmp",
-                                  "rename /data/Tavrin/profiles.json", "flush /data/Tavrin", "unlock"}));
+        (std::vector<std::string>{
+            "lock", "remove /elsewhere/.mine.json.left-by-a-crash.tmp", "write /elsewhere/.mine.json.*.tmp",
+            "write /data/Tavrin/.profiles.json.*.tmp", "rename /elsewhere/mine.json", "flush /elsewhere",
+            "rename /data/Tavrin/profiles.json", "flush /data/Tavrin", "unlock"}));
 }
 
 TEST_F(StoreTest, RefusesToWriteWhatAFileCannotExpress) {
