@@ -77,6 +77,9 @@ public:
     /// the next run.
     virtual bool isUsable() = 0;
 
+    /// Nothing was ever stored.
+    virtual bool isEmpty() = 0;
+
     /// 0 when the key is absent or holds something else.
     virtual std::int64_t integer(const std::string& key) = 0;
     /// false when the key is absent or holds something else.

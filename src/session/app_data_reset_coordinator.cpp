@@ -9,8 +9,11 @@ constexpr auto* noticePendingKey = "tavrin.beta.resetNoticePending";
 } // namespace
 
 AppDataResetCoordinator::Outcome AppDataResetCoordinator::applyIfNeeded() {
+    const auto version = defaults_.integer(resetVersionKey);
+    // The version is the first thing ever stored: values without it are what is left of a damaged file.
+    const bool hasLostVersion = version == 0 && !defaults_.isEmpty();
     // Without a memory the reset would be applied again at every start.
-    if (!defaults_.isUsable() || defaults_.integer(resetVersionKey) >= targetVersion_)
+    if (!defaults_.isUsable() || hasLostVersion || version >= targetVersion_)
         return Outcome::alreadyApplied;
     for (const auto& file : {paths_.profilesFile(), paths_.layoutsFile(), paths_.settingsFile()})
         if (paths_.fileManager.exists(file))

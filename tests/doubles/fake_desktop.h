@@ -184,8 +184,11 @@ struct FakeDefaults : UserDefaults {
     int writes = 0;
     bool usable = true;
     bool isUsable() override { return usable; }
-    std::int64_t integer(const std::string& key) override { return integers[key]; }
-    bool boolean(const std::string& key) override { return booleans[key]; }
+    bool isEmpty() override { return integers.empty() && booleans.empty(); }
+    std::int64_t integer(const std::string& key) override {
+        return integers.contains(key) ? integers.at(key) : 0;
+    }
+    bool boolean(const std::string& key) override { return booleans.contains(key) && booleans.at(key); }
     void setInteger(const std::string& key, std::int64_t value) override {
         integers[key] = value;
         ++writes;

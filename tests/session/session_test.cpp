@@ -112,6 +112,9 @@ TEST(AppDataReset, MovesTheFilesAwayOncePerVersion) {
         EXPECT_TRUE(files.files.contains("/data/layouts.json")) << applied;
     }
     defaults.usable = true;
+    defaults.integers.clear(); // the notice is left of a damaged file
+    EXPECT_EQ(reset.applyIfNeeded(), AppDataResetCoordinator::Outcome::alreadyApplied);
+    defaults.booleans.clear();
     files.failing = {"rename"};
     EXPECT_EQ((AppDataResetCoordinator{paths, defaults, 2}.applyIfNeeded()),
               AppDataResetCoordinator::Outcome::didReset);

@@ -28,8 +28,11 @@ bool QtUserDefaults::isUsable() {
         value.toLongLong(&isNumber);
         return isNumber || value == QLatin1String("true") || value == QLatin1String("false");
     };
-    return !QFile::exists(settings_.fileName()) ||
-           (!keys.isEmpty() && std::all_of(keys.begin(), keys.end(), isWhole));
+    return isEmpty() || (!keys.isEmpty() && std::all_of(keys.begin(), keys.end(), isWhole));
+}
+
+bool QtUserDefaults::isEmpty() {
+    return !QFile::exists(settings_.fileName());
 }
 
 std::int64_t QtUserDefaults::integer(const std::string& key) {

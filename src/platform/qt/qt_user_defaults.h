@@ -18,6 +18,7 @@ public:
     static std::filesystem::path defaultFile();
 
     bool isUsable() override;
+    bool isEmpty() override;
     std::int64_t integer(const std::string& key) override;
     bool boolean(const std::string& key) override;
     void setInteger(const std::string& key, std::int64_t value) override;
