@@ -124,12 +124,30 @@ void X11KeyWatch::handlePress(std::uint8_t key) {
     const KeyEvent press{.keyCode = *code, .modifierFlags = keyboard().modifiers.flags(modifiers_)};
     const auto found =
         std::ranges::find_if(combos_, [&](const KeyCombo& combo) { return combo.matches(press); });
-    if (found == combos_.end())
+    if (found == combos_.end() || isInputGrabbed())
         return;
     // The callback may have others watched.
     const auto combo = *found;
     if (const auto pressed = pressed_)
         pressed(combo);
+}
+
+bool X11KeyWatch::isInputGrabbed() {
+    const auto pointer = owned(xcb_grab_pointer_reply(
+        query_.get(),
+        xcb_grab_pointer(query_.get(), 0, query_.root(), 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
+                         XCB_WINDOW_NONE, XCB_CURSOR_NONE, XCB_CURRENT_TIME),
+        nullptr));
+    xcb_ungrab_pointer(query_.get(), XCB_CURRENT_TIME);
+    if (!pointer || pointer->status != XCB_GRAB_STATUS_ALREADY_GRABBED)
+        return false;
+    const auto keyboard =
+        owned(xcb_grab_keyboard_reply(query_.get(),
+                                      xcb_grab_keyboard(query_.get(), 0, query_.root(), XCB_CURRENT_TIME,
+                                                        XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                      nullptr));
+    xcb_ungrab_keyboard(query_.get(), XCB_CURRENT_TIME);
+    return keyboard && keyboard->status == XCB_GRAB_STATUS_ALREADY_GRABBED;
 }
 
 std::optional<std::uint32_t> X11KeyWatch::keyPosition(std::uint8_t key) {

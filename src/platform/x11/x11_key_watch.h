@@ -32,6 +32,8 @@ private:
     void handlePress(std::uint8_t key);
     const X11Keyboard& keyboard();
     bool isOwnWindow(xcb_window_t window);
+    /// Another program holds keyboard and pointer, as screen lockers do that tell nobody of the lock.
+    bool isInputGrabbed();
 
     X11EventConnection& events_;
     X11QueryConnection& query_;

@@ -32,10 +32,12 @@ bool X11WindowManager::isControllable(Freshness freshness) {
         absentSince_.reset();
         return true;
     }
+    if (!wasControllable_)
+        return false;
     const auto now = X11QueryConnection::Clock::now();
-    if (wasControllable_ && !absentSince_)
+    if (!absentSince_)
         absentSince_ = now;
-    wasControllable_ &= !connection_.server().isBroken() && now - *absentSince_ < absenceLimit;
+    wasControllable_ = !connection_.server().isBroken() && now - *absentSince_ < absenceLimit;
     if (!wasControllable_)
         absentSince_.reset();
     return wasControllable_;

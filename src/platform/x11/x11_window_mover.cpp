@@ -125,6 +125,9 @@ void X11WindowMover::request(std::span<Job> jobs) {
         if (job.attempts == 0 && window->states.isPinned()) {
             removeStates(*window);
         } else {
+            // Leaving the states has moved the window already.
+            if (job.wasPinned && job.attempts == 1)
+                job.before = seen(*window);
             job.borders = window->borders();
             const auto client = clientRect(job.wanted, job.borders);
             if (canMoveResize)
