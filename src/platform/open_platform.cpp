@@ -64,9 +64,28 @@ std::expected<std::unique_ptr<OpenedPlatform>, std::string> openGnome(int& argc,
     return makeDesktop(std::move(toolkit), std::move(*system));
 }
 
+std::expected<std::unique_ptr<OpenedPlatform>, std::string> openX11(int& argc, char** argv,
+                                                                    X11ServerKind server) {
+    if (server == X11ServerKind::desktop)
+        ::setenv("QT_QPA_PLATFORM", "xcb", 0);
+    auto toolkit = std::make_unique<DesktopToolkit>(argc, argv);
+    auto x11 = X11WindowSystem::open({}, toolkit->eventLoop, toolkit->scheduler);
+    if (!x11)
+        return std::unexpected(x11.error());
+    return makeDesktop(std::move(toolkit), std::move(*x11));
+}
+
 } // namespace
 
 std::expected<std::unique_ptr<OpenedPlatform>, std::string> openPlatform(int& argc, char** argv) {
+    // Qt ends the process without a word to its caller when there is no server, so the server is asked first;
+    // in a Wayland session not before it is needed, because the question starts XWayland.
+    std::expected<X11ServerKind, std::string> server = std::unexpected(std::string());
+    const bool isX11Session = !isSet("WAYLAND_DISPLAY") || variable("XDG_SESSION_TYPE") == "x11";
+    if (isX11Session)
+        server = X11WindowSystem::reach({});
+    if (server == X11ServerKind::desktop)
+        return openX11(argc, argv, *server);
     if (isSet("WAYLAND_DISPLAY") && SwayWindowSystem::reach(variable("SWAYSOCK"))) {
         auto toolkit = waylandToolkit(argc, argv);
         auto sway = SwayWindowSystem::open({.socketPath = variable("SWAYSOCK"), .systemRoot = systemRoot()},
@@ -80,17 +99,14 @@ std::expected<std::unique_ptr<OpenedPlatform>, std::string> openPlatform(int& ar
         return openKWin(argc, argv);
     if (isWayland && isNamed("GNOME"))
         return openGnome(argc, argv);
-    // Qt ends the process without a word to its caller when there is no server, so the server is asked first.
-    const auto server = X11WindowSystem::reach({});
-    if (!server && !isSet("WAYLAND_DISPLAY"))
+    if (!isX11Session)
+        server = X11WindowSystem::reach({});
+    if (server)
+        return openX11(argc, argv, *server);
+    if (!isSet("WAYLAND_DISPLAY"))
         return std::unexpected(server.error());
-    auto toolkit = std::make_unique<DesktopToolkit>(argc, argv);
-    if (!server)
-        return makeDesktop(std::move(toolkit), std::make_unique<UnsupportedWindowSystem>());
-    auto x11 = X11WindowSystem::open({}, toolkit->eventLoop, toolkit->scheduler);
-    if (!x11)
-        return std::unexpected(x11.error());
-    return makeDesktop(std::move(toolkit), std::move(*x11));
+    return makeDesktop(std::make_unique<DesktopToolkit>(argc, argv),
+                       std::make_unique<UnsupportedWindowSystem>());
 }
 
 } // namespace tavrin

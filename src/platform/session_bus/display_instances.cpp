@@ -35,15 +35,26 @@ bool startedTogether(ProcessID one, ProcessID other) {
 } // namespace
 
 std::filesystem::path instanceLock(const std::string& display) {
-    const auto folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation).toStdString();
+    std::filesystem::path folder =
+        QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation).toStdString();
+    auto name = display;
+    if (const auto colon = name.rfind(':'); colon != std::string::npos) {
+        // Every screen of an X server is the same display: ":0.1" is ":0", and so is "unix:0".
+        name.resize(std::min(name.find('.', colon), name.size()));
+        if (name.starts_with("unix:"))
+            name.erase(0, colon);
+        // X displays are the same whatever folder the environment names.
+        const auto own = "/run/user/" + std::to_string(::getuid());
+        if (::access(own.c_str(), W_OK) == 0)
+            folder = own;
+    } else if (name.starts_with('/')) { // the path of a Wayland socket
+        folder = std::filesystem::path(name).parent_path();
+        name = std::filesystem::path(name).filename();
+    }
     if (folder.empty())
         return {};
-    auto name = display;
-    // Every screen of an X server is the same display: ":0.1" is ":0".
-    if (const auto colon = name.rfind(':'); colon != std::string::npos)
-        name.resize(std::min(name.find('.', colon), name.size()));
     std::ranges::replace(name, '/', '_');
-    return std::filesystem::path(folder) / ("tavrin-" + name + ".lock");
+    return folder / ("tavrin-" + name + ".lock");
 }
 
 DisplayInstances::DisplayInstances(BusLink& sessionBus, std::filesystem::path lockFile, ProcessID ownPID)

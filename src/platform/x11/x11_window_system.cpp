@@ -15,10 +15,12 @@ X11WindowSystem::X11WindowSystem(std::unique_ptr<X11Connection> questions,
       screens_(query_.server(), windowManager_), desktopWatch_(events_, screens_, windowManager_),
       keyWatch_(events_, query_) {}
 
-std::expected<void, std::string> X11WindowSystem::reach(const std::string& displayName) {
-    if (const auto connection = X11Connection::open(displayName); !connection)
+std::expected<X11ServerKind, std::string> X11WindowSystem::reach(const std::string& displayName) {
+    const auto connection = X11Connection::open(displayName);
+    if (!connection)
         return std::unexpected(connection.error());
-    return {};
+    return (*connection)->extensions().isWaylandBridge ? X11ServerKind::waylandBridge
+                                                       : X11ServerKind::desktop;
 }
 
 std::expected<std::unique_ptr<X11WindowSystem>, std::string>

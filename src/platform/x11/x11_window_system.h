@@ -12,12 +12,17 @@
 
 namespace tavrin {
 
+enum class X11ServerKind {
+    desktop,       ///< it shows a desktop of its own
+    waylandBridge, ///< it shows its windows inside a Wayland compositor
+};
+
 /// An X server with a window manager that follows EWMH. A point is a pixel; desktop space is the root window.
 class X11WindowSystem final : public WindowSystem {
 public:
-    /// Whether there is a server at all; the error is a text for the user. An empty display name means the
-    /// one of the environment.
-    static std::expected<void, std::string> reach(const std::string& displayName);
+    /// What server there is; the error is a text for the user. An empty display name means the one of the
+    /// environment.
+    static std::expected<X11ServerKind, std::string> reach(const std::string& displayName);
 
     /// The error is a text for the user. The collaborators must outlive the window system.
     static std::expected<std::unique_ptr<X11WindowSystem>, std::string>
