@@ -4,7 +4,6 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace tavrin {
@@ -85,10 +84,9 @@ void BusMenu::Event(int id, const QString& eventId, const QDBusVariant&, uint) {
     }
 }
 
-QList<int> BusMenu::EventGroup(const QList<BusMenuEvent>& events) {
+QList<int> BusMenu::EventGroup(const BusMenuEvents& events) {
     QList<int> unknown;
-    constexpr qsizetype mostEvents = 64; // a panel sends two or three
-    for (const auto& [id, event, data, timestamp] : events.first(std::min(events.size(), mostEvents))) {
+    for (const auto& [id, event, data, timestamp] : events.events) {
         if (tree_.contains(id))
             Event(id, event, data, timestamp);
         else
@@ -108,7 +106,10 @@ bool BusMenu::AboutToShow(int id) {
 
 QList<int> BusMenu::AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors) {
     const auto shown = known(ids);
-    std::ranges::copy_if(ids, std::back_inserter(idErrors), [&](int id) { return !shown.contains(id); });
+    constexpr qsizetype mostErrors = 64;
+    for (const int id : ids)
+        if (idErrors.size() < mostErrors && !shown.contains(id))
+            idErrors.append(id);
     QList<int> needUpdate;
     for (const int id : shown)
         if (AboutToShow(id))

@@ -41,7 +41,7 @@ public Q_SLOTS:
                                                                const QStringList& propertyNames) const;
     Q_SCRIPTABLE QDBusVariant GetProperty(int id, const QString& name) const;
     Q_SCRIPTABLE void Event(int id, const QString& eventId, const QDBusVariant& data, uint timestamp);
-    Q_SCRIPTABLE QList<int> EventGroup(const QList<tavrin::BusMenuEvent>& events);
+    Q_SCRIPTABLE QList<int> EventGroup(const tavrin::BusMenuEvents& events);
     Q_SCRIPTABLE bool AboutToShow(int id);
     Q_SCRIPTABLE QList<int> AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors);
 

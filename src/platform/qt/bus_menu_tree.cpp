@@ -32,7 +32,7 @@ void registerBusMenuTypes() {
     qDBusRegisterMetaType<QList<BusMenuItem>>();
     qDBusRegisterMetaType<BusMenuLayout>();
     qDBusRegisterMetaType<BusMenuEvent>();
-    qDBusRegisterMetaType<QList<BusMenuEvent>>();
+    qDBusRegisterMetaType<BusMenuEvents>();
     qDBusRegisterMetaType<BusMenuRemovedProperties>();
     qDBusRegisterMetaType<QList<BusMenuRemovedProperties>>();
     qDBusRegisterMetaType<QList<QStringList>>();
@@ -61,6 +61,19 @@ QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuEvent& value) {
 
 const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuEvent& value) {
     return readStructure(argument, value.id, value.event, value.data, value.timestamp);
+}
+
+QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuEvents& value) {
+    return argument << value.events;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuEvents& value) {
+    value.events.clear();
+    argument.beginArray();
+    while (!argument.atEnd() && value.events.size() < BusMenuEvents::most)
+        argument >> value.events.emplaceBack();
+    argument.endArray();
+    return argument;
 }
 
 QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuRemovedProperties& value) {

@@ -27,6 +27,12 @@ struct BusMenuEvent {
     uint timestamp = 0;
 };
 
+/// What a panel reports in one message: a(isvu). A panel sends two or three; more than `most` are not read.
+struct BusMenuEvents {
+    static constexpr qsizetype most = 64;
+    QList<BusMenuEvent> events;
+};
+
 /// An item with the names of the properties it has lost: (ias).
 struct BusMenuRemovedProperties {
     int id = 0;
@@ -42,6 +48,8 @@ QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuLayout& value);
 const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuLayout& value);
 QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuEvent& value);
 const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuEvent& value);
+QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuEvents& value);
+const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuEvents& value);
 QDBusArgument& operator<<(QDBusArgument& argument, const BusMenuRemovedProperties& value);
 const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuRemovedProperties& value);
 
@@ -50,4 +58,5 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, BusMenuRemovedPro
 Q_DECLARE_METATYPE(tavrin::BusMenuItem)
 Q_DECLARE_METATYPE(tavrin::BusMenuLayout)
 Q_DECLARE_METATYPE(tavrin::BusMenuEvent)
+Q_DECLARE_METATYPE(tavrin::BusMenuEvents)
 Q_DECLARE_METATYPE(tavrin::BusMenuRemovedProperties)
