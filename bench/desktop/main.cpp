@@ -127,7 +127,7 @@ private:
     QtEventLoop eventLoop_;
     QtScheduler scheduler_;
     std::unique_ptr<X11WindowSystem> x11_;
-    ListedWindows listed_;
+    tavrin::ListedWindows listed_;
     WindowSystemScreens screenList_{listed_};
     WindowSystemWindowList rawWindows_{listed_};
     WindowSystemApplications applications_{listed_};

@@ -9,6 +9,7 @@
 #include "platform/x11/x11_window_system.h"
 
 #include <cstdlib>
+#include <utility>
 
 namespace tavrin {
 namespace {
@@ -65,11 +66,11 @@ std::expected<std::unique_ptr<OpenedPlatform>, std::string> openGnome(int& argc,
 }
 
 std::expected<std::unique_ptr<OpenedPlatform>, std::string> openX11(int& argc, char** argv,
-                                                                    X11ServerKind server) {
-    if (server == X11ServerKind::desktop)
+                                                                    std::unique_ptr<X11Connection> server) {
+    if (!server->extensions().isWaylandBridge)
         ::setenv("QT_QPA_PLATFORM", "xcb", 0);
     auto toolkit = std::make_unique<DesktopToolkit>(argc, argv);
-    auto x11 = X11WindowSystem::open({}, toolkit->eventLoop, toolkit->scheduler);
+    auto x11 = X11WindowSystem::open(std::move(server), toolkit->eventLoop, toolkit->scheduler);
     if (!x11)
         return std::unexpected(x11.error());
     return makeDesktop(std::move(toolkit), std::move(*x11));
@@ -80,12 +81,12 @@ std::expected<std::unique_ptr<OpenedPlatform>, std::string> openX11(int& argc, c
 std::expected<std::unique_ptr<OpenedPlatform>, std::string> openPlatform(int& argc, char** argv) {
     // Qt ends the process without a word to its caller when there is no server, so the server is asked first;
     // in a Wayland session not before it is needed, because the question starts XWayland.
-    std::expected<X11ServerKind, std::string> server = std::unexpected(std::string());
+    std::expected<std::unique_ptr<X11Connection>, std::string> server = std::unexpected(std::string());
     const bool isX11Session = !isSet("WAYLAND_DISPLAY") || variable("XDG_SESSION_TYPE") == "x11";
     if (isX11Session)
-        server = X11WindowSystem::reach({});
-    if (server == X11ServerKind::desktop)
-        return openX11(argc, argv, *server);
+        server = X11Connection::open({});
+    if (server && !(*server)->extensions().isWaylandBridge)
+        return openX11(argc, argv, std::move(*server));
     if (isSet("WAYLAND_DISPLAY") && SwayWindowSystem::reach(variable("SWAYSOCK"))) {
         auto toolkit = waylandToolkit(argc, argv);
         auto sway = SwayWindowSystem::open({.socketPath = variable("SWAYSOCK"), .systemRoot = systemRoot()},
@@ -100,9 +101,9 @@ std::expected<std::unique_ptr<OpenedPlatform>, std::string> openPlatform(int& ar
     if (isWayland && isNamed("GNOME"))
         return openGnome(argc, argv);
     if (!isX11Session)
-        server = X11WindowSystem::reach({});
+        server = X11Connection::open({});
     if (server)
-        return openX11(argc, argv, *server);
+        return openX11(argc, argv, std::move(*server));
     if (!isSet("WAYLAND_DISPLAY"))
         return std::unexpected(server.error());
     return makeDesktop(std::make_unique<DesktopToolkit>(argc, argv),

@@ -9,6 +9,7 @@
 #include <expected>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace tavrin {
 
@@ -42,6 +43,9 @@ public:
     /// An empty name means the display of the environment. The error says in words what failed.
     static std::expected<std::unique_ptr<X11Connection>, std::string> open(const std::string& displayName);
 
+    /// Another one to the same server, which is not asked again what this one knows.
+    std::expected<std::unique_ptr<X11Connection>, std::string> openAnother() const;
+
     ~X11Connection();
     X11Connection(const X11Connection&) = delete;
     X11Connection& operator=(const X11Connection&) = delete;
@@ -62,10 +66,14 @@ public:
     std::uint32_t clientOf(std::uint32_t resource) const;
 
 private:
-    X11Connection(xcb_connection_t* connection, xcb_screen_t* screen)
-        : connection_(connection), screen_(screen) {}
+    X11Connection(std::string displayName, xcb_connection_t* connection, xcb_screen_t* screen)
+        : displayName_(std::move(displayName)), connection_(connection), screen_(screen) {}
+    static std::expected<std::unique_ptr<X11Connection>, std::string> connect(const std::string& displayName,
+                                                                              int& screenNumber);
+    void prefetchExtensions();
     void readExtensions();
 
+    std::string displayName_;
     xcb_connection_t* connection_;
     xcb_screen_t* screen_;
     X11Atoms atoms_;

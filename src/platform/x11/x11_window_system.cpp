@@ -15,24 +15,21 @@ X11WindowSystem::X11WindowSystem(std::unique_ptr<X11Connection> questions,
       screens_(query_.server(), windowManager_), desktopWatch_(events_, screens_, windowManager_),
       keyWatch_(events_, query_) {}
 
-std::expected<X11ServerKind, std::string> X11WindowSystem::reach(const std::string& displayName) {
-    const auto connection = X11Connection::open(displayName);
+std::expected<std::unique_ptr<X11WindowSystem>, std::string>
+X11WindowSystem::open(const std::string& displayName, EventLoop& eventLoop, Scheduler& scheduler) {
+    auto connection = X11Connection::open(displayName);
     if (!connection)
         return std::unexpected(connection.error());
-    return (*connection)->extensions().isWaylandBridge ? X11ServerKind::waylandBridge
-                                                       : X11ServerKind::desktop;
+    return open(std::move(*connection), eventLoop, scheduler);
 }
 
 std::expected<std::unique_ptr<X11WindowSystem>, std::string>
-X11WindowSystem::open(const std::string& displayName, EventLoop& eventLoop, Scheduler& scheduler) {
-    auto questions = X11Connection::open(displayName);
-    if (!questions)
-        return std::unexpected(questions.error());
-    auto news = X11Connection::open(displayName);
+X11WindowSystem::open(std::unique_ptr<X11Connection> connection, EventLoop& eventLoop, Scheduler& scheduler) {
+    auto news = connection->openAnother();
     if (!news)
         return std::unexpected(news.error());
     return std::unique_ptr<X11WindowSystem>(
-        new X11WindowSystem(std::move(*questions), std::move(*news), eventLoop, scheduler));
+        new X11WindowSystem(std::move(connection), std::move(*news), eventLoop, scheduler));
 }
 
 std::string X11WindowSystem::name() {

@@ -12,21 +12,17 @@
 
 namespace tavrin {
 
-enum class X11ServerKind {
-    desktop,       ///< it shows a desktop of its own
-    waylandBridge, ///< it shows its windows inside a Wayland compositor
-};
-
 /// An X server with a window manager that follows EWMH. A point is a pixel; desktop space is the root window.
 class X11WindowSystem final : public WindowSystem {
 public:
-    /// What server there is; the error is a text for the user. An empty display name means the one of the
-    /// environment.
-    static std::expected<X11ServerKind, std::string> reach(const std::string& displayName);
-
-    /// The error is a text for the user. The collaborators must outlive the window system.
+    /// The error is a text for the user. An empty display name means the one of the environment. The
+    /// collaborators must outlive the window system.
     static std::expected<std::unique_ptr<X11WindowSystem>, std::string>
     open(const std::string& displayName, EventLoop& eventLoop, Scheduler& scheduler);
+
+    /// The same over a connection that is there already.
+    static std::expected<std::unique_ptr<X11WindowSystem>, std::string>
+    open(std::unique_ptr<X11Connection> connection, EventLoop& eventLoop, Scheduler& scheduler);
 
     std::string name() override;
     std::optional<WindowSystemObstacle> obstacle() override;
