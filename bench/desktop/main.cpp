@@ -54,16 +54,36 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
+std::string titleOf(int window) {
+    return fmt::format("A window of usual title, {}", window);
+}
+
+/// Random places, other ones for every seed.
+std::vector<Rect> randomPlaces(int count, unsigned seed) {
+    std::mt19937 random(seed);
+    std::vector<Rect> places;
+    for (int i = 0; i < count; ++i) {
+        const double x = random() % 1300, y = random() % 600;
+        const double width = 200.0 + random() % 300, height = 150.0 + random() % 250;
+        places.push_back({x, y, width, height});
+    }
+    return places;
+}
+
 /// A desktop full of windows. Ten belong to an application; every client hosts one or more of them.
 class FullDesktop {
 public:
     explicit FullDesktop(int windowCount, int windowsPerClient = 10) : desktop_({.name = "bench"}) {
+        open(windowCount, windowsPerClient);
+    }
+
+    void open(int windowCount, int windowsPerClient = 10) {
         for (int i = 0; i < windowCount; ++i) {
             if (i % windowsPerClient == 0)
                 clients_.push_back(desktop_.startClient());
             const auto window =
                 clients_.back()->open({.applicationClass = fmt::format("Application{}", i / 10),
-                                       .title = fmt::format("A window of usual title, {}", i),
+                                       .title = titleOf(i),
                                        .frame = {100, 100, 400, 300},
                                        .type = "NORMAL"}); // as toolkits say of every window
             if (!window)
@@ -76,23 +96,30 @@ public:
     std::string display() { return desktop_.server().display().toStdString(); }
     const std::vector<xcb_window_t>& windows() const { return ids_; }
 
-    /// Puts the windows at random places, other ones for every seed, and tells where each is seen then.
-    std::map<xcb_window_t, Rect> scatter(unsigned seed) {
-        std::mt19937 random(seed);
+    std::map<xcb_window_t, Rect> places(unsigned seed) const {
+        const auto random = randomPlaces(static_cast<int>(ids_.size()), seed);
         std::map<xcb_window_t, Rect> places;
-        for (const auto window : ids_)
-            places[window] = {double(random() % 1300), double(random() % 600), 200.0 + random() % 300,
-                              150.0 + random() % 250};
-        if (BareClient(display()).placeTogether(places) != ids_.size())
-            stop("the windows cannot be scattered");
+        for (std::size_t i = 0; i < ids_.size(); ++i)
+            places[ids_[i]] = random[i];
         return places;
     }
 
-    void expectAt(const std::map<xcb_window_t, Rect>& places, const char* who) {
-        const auto isThere = [&](const auto& place) {
+    /// Puts the windows at random places, other ones for every seed, and tells where each is seen then.
+    std::map<xcb_window_t, Rect> scatter(unsigned seed) {
+        const auto wanted = places(seed);
+        if (BareClient(display()).placeTogether(wanted) != ids_.size())
+            stop("the windows cannot be scattered");
+        return wanted;
+    }
+
+    std::size_t countAt(const std::map<xcb_window_t, Rect>& places) {
+        return static_cast<std::size_t>(std::ranges::count_if(places, [&](const auto& place) {
             return desktop_.windows().visibleFrame(place.first) == place.second;
-        };
-        if (!waitUntil([&] { return std::ranges::all_of(places, isThere); }))
+        }));
+    }
+
+    void expectAt(const std::map<xcb_window_t, Rect>& places, const char* who) {
+        if (!waitUntil([&] { return countAt(places) == places.size(); }))
             stop(fmt::format("{} left windows elsewhere", who));
     }
 
@@ -204,7 +231,7 @@ void measureRestoring(int count, int windowsPerClient) {
     Services services(full.display(), catalog);
     const auto places = full.scatter(1);
     const auto layout = services.capture();
-    std::vector<double> program, bare, wmctrl;
+    std::vector<double> program, bare;
     for (unsigned round = 0; round < 11; ++round) {
         const unsigned seed = 100 + 10 * round;
         full.scatter(seed);
@@ -221,35 +248,102 @@ void measureRestoring(int count, int windowsPerClient) {
                 stop("the bare client does not place all windows");
         }));
         full.expectAt(places, "the bare client");
-        if (count > 100)
-            continue; // seconds a round
-        full.scatter(seed + 2);
-        // Its sizes are those of clients and its corners those of frames; where it puts them does not matter
-        // here.
-        wmctrl.push_back(timed([&] {
-            for (const auto& [window, place] : places)
-                runWmctrl(
-                    full.desktop(),
-                    {"-i", "-r", QString::number(window), "-e",
-                     QString("0,%1,%2,%3,%4").arg(place.x).arg(place.y).arg(place.width).arg(place.height)});
-        }));
     }
     const double a = median(program), b = median(bare);
-    const auto other = wmctrl.empty() ? std::string(" | ")
-                                      : fmt::format("{:.1f} | {:.2f}", median(wmctrl), a / median(wmctrl));
-    fmt::print("| {} | {} | {:.1f} | {:.1f} | {:.2f} | {} |\n", count, count / windowsPerClient, a, b, a / b,
-               other);
+    fmt::print("| {} | {} | {:.1f} | {:.1f} | {:.2f} |\n", count, count / windowsPerClient, a, b, a / b);
 }
 
 void measureRestoringAll() {
-    fmt::print(
-        "\nRestoring scattered windows, milliseconds\n\n"
-        "| windows | processes | confirmed | bare XCB, confirmed | / XCB | wmctrl loop, unconfirmed | / "
-        "wmctrl |\n"
-        "|---:|---:|---:|---:|---:|---:|---:|\n");
+    fmt::print("\nRestoring scattered windows, milliseconds\n\n"
+               "| windows | processes | Tavrin | bare XCB | ratio |\n|---:|---:|---:|---:|---:|\n");
     measureRestoring(100, 10);
     measureRestoring(300, 300);
     measureRestoring(900, 900);
+}
+
+/// What a person would use instead for 100 windows: a script around wmctrl, and rules of devilspie2 for
+/// windows that are opened while it runs.
+void measureAlternatives() {
+    constexpr int count = 100;
+    constexpr unsigned placesSeed = 1;
+    struct Result {
+        std::vector<double> milliseconds;
+        std::size_t inPlace = count; ///< the least of all rounds
+        void add(double time, std::size_t windows) {
+            milliseconds.push_back(time);
+            inPlace = std::min(inPlace, windows);
+        }
+    };
+    Result program, wmctrl, opened, ruled;
+    double horizontal = 0, vertical = 0; // of the frame, which the sizes of both tools leave out
+    {
+        FullDesktop full(count);
+        FreedesktopApplicationCatalog catalog;
+        Services services(full.display(), catalog);
+        const auto places = full.scatter(placesSeed);
+        const auto layout = services.capture();
+        const auto frame = BareClient(full.display()).windows().front().frame;
+        horizontal = frame[0] + frame[1];
+        vertical = frame[2] + frame[3];
+        const auto runLoop = [&] {
+            for (int i = 0; i < count; ++i) {
+                const auto& place = places.at(full.windows()[static_cast<std::size_t>(i)]);
+                runWmctrl(full.desktop(), {"-F", "-r", QString::fromStdString(titleOf(i)), "-e",
+                                           QString("0,%1,%2,%3,%4")
+                                               .arg(place.x)
+                                               .arg(place.y)
+                                               .arg(place.width - horizontal)
+                                               .arg(place.height - vertical)});
+            }
+        };
+        for (unsigned round = 0; round < 7; ++round) {
+            full.scatter(100 + round);
+            QCoreApplication::processEvents();
+            const double own = timed([&] { services.restore(layout); });
+            program.add(own, full.countAt(places));
+            full.scatter(200 + round);
+            const double loop = timed(runLoop);
+            waitUntil([&] { return full.countAt(places) == count; }, std::chrono::seconds(2));
+            wmctrl.add(loop, full.countAt(places));
+        }
+    }
+    QTemporaryDir rules;
+    QFile script(rules.filePath("rules.lua"));
+    if (!script.open(QIODevice::WriteOnly))
+        stop("no rules");
+    const auto places = randomPlaces(count, placesSeed);
+    for (int i = 0; i < count; ++i) {
+        const auto& place = places[static_cast<std::size_t>(i)];
+        script.write(QByteArray::fromStdString(
+            fmt::format("if get_window_name() == \"{}\" then set_window_geometry2({}, {}, {}, {}) end\n",
+                        titleOf(i), place.x, place.y, place.width - horizontal, place.height - vertical)));
+    }
+    script.close();
+    for (int round = 0; round < 3; ++round) {
+        FullDesktop plain(0), full(0);
+        opened.add(timed([&] { plain.open(count); }), 0);
+        Process devilspie;
+        if (!devilspie.start("devilspie2", {"--folder", rules.path()}, full.desktop().environment(),
+                             full.desktop().log("devilspie2")))
+            stop("devilspie2 does not start");
+        waitUntil([] { return false; }, std::chrono::seconds(2)); // it does not say when it is ready
+        std::size_t inPlace = 0;
+        const double time = timed([&] {
+            full.open(count);
+            waitUntil([&] { return (inPlace = full.countAt(full.places(placesSeed))) == count; },
+                      std::chrono::seconds(5));
+        });
+        ruled.add(time, inPlace);
+    }
+    fmt::print("\nWhat a person would use instead, {} windows\n\n"
+               "| | ms | in their places |\n|---|---:|---:|\n",
+               count);
+    fmt::print("| Tavrin restores a layout | {:.1f} | {} |\n", median(program.milliseconds), program.inPlace);
+    fmt::print("| a script calls wmctrl for each title | {:.1f} | {} |\n", median(wmctrl.milliseconds),
+               wmctrl.inPlace);
+    fmt::print("| windows open while devilspie2 has a rule for each | {:.1f} | {} |\n",
+               median(ruled.milliseconds), ruled.inPlace);
+    fmt::print("| they open without it | {:.1f} | |\n", median(opened.milliseconds));
 }
 
 /// A line of a file of the process's folder, in the unit of the file.
@@ -352,6 +446,7 @@ int main(int argc, char** argv) {
     };
     measure("listing", measureListing);
     measure("restoring", measureRestoringAll);
+    measure("alternatives", measureAlternatives);
     measure("start", [] { measureStarts(QCoreApplication::applicationDirPath()); });
     measure("idle", measureIdleness);
 }
