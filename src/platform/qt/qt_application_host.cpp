@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QIconEngine>
 #include <QPointer>
 #include <QSessionManager>
 #include <QTimer>
@@ -34,6 +35,32 @@ QWidget* frontWindow() {
     return front;
 }
 
+/// The program's icon, which is looked up when the first window is shown and not before: most starts show
+/// none.
+class WindowIcon final : public QIconEngine {
+public:
+    QIconEngine* clone() const override { return new WindowIcon; }
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
+        found().paint(painter, rect, Qt::AlignCenter, mode, state);
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        return found().pixmap(size, mode, state);
+    }
+    QList<QSize> availableSizes(QIcon::Mode mode, QIcon::State state) override {
+        return found().availableSizes(mode, state);
+    }
+
+private:
+    const QIcon& found() {
+        if (icon_.isNull())
+            icon_ = QIcon::fromTheme(QtApplicationHost::applicationId,
+                                     QIcon(QStringLiteral(":/icons/org.tavrin.Tavrin.svg")));
+        return icon_;
+    }
+
+    QIcon icon_;
+};
+
 void raiseWindow(QWidget& widget) {
     widget.setWindowState(widget.windowState() & ~Qt::WindowMinimized);
     widget.raise();
@@ -49,8 +76,7 @@ QtApplicationHost::QtApplicationHost(QApplication& application) {
     application.setApplicationName(applicationId);
     application.setDesktopFileName(applicationId);
     registerResources();
-    application.setWindowIcon(
-        QIcon::fromTheme(applicationId, QIcon(QStringLiteral(":/icons/org.tavrin.Tavrin.svg"))));
+    application.setWindowIcon(QIcon(new WindowIcon));
 
     connect(&application, &QGuiApplication::focusWindowChanged, this, &QtApplicationHost::focusMoved);
 
