@@ -125,10 +125,12 @@ void writeBare(benchmark::State& state) {
     FullStore& disk = fullStore();
     const auto layouts = disk.layoutBytes(), profiles = disk.profileBytes();
     const auto lock = disk.paths().lock();
-    for (auto _ : state)
-        if (!disk.paths().writeAtomically(disk.paths().layoutsFile(), layouts) ||
-            !disk.paths().writeAtomically(disk.paths().profilesFile(), profiles))
+    for (auto _ : state) {
+        auto newLayouts = disk.paths().stage(disk.paths().layoutsFile(), layouts);
+        auto newProfiles = disk.paths().stage(disk.paths().profilesFile(), profiles);
+        if (!newLayouts || !newProfiles || !newLayouts->publish() || !newProfiles->publish())
             state.SkipWithError("not written");
+    }
 }
 
 void menuAfterSave(benchmark::State& state) {
