@@ -21,6 +21,7 @@ using namespace std::chrono_literals;
 class FakeKWin : public QDBusVirtualObject {
 public:
     std::atomic<bool> isSilent = false;
+    std::atomic<int> loads = 0, unloads = 0;
 
     FakeKWin(const PrivateBus& bus, QString answer)
         : answer_(std::move(answer)), connection_(QDBusConnection::connectToBus(
@@ -48,18 +49,17 @@ public:
             if (!file.open(QIODevice::ReadOnly))
                 return false;
             const auto line = file.readLine();
+            ++loads;
             agent_ = QJsonDocument::fromJson(line.mid(line.indexOf('{')).chopped(2)).object();
             return connection_.send(message.createReply(7));
         }
         if (method == "run") {
             if (message.path() != "/7") // where 5.27 has it
                 return false;
-            connection_.send(message.createReply());
-        }
-        if (method == "run")
             QMetaObject::invokeMethod(this, [this] { waitForQuestion(); });
-        if (method == "run")
-            return true;
+            return connection_.send(message.createReply());
+        }
+        unloads += method == "unloadScript" ? 1 : 0;
         return connection_.send(message.createReply(true));
     }
 
@@ -117,6 +117,18 @@ TEST_F(KWinScriptChannelTest, nonsenseIsNoAnswer) {
         auto asked = channel();
         EXPECT_FALSE(answersWithinASecond(asked)) << text.toStdString();
         EXPECT_TRUE(asked.isAvailable());
+    }
+}
+
+TEST_F(KWinScriptChannelTest, theScriptIsThereForQuestionsOnly) {
+    FakeKWin kwin(bus, R"({"windows": []})");
+    auto asked = channel(20ms);
+    for (int loads = 1; loads <= 2; ++loads) {
+        EXPECT_TRUE(answersWithinASecond(asked) && answersWithinASecond(asked));
+        EXPECT_EQ(kwin.loads, loads);
+        EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+        const int before = kwin.unloads;
+        EXPECT_TRUE(waitUntil([&] { return kwin.unloads > before; }));
     }
 }
 

@@ -1,9 +1,16 @@
+#include "platform/i3/i3_connection.h"
 #include "platform/i3/i3_tree.h"
 #include "platform/sway/sway_config.h"
 #include "posix/temporary_directory.h"
+#include "session_bus/qt_event_loop.h"
 
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QThread>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstring>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 namespace tavrin {
@@ -32,6 +39,80 @@ TEST(I3TreeTest, whatIsNoTreeHasNoWindows) {
         EXPECT_EQ(readI3Change(text), "");
         EXPECT_EQ(readI3Version(text).has_value(), false);
         EXPECT_TRUE(readI3Results(text).empty());
+    }
+}
+
+/// Answers whatever it is asked with the same bytes, from a thread of its own.
+class FakeSocket {
+public:
+    FakeSocket(const std::string& path, const std::string& bytes, bool closes = false) {
+        server_.moveToThread(&thread_);
+        QObject::connect(&server_, &QLocalServer::newConnection, &server_, [this, bytes, closes] {
+            auto* peer = server_.nextPendingConnection();
+            QObject::connect(peer, &QLocalSocket::readyRead, peer, [peer, bytes, closes] {
+                peer->readAll();
+                peer->write(bytes.data(), static_cast<qint64>(bytes.size()));
+                if (closes)
+                    peer->disconnectFromServer();
+            });
+        });
+        thread_.start();
+        QMetaObject::invokeMethod(
+            &server_,
+            [&] {
+                QLocalServer::removeServer(QString::fromStdString(path));
+                EXPECT_TRUE(server_.listen(QString::fromStdString(path)));
+            },
+            Qt::BlockingQueuedConnection);
+    }
+    ~FakeSocket() {
+        QMetaObject::invokeMethod(&server_, [this] { server_.close(); }, Qt::BlockingQueuedConnection);
+        thread_.quit();
+        thread_.wait();
+    }
+
+private:
+    QThread thread_;
+    QLocalServer server_;
+};
+
+std::string message(std::uint32_t size, I3Question type, const std::string& payload) {
+    std::string bytes = "i3-ipc";
+    const std::uint32_t words[] = {size, static_cast<std::uint32_t>(type)};
+    return bytes.append(reinterpret_cast<const char*>(words), sizeof words) + payload;
+}
+
+TEST(I3QuestionsTest, badAnswersEndInAnErrorInTimeAndTheNextSocketIsUsed) {
+    testApplication();
+    TemporaryDirectory folder;
+    const auto path = (folder.path() / "socket").string();
+    const auto cut = message(100, I3Question::tree, "{\"id\":");
+    constexpr bool closes = true, stays = false;
+    const struct {
+        std::string bytes;
+        bool closes;
+        I3Error error;
+    } cases[] = {
+        {"i3-i", closes, I3Error::closed},
+        {cut, closes, I3Error::closed},
+        {cut, stays, I3Error::timedOut},
+        {"HTTP/1.1 400 Bad Request\r\n\r\n", stays, I3Error::malformed},
+        {message(0xFFFFFFFF, I3Question::tree, "{"), stays, I3Error::malformed},
+        {message(2, I3Question::version, "{}"), stays, I3Error::malformed},
+    };
+    const auto ask = [](I3Questions& questions) { return questions.ask(I3Question::tree, {}, Seconds{0.5}); };
+    I3Questions questions(path);
+    EXPECT_EQ(ask(questions), std::unexpected(I3Error::unreachable));
+    for (const auto& [bytes, hangsUp, error] : cases) {
+        {
+            const FakeSocket socket(path, bytes, hangsUp);
+            const auto start = std::chrono::steady_clock::now();
+            for (int i = 0; i < 5; ++i) // a socket that is slow once does not cost its time again and again
+                EXPECT_EQ(ask(questions), std::unexpected(error)) << bytes;
+            EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(2000)) << bytes;
+        }
+        const FakeSocket good(path, message(2, I3Question::tree, "{}"));
+        EXPECT_EQ(ask(questions), "{}") << "after: " << bytes;
     }
 }
 
