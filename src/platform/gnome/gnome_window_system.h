@@ -37,6 +37,7 @@ public:
     std::vector<DesktopScreen> screens() override;
     void watchKeys(std::vector<KeyCombo> combos, std::function<void(const KeyCombo&)> pressed) override;
     std::vector<RefusedKey> refusedKeys() override;
+    bool reservesKeys() const override { return true; }
     std::optional<std::uint32_t> keyPosition(std::uint32_t nativeScanCode) override;
     bool activate(WindowID window, const std::string& token) override;
     std::optional<Point> pointer() override;
