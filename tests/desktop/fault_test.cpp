@@ -75,6 +75,9 @@ protected:
     }
 };
 
+/// What only an X desktop has.
+class XFaultTest : public FaultTest {};
+
 TEST_F(FaultTest, WindowsThatComeAndGoDuringRestoresDoNoHarm) {
     startAll();
     std::vector<WindowHandle> open;
@@ -135,10 +138,8 @@ TEST_F(FaultTest, TitlesOfEveryKindAreSavedAndRestored) {
         EXPECT_LE(entry["windowTitle"].toString().toUtf8().size(), 1024);
 }
 
-TEST_F(FaultTest, AHungWindowManagerHoldsUpTheProgramForTwoSecondsAtMost) {
+TEST_F(XFaultTest, AHungWindowManagerHoldsUpTheProgramForTwoSecondsAtMost) {
     startAll();
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     std::vector<WindowHandle> all;
     for (int i = 0; i < 60; ++i)
         all.push_back(open("window " + std::to_string(i), {10.0 + 20 * i, 30.0 + 10 * i, 300, 200}));
@@ -173,10 +174,8 @@ TEST_F(FaultTest, KeysTypedElsewhereWakeNobodyWithoutAShortcut) {
     EXPECT_LT(wakeUps(program().process().pid()) - before, 200);
 }
 
-TEST_F(FaultTest, OnAnUnsupportedDesktopItRunsWithoutThePermission) {
+TEST_F(XFaultTest, OnAnUnsupportedDesktopItRunsWithoutThePermission) {
     begin();
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     auto environment = desktop().environment();
     environment.remove("DISPLAY");
     environment.insert("WAYLAND_DISPLAY", "wayland-nowhere");
@@ -191,10 +190,8 @@ TEST_F(FaultTest, OnAnUnsupportedDesktopItRunsWithoutThePermission) {
     EXPECT_TRUE(program.isRunning());
 }
 
-TEST_F(FaultTest, AnotherWindowManagerTakesOverDuringUse) {
+TEST_F(XFaultTest, AnotherWindowManagerTakesOverDuringUse) {
     startAll();
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     const Rect place{300, 200, 500, 400};
     const auto window = open("editor", place);
     ASSERT_TRUE(windows().place(window, place));
@@ -227,10 +224,8 @@ TEST_F(FaultTest, ALostServerEndsTheProgramWithAMessage) {
 
 // Whatever is wrong with the buses: the program starts none, its icon is soon there, it runs once, and
 // sleeps.
-TEST_F(FaultTest, WithoutASessionBusItRunsOnAndSaysSo) {
+TEST_F(XFaultTest, WithoutASessionBusItRunsOnAndSaysSo) {
     begin({.hasTray = false});
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     QTemporaryDir folder;
     const auto silentPath = folder.filePath("silent");
     const int silent = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -310,10 +305,8 @@ TEST_F(FaultTest, ASessionBusThatEndsAndComesBackHasItAgain) {
 
 // Whatever a window does while nobody asks and while the program is at work, little of it is read, and none
 // kept.
-TEST_F(FaultTest, AFloodOfChangesCostsNeitherTimeNorMemory) {
+TEST_F(XFaultTest, AFloodOfChangesCostsNeitherTimeNorMemory) {
     startAll();
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     const auto flooding = desktop().startClient();
     const auto loud = flooding->open({.applicationClass = "Loud", .title = "loud"});
     const auto window = open("editor", {300, 200, 500, 400});

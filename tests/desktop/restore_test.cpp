@@ -32,6 +32,9 @@ protected:
     }
 };
 
+/// What only an X desktop has.
+class XRestoreTest : public RestoreTest {};
+
 // Every kind of window that people have, on every display: back to the pixel, however it draws its borders.
 class EveryKindOfWindow : public RestoreTest, public ::testing::WithParamInterface<std::vector<Rect>> {};
 
@@ -74,8 +77,6 @@ INSTANTIATE_TEST_SUITE_P(Displays, EveryKindOfWindow, ::testing::Values(oneDispl
 
 TEST_F(RestoreTest, WindowsOfALostDisplayAllEndInsideTheOneThatIsLeft) {
     beginWith(twoDisplays);
-    if (lacks(Ability::staysShown))
-        GTEST_SKIP() << "hidden windows stay where they are";
     const std::vector<WindowHandle> all{
         open({.title = "left"}, {100, 100, 600, 500}),
         open({.title = "right"}, {2100, 100, 900, 700}),
@@ -91,10 +92,8 @@ TEST_F(RestoreTest, WindowsOfALostDisplayAllEndInsideTheOneThatIsLeft) {
             << windows().title(window) << " at " << ::testing::PrintToString(seen(window));
 }
 
-TEST_F(RestoreTest, OnlyWhatIsSeenIsSaved) {
+TEST_F(XRestoreTest, OnlyWhatIsSeenIsSaved) {
     beginWith(oneDisplay);
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     const auto seenOne = open({.applicationClass = "Editor", .title = "seen"}, {100, 100, 600, 500});
     const auto minimised = open({.applicationClass = "Files", .title = "minimised"}, {200, 200, 600, 500});
     const auto shaded = open({.applicationClass = "Mail", .title = "shaded"}, {300, 300, 600, 500});
@@ -112,10 +111,8 @@ TEST_F(RestoreTest, OnlyWhatIsSeenIsSaved) {
     EXPECT_EQ(entries[0]["windowTitle"].toString().toStdString(), windows().title(seenOne));
 }
 
-TEST_F(RestoreTest, WindowsOnEveryMonitorAreSavedWhereEachHasADesktopOfItsOwn) {
+TEST_F(XRestoreTest, WindowsOnEveryMonitorAreSavedWhereEachHasADesktopOfItsOwn) {
     begin({.displays = twoDisplays, .windowManager = "i3"});
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     ASSERT_TRUE(program().start());
     const auto left = open({.applicationClass = "Editor", .title = "left"}, {100, 100, 600, 500});
     const auto right = open({.applicationClass = "Mail", .title = "right"}, {2100, 100, 900, 700});
@@ -142,8 +139,6 @@ TEST_F(RestoreTest, WindowsOnEveryMonitorAreSavedWhereEachHasADesktopOfItsOwn) {
 
 TEST_F(RestoreTest, AMaximisedWindowGoesBackToItsFrame) {
     beginWith(oneDisplay);
-    if (lacks(Ability::largeXWindows))
-        GTEST_SKIP() << "about frames that this desktop does not tell";
     const auto wasNormal = open({.applicationClass = "Mail", .title = "normal"}, {300, 200, 700, 500});
     const auto wasMaximised = open({.applicationClass = "Map", .title = "maximised"}, {500, 300, 600, 400});
     ASSERT_TRUE(windows().maximise(wasMaximised));
@@ -158,10 +153,8 @@ TEST_F(RestoreTest, AMaximisedWindowGoesBackToItsFrame) {
 }
 
 // Nothing but its number tells the listed window from its hidden twin.
-TEST_F(RestoreTest, TheWindowThatIsSeenMovesAndItsHiddenTwinStays) {
+TEST_F(XRestoreTest, TheWindowThatIsSeenMovesAndItsHiddenTwinStays) {
     beginWith(oneDisplay);
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     const Rect saved{200, 150, 600, 400}, astray{900, 500, 500, 350};
     const auto first = open({.title = "Untitled"}, saved), second = open({.title = "Untitled"}, astray);
     for (const auto how : {Hiding::minimised, Hiding::onAnotherDesktop})
@@ -180,10 +173,8 @@ TEST_F(RestoreTest, TheWindowThatIsSeenMovesAndItsHiddenTwinStays) {
         }
 }
 
-TEST_F(RestoreTest, AWindowThatMakesItselfFullscreenAgainIsNoSuccess) {
+TEST_F(XRestoreTest, AWindowThatMakesItselfFullscreenAgainIsNoSuccess) {
     beginWith(oneDisplay);
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     const auto window = open({.title = "film"}, {300, 200, 700, 500});
     ASSERT_TRUE(program().saveLayout("Film"));
     ASSERT_TRUE(windows().place(window, {100, 100, 600, 400}));
@@ -211,10 +202,8 @@ TEST_F(RestoreTest, AHungApplicationStopsNoOther) {
     hanging->resume();
 }
 
-TEST_F(RestoreTest, NothingMovesWhenEverythingIsInPlace) {
+TEST_F(XRestoreTest, NothingMovesWhenEverythingIsInPlace) {
     beginWith(twoDisplays);
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     const auto nearby = open({.title = "nearby"}, {100, 100, 400, 300});
     open({.applicationClass = "Bare", .title = "far", .isDecorated = false}, {2200, 300, 600, 500});
     ASSERT_TRUE(program().saveLayout("Still"));

@@ -59,6 +59,9 @@ private:
     WindowHandle window_;
 };
 
+/// What only an X desktop has.
+class XSessionTest : public SessionTest {};
+
 // The whole menu, line by line, on the way from the first start to several setups.
 TEST_F(SessionTest, TheMenuTellsTheStateItemByItem) {
     const std::string foot = "---\n"
@@ -119,10 +122,8 @@ TEST_F(SessionTest, TheMenuTellsTheStateItemByItem) {
 }
 
 // Any program may write the property by which window managers announce themselves.
-TEST_F(SessionTest, AForgedAnnouncementDoesNotHideWhatComesAfterIt) {
+TEST_F(XSessionTest, AForgedAnnouncementDoesNotHideWhatComesAfterIt) {
     begin({});
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     ASSERT_TRUE(program().start());
     const auto root = desktop().x().root();
     const auto truth = desktop().x().cardinals(root, "_NET_SUPPORTING_WM_CHECK").at(0);
@@ -136,10 +137,8 @@ TEST_F(SessionTest, AForgedAnnouncementDoesNotHideWhatComesAfterIt) {
 }
 
 // The variables of another session may have come along (nested servers, remote desktops, user services).
-TEST_F(SessionTest, TheServerSaysWhetherItIsABridgeNotTheEnvironment) {
+TEST_F(XSessionTest, TheServerSaysWhetherItIsABridgeNotTheEnvironment) {
     begin({});
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     desktop().setVariable("XDG_SESSION_TYPE", "wayland");
     desktop().setVariable("WAYLAND_DISPLAY", "wayland-elsewhere");
     desktop().setVariable("XDG_CURRENT_DESKTOP", "KDE");
@@ -147,10 +146,8 @@ TEST_F(SessionTest, TheServerSaysWhetherItIsABridgeNotTheEnvironment) {
     EXPECT_THAT(program().menu(), StartsWith("Current Display Setup"));
 }
 
-TEST_F(SessionTest, ARestartedWindowManagerDoesNotLoseThePendingRestore) {
+TEST_F(XSessionTest, ARestartedWindowManagerDoesNotLoseThePendingRestore) {
     begin({.displays = {firstDisplay, secondDisplay}});
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     ASSERT_TRUE(program().start());
     const Rect saved{2300, 200, 700, 600};
     saveAndStray("Desk", saved);
@@ -162,10 +159,8 @@ TEST_F(SessionTest, ARestartedWindowManagerDoesNotLoseThePendingRestore) {
 }
 
 // A mirror image is one screen, and so are two panels that are used as one.
-TEST_F(SessionTest, ScreensOfSeveralOutputsCountOnce) {
+TEST_F(XSessionTest, ScreensOfSeveralOutputsCountOnce) {
     begin({});
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     ASSERT_TRUE(program().start());
     ASSERT_TRUE(client().open({.title = "one"}));
     ASSERT_TRUE(outputs().plug(1, firstDisplay, secondMonitor));
@@ -365,8 +360,6 @@ class EmbeddingPanelTest : public SessionTest, public ::testing::WithParamInterf
 TEST_P(EmbeddingPanelTest, GetsTheIconAndAClickOpensTheMenu) {
     const bool isPanelFirst = GetParam();
     begin({.hasTray = false});
-    if (lacks(Ability::xDesktop))
-        GTEST_SKIP() << "about X";
     EmbeddingPanel panel(xDesktop().server().display().toStdString());
     ASSERT_TRUE(!isPanelFirst || panel.appear());
     ASSERT_TRUE(program().launch());

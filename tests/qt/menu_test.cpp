@@ -125,17 +125,15 @@ TEST_F(BusMenuTest, HugeQuestionsGetSmallAnswers) {
     EXPECT_LE(unknown.size(), 100);
     // The bus decodes an argument only as far as its type reads it.
     const PrivateBus bus;
-    const auto address = QString::fromStdString(bus.address());
-    auto panel = QDBusConnection::connectToBus(address, "panel");
-    auto program = QDBusConnection::connectToBus(address, "program");
+    StandInService panel(bus, "");
+    auto program = QDBusConnection::connectToBus(QString::fromStdString(bus.address()), "program");
     ASSERT_TRUE(program.registerObject("/menu", &menu, QDBusConnection::ExportScriptableSlots));
     auto events = QDBusMessage::createMethodCall(program.baseService(), "/menu", "com.canonical.dbusmenu",
                                                  "EventGroup");
     events << QVariant::fromValue(
         BusMenuEvents{QList<BusMenuEvent>(100'000, {2, "clicked", QDBusVariant(QString()), 0})});
-    const auto answer = panel.call(events, QDBus::BlockWithGui);
+    const auto answer = panel.connection().call(events, QDBus::BlockWithGui);
     EXPECT_EQ(answer.type(), QDBusMessage::ReplyMessage) << answer.errorMessage().toStdString();
-    QDBusConnection::disconnectFromBus("panel");
     QDBusConnection::disconnectFromBus("program");
     runEventLoopOnce();
     EXPECT_LE(chosen.size(), 100u);

@@ -46,6 +46,8 @@ TEST(I3TreeTest, whatIsNoTreeHasNoWindows) {
 class FakeSocket {
 public:
     FakeSocket(const std::string& path, const std::string& bytes, bool closes = false) {
+        QLocalServer::removeServer(QString::fromStdString(path));
+        EXPECT_TRUE(server_.listen(QString::fromStdString(path)));
         server_.moveToThread(&thread_);
         QObject::connect(&server_, &QLocalServer::newConnection, &server_, [this, bytes, closes] {
             auto* peer = server_.nextPendingConnection();
@@ -57,13 +59,6 @@ public:
             });
         });
         thread_.start();
-        QMetaObject::invokeMethod(
-            &server_,
-            [&] {
-                QLocalServer::removeServer(QString::fromStdString(path));
-                EXPECT_TRUE(server_.listen(QString::fromStdString(path)));
-            },
-            Qt::BlockingQueuedConnection);
     }
     ~FakeSocket() {
         QMetaObject::invokeMethod(&server_, [this] { server_.close(); }, Qt::BlockingQueuedConnection);

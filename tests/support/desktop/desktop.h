@@ -57,11 +57,9 @@ public:
 
 /// What not every desktop has. A case that needs it is left out where it is missing.
 enum class Ability {
-    staysShown,    ///< windows of an unplugged monitor are seen on the others, not put on a hidden workspace
-    xDesktop,      ///< it is an `XDesktop`, with a window manager that comes and goes
-    largeXWindows, ///< it tells the frame of an X window that was made as large as its monitor
-    tilesWindows,  ///< the user has a window fill half of its monitor
-    longTitles,    ///< it survives a title wider than it can draw
+    xDesktop,     ///< it is an `XDesktop`, with a window manager that comes and goes
+    tilesWindows, ///< the user has a window fill half of its monitor
+    longTitles,   ///< it survives a title wider than it can draw
 };
 
 /// A whole private desktop: a window system, a session bus and a second bus standing in for the system bus, a

@@ -102,8 +102,7 @@ public:
     explicit KWinDesktop(const Options& options);
 
     bool has(Ability ability) const override {
-        return ability == Ability::largeXWindows || ability == Ability::tilesWindows ||
-               ability == Ability::longTitles;
+        return ability == Ability::tilesWindows || ability == Ability::longTitles;
     }
     /// The server in which KWin shows the windows of X programs.
     XConnection& x() override { return *x_; }
