@@ -31,7 +31,8 @@ TEST_F(MainJobTest, EightWindowsOfThreeApplicationsComeBackEveryWay) {
         mail("Draft", {200, 420, 501, 303}),
         open(client(), {.applicationClass = "Player", .title = "Film"}, {1400, 420, 380, 300}),
         mail("Address book", {720, 430, 333, 277}),
-        editor("List", {2300, 500, 380, 250}), // partly off the screen
+        // Partly off the screen, where every desktop lets the user do that.
+        editor("List", {lacks(Ability::xDesktop) ? 2300.0 : 2150.0, 500, 380, 250}),
     };
     const auto saved = seenAll(all);
     ASSERT_TRUE(program().saveLayout("Desk") && program().makeDefault("Desk"));

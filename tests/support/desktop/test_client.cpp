@@ -38,8 +38,8 @@ std::optional<WindowHandle> TestClient::open(const WindowRequest& request) {
                       : std::nullopt;
     };
     auto window = opened();
-    if (answer && !window) {
-        // sway 1.10 now and then never shows a window that its X server has.
+    // sway 1.10 now and then never shows a window that its X server has, and the next one neither.
+    for (int attempt = 1; answer && !window && attempt < 5; ++attempt) {
         ask("destroy\t" + *answer);
         answer = ask(command);
         window = opened();

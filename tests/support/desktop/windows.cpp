@@ -39,7 +39,7 @@ std::optional<WindowHandle> ListedWindows::waitForOpened(std::uint32_t number, q
             });
             return found && !found->isTiled;
         },
-        patience);
+        patience / 3); // who opened it may open it again
     if (!found)
         return std::nullopt;
     opened_.insert(found->id);
