@@ -69,16 +69,16 @@ std::vector<PlacementOutcome> X11WindowMover::place(std::span<const WindowPlacem
     jobs.reserve(placements.size());
     for (const auto& placement : placements)
         jobs.push_back(makeJob(placement));
-    while (!std::ranges::all_of(jobs, &Job::isOver)) {
-        request(jobs);
-        const bool isAnswered = awaitFences(deadline);
-        if (isAnswered)
-            awaitUnpinned(jobs, deadline);
-        judge(jobs);
-        if (!isAnswered)
-            break;
-    }
-    awaitRelapses(jobs, deadline);
+    bool isAnswered = true;
+    do {
+        while (isAnswered && !std::ranges::all_of(jobs, &Job::isOver)) {
+            request(jobs);
+            isAnswered = awaitFences(deadline);
+            if (isAnswered)
+                awaitUnpinned(jobs, deadline);
+            judge(jobs);
+        }
+    } while (awaitRelapses(jobs, deadline) && isAnswered);
     std::vector<PlacementOutcome> outcomes;
     for (const auto& job : jobs)
         outcomes.push_back(job.outcome);
@@ -202,7 +202,7 @@ void X11WindowMover::awaitUnpinned(std::span<const Job> jobs, Clock::time_point 
     await(hasAnyOldShadows, shadowPatience);
 }
 
-void X11WindowMover::awaitRelapses(std::span<Job> jobs, Clock::time_point deadline) {
+bool X11WindowMover::awaitRelapses(std::span<Job> jobs, Clock::time_point deadline) {
     const auto isSuspect = [](const Job& job) {
         return job.wasFullscreen &&
                (job.outcome == PlacementOutcome::done || job.outcome == PlacementOutcome::adjusted);
@@ -211,10 +211,14 @@ void X11WindowMover::awaitRelapses(std::span<Job> jobs, Clock::time_point deadli
     while (std::ranges::any_of(jobs, isSuspect) && Clock::now() < end && connection_.waitForEvents(end)) {
         table_.refresh(Freshness::recent);
         for (auto& job : jobs)
-            if (const auto* window = isSuspect(job) ? table_.find(job.id) : nullptr)
+            if (const auto* window = isSuspect(job) ? table_.find(job.id) : nullptr) {
                 if (window->states.isPinned())
                     job.outcome = PlacementOutcome::timedOut;
+                else if (window->borders() != job.borders && job.attempts <= attemptLimit)
+                    job.isOver = false;
+            }
     }
+    return !std::ranges::all_of(jobs, &Job::isOver);
 }
 
 bool X11WindowMover::awaitFences(Clock::time_point deadline) {

@@ -50,7 +50,9 @@ private:
     void judge(std::span<Job> jobs);
     void judge(Job& job);
     void awaitUnpinned(std::span<const Job> jobs, Clock::time_point deadline);
-    void awaitRelapses(std::span<Job> jobs, Clock::time_point deadline);
+    /// Some clients make themselves fullscreen again, and some window managers draw the frame of a window
+    /// that was fullscreen later than they answer. True when windows are to be placed once more.
+    bool awaitRelapses(std::span<Job> jobs, Clock::time_point deadline);
     bool awaitFences(Clock::time_point deadline);
 
     void moveResize(const X11Window& window, const PixelRect& client);
