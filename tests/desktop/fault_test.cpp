@@ -243,6 +243,8 @@ TEST_F(XFaultTest, WithoutASessionBusItRunsOnAndSaysSo) {
     for (const auto& address : {QString(), "unix:path=" + silentPath, QString("unix:path=/nowhere/bus")}) {
         auto environment = desktop().environment();
         environment.insert("PATH", folder.path() + ":" + environment.value("PATH"));
+        // Qt 6.8 does not free everything when the program ends before its event loop.
+        environment.insert("ASAN_OPTIONS", environment.value("ASAN_OPTIONS") + ":detect_leaks=0");
         environment.insert("DBUS_SYSTEM_BUS_ADDRESS", address.isEmpty() ? "unix:path=/nowhere/bus" : address);
         if (address.isEmpty())
             environment.remove("DBUS_SESSION_BUS_ADDRESS");
