@@ -145,8 +145,13 @@ void LayoutChanges::putBack(const Uuid& profileID, const Before& before) {
     if (!done)
         return reportFailure(done.error());
     ShortcutManager& shortcuts = collaborators_.shortcutManager;
+    const auto isTaken = [&](const KeyCombo& combo) {
+        return shortcuts.autoDetectShortcut.value() == combo ||
+               std::ranges::any_of(shortcuts.layoutShortcuts.value(),
+                                   [&](const auto& shortcut) { return shortcut.second == combo; });
+    };
     for (const auto& [layoutID, combo] : before.shortcuts)
-        if (!shortcuts.layoutShortcuts.value().contains(layoutID))
+        if (!shortcuts.layoutShortcuts.value().contains(layoutID) && !isTaken(combo))
             shortcuts.setLayoutShortcut(combo, layoutID);
     tell(Notice{.text = "Undone."}, nullptr);
     reload();

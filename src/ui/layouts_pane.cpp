@@ -299,7 +299,8 @@ LayoutsPaneContent LayoutsPane::read() const {
         content.suggestionMessage = content.currentSetupText;
     }
     const std::size_t count = setups ? setups->layouts().size() : 0;
-    content.offersFilter = count > manyLayouts;
+    // A filter in use stays, or nobody could take it back.
+    content.offersFilter = count > manyLayouts || !filter_.empty();
     content.isFoldable = count > manyLayouts && profiles.size() > 1;
     if (content.isUnreadable)
         return content; // nothing is shown of what cannot be read

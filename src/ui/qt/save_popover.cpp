@@ -88,6 +88,7 @@ SavePopoverWindow::SavePopoverWindow(std::shared_ptr<SaveLayoutPopoverView> view
     setAttribute(Qt::WA_QuitOnClose, false);
     setAttribute(Qt::WA_TranslucentBackground);
     setWindowTitle(QStringLiteral("Save Layout"));
+    setAccessibleRole(*this, QAccessible::Dialog);
     build();
     nameField_->setText(QString::fromStdString(view_->layoutName()));
     showState();

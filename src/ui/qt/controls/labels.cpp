@@ -237,8 +237,8 @@ TextLabel* makeSectionTitle(const QString& text) {
     QFont font = label->font();
     font.setBold(true);
     label->setFont(font);
-    label->setAccessibleName(text);
     setAccessibleRole(*label, QAccessible::Heading);
+    label->setAccessibleName(text);
     return label;
 }
 

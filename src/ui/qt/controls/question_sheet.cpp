@@ -45,6 +45,7 @@ QuestionSheet::QuestionSheet(QWidget& window, const DeletionQuestion& question,
     auto* centring = new QVBoxLayout(this);
     centring->addWidget(card, 0, Qt::AlignCenter);
 
+    setAccessibleRole(*this, QAccessible::Dialog);
     // A screen reader tells the question with the button that gets the focus.
     setAccessibleName(qText(question.title));
     cancel_->setAccessibleDescription(qText(question.title + " " + question.message));

@@ -99,7 +99,7 @@ void LayoutPictureWidget::drawScreenName(QPainter& painter, const LayoutPicture:
     painter.setFont(small);
     painter.setPen(withContrast(palette().color(QPalette::Active, QPalette::WindowText),
                                 painter.brush().color(), textContrast));
-    painter.drawText(place, Qt::AlignCenter, name);
+    drawTextLine(painter, place.toAlignedRect(), Qt::LeftToRight, Qt::AlignCenter, name);
 }
 
 void LayoutPictureWidget::drawWindow(QPainter& painter, const LayoutPicture::Window& window,
