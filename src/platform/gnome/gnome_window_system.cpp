@@ -191,8 +191,7 @@ std::vector<RefusedKey> GnomeWindowSystem::refusedKeys() {
 }
 
 std::optional<std::uint32_t> GnomeWindowSystem::keyPosition(std::uint32_t nativeScanCode) {
-    constexpr std::uint32_t offset = 8;
-    return nativeScanCode > offset ? std::optional(nativeScanCode - offset) : std::nullopt;
+    return evdevPosition(nativeScanCode);
 }
 
 bool GnomeWindowSystem::activate(WindowID window, const std::string& /*token*/) {

@@ -3,6 +3,7 @@
 #include "platform/gnome/gnome_extension.h"
 #include "platform/gnome/gnome_keys.h"
 #include "platform/session_bus/bus_link.h"
+#include "platform/wayland/wayland_keyboard.h"
 #include "platform/wayland/wayland_outputs.h"
 #include "platform/window_scripts/script_answers.h"
 #include "platform/windows/window_system.h"

@@ -179,8 +179,7 @@ std::vector<RefusedKey> KWinWindowSystem::refusedKeys() {
 }
 
 std::optional<std::uint32_t> KWinWindowSystem::keyPosition(std::uint32_t nativeScanCode) {
-    constexpr std::uint32_t offset = 8;
-    return nativeScanCode > offset ? std::optional(nativeScanCode - offset) : std::nullopt;
+    return evdevPosition(nativeScanCode);
 }
 
 bool KWinWindowSystem::activate(WindowID window, const std::string& /*token*/) {

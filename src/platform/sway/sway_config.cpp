@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "platform/applications/environment.h"
+#include "platform/wayland/wayland_keyboard.h"
 
 #include <algorithm>
 #include <charconv>
@@ -19,9 +20,6 @@ constexpr std::size_t fileLimit = 1024 * 1024;
 constexpr std::size_t filesLimit = 64;
 constexpr std::size_t bindingLimit = 4096;
 constexpr std::size_t lineLimit = 16 * 1024;
-
-/// Keymaps and sway number a key 8 higher than the input layer does.
-constexpr std::uint32_t keyOffset = 8;
 
 /// The words of a command; quotes hold one together.
 std::vector<std::string> words(std::string_view line) {

@@ -11,9 +11,6 @@
 namespace tavrin {
 namespace {
 
-/// sway numbers a key 8 higher than the input layer does.
-constexpr std::uint32_t keyOffset = 8;
-
 constexpr auto usedByUser = "The configuration of sway uses this combination.";
 constexpr auto notAccepted = "sway does not accept this combination.";
 

@@ -15,9 +15,6 @@ using Clock = std::chrono::steady_clock;
 /// Sizes and places beyond this are no frames.
 constexpr double extentLimit = 100000;
 
-/// Qt and Wayland number a key 8 higher than the input layer does.
-constexpr std::uint32_t keyOffset = 8;
-
 Rect wholePixels(const Rect& frame) {
     return {std::round(frame.x), std::round(frame.y), std::round(frame.width), std::round(frame.height)};
 }
@@ -206,7 +203,7 @@ std::vector<RefusedKey> SwayWindowSystem::refusedKeys() {
 }
 
 std::optional<std::uint32_t> SwayWindowSystem::keyPosition(std::uint32_t nativeScanCode) {
-    return nativeScanCode > keyOffset ? std::optional(nativeScanCode - keyOffset) : std::nullopt;
+    return evdevPosition(nativeScanCode);
 }
 
 bool SwayWindowSystem::activate(WindowID window, const std::string&) {

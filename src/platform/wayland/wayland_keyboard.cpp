@@ -12,9 +12,6 @@ namespace {
 /// A keymap has some 60 KB.
 constexpr std::uint32_t keymapLimit = 4 * 1024 * 1024;
 
-/// Keymaps number a key 8 higher than the input layer does.
-constexpr std::uint32_t keyOffset = 8;
-
 /// The text in the first `size` bytes of a file; empty when it has not that many, since touching what is
 /// not there would end the program.
 std::string mappedText(int file, std::uint32_t size) {
@@ -32,6 +29,10 @@ std::string mappedText(int file, std::uint32_t size) {
 }
 
 } // namespace
+
+std::optional<std::uint32_t> evdevPosition(std::uint32_t nativeScanCode) {
+    return nativeScanCode > keyOffset ? std::optional(nativeScanCode - keyOffset) : std::nullopt;
+}
 
 std::optional<KeyboardMap> KeyboardMap::parse(const std::string& text) {
     if (text.empty())

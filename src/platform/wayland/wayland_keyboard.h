@@ -14,6 +14,12 @@ struct xkb_keymap;
 
 namespace tavrin {
 
+/// Keymaps, Qt and sway number a key so much higher than the input layer does.
+inline constexpr std::uint32_t keyOffset = 8;
+
+/// The position (evdev code) of the key that the toolkit reports by this native scan code; absent for none.
+std::optional<std::uint32_t> evdevPosition(std::uint32_t nativeScanCode);
+
 /// What the keys of a keyboard give. Keys are positions (evdev codes), symbols are X key symbols, layouts
 /// (a French and a Russian one, say) are counted from 0.
 class KeyboardMap {
